@@ -1,0 +1,27 @@
+# add_dewarp_test(NAME <name> SOURCES <files> [GL] [LIBRARIES <targets>])
+#
+# One GoogleTest program, one CTest entry. GL tests get Mesa without a window system and exit 77 (skipped)
+# where no context is to be had.
+find_package(GTest REQUIRED)
+
+function(add_dewarp_test)
+    cmake_parse_arguments(ARG "GL" "NAME" "SOURCES;LIBRARIES" ${ARGN})
+    add_executable(${ARG_NAME} ${ARG_SOURCES})
+    target_link_libraries(${ARG_NAME} PRIVATE lumor_dewarp dewarp_test_support ${ARG_LIBRARIES} GTest::gtest)
+    if(ARG_GL)
+        target_link_libraries(${ARG_NAME} PRIVATE dewarp_gl_test_main)
+    else()
+        target_link_libraries(${ARG_NAME} PRIVATE GTest::gtest_main)
+    endif()
+    target_compile_definitions(${ARG_NAME} PRIVATE
+        TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}/tests" SAMPLES_DIR="${PROJECT_SOURCE_DIR}/samples")
+    set_target_properties(${ARG_NAME} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests ENABLE_EXPORTS ON)
+    add_test(NAME ${ARG_NAME} COMMAND ${ARG_NAME})
+    if(ARG_GL)
+        set_tests_properties(${ARG_NAME} PROPERTIES
+            LABELS gl SKIP_RETURN_CODE 77 ENVIRONMENT "EGL_PLATFORM=surfaceless;LIBGL_ALWAYS_SOFTWARE=1")
+    else()
+        set_tests_properties(${ARG_NAME} PROPERTIES LABELS unit)
+    endif()
+endfunction()
