@@ -1,0 +1,121 @@
+#include "tests/support/HeapCounter.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define DEWARP_SANITIZED_HEAP
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define DEWARP_SANITIZED_HEAP
+#endif
+
+// Plain integers, initialised with constants: they are touched from within operator new.
+static thread_local int g_nDriverDepth = 0;
+static thread_local bool g_bCounting = false;
+static thread_local int g_nAllocations = 0;
+
+CDriverScope::CDriverScope()
+{
+    ++g_nDriverDepth;
+}
+
+CDriverScope::~CDriverScope()
+{
+    --g_nDriverDepth;
+}
+
+static void CountAllocation()
+{
+    if (g_bCounting && g_nDriverDepth == 0)
+        ++g_nAllocations;
+}
+
+int CHeapCounter::Count() const
+{
+    return g_nAllocations;
+}
+
+CHeapCounter::~CHeapCounter()
+{
+    g_bCounting = false;
+}
+
+#ifdef DEWARP_SANITIZED_HEAP
+
+// The sanitizer owns operator new and tells of every allocation itself.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*fMalloc)(const volatile void*, std::size_t),
+                                                         void (*fFree)(const volatile void*));
+
+static void OnMalloc(const volatile void* /*pBlock*/, std::size_t /*nSize*/)
+{
+    CountAllocation();
+}
+
+static void OnFree(const volatile void* /*pBlock*/) {}
+
+CHeapCounter::CHeapCounter()
+{
+    static const int INSTALLED = __sanitizer_install_malloc_and_free_hooks(OnMalloc, OnFree);
+    (void)INSTALLED;
+    g_nAllocations = 0;
+    g_bCounting = true;
+}
+
+#else
+
+CHeapCounter::CHeapCounter()
+{
+    g_nAllocations = 0;
+    g_bCounting = true;
+}
+
+void* operator new(std::size_t nSize)
+{
+    CountAllocation();
+    void* pBlock = std::malloc(nSize == 0 ? 1 : nSize);
+    if (pBlock == nullptr)
+        throw std::bad_alloc();
+    return pBlock;
+}
+
+void* operator new[](std::size_t nSize)
+{
+    return operator new(nSize);
+}
+
+void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept
+{
+    CountAllocation();
+    return std::malloc(nSize == 0 ? 1 : nSize);
+}
+
+void* operator new[](std::size_t nSize, const std::nothrow_t& oTag) noexcept
+{
+    return operator new(nSize, oTag);
+}
+
+void operator delete(void* pBlock) noexcept
+{
+    std::free(pBlock);
+}
+
+void operator delete[](void* pBlock) noexcept
+{
+    std::free(pBlock);
+}
+
+void operator delete(void* pBlock, std::size_t /*nSize*/) noexcept
+{
+    std::free(pBlock);
+}
+
+void operator delete[](void* pBlock, std::size_t /*nSize*/) noexcept
+{
+    std::free(pBlock);
+}
+
+#endif
