@@ -25,6 +25,7 @@ class CCGPUObjPanoramaTriple;
 class CCGPUObjPanoramaWall;
 class CCGPUObjString;
 class CCGPUObjVCAM;
+struct SDriverTraits;
 
 /// Platform-neutral dewarper. A subclass supplies the context, the target and the locking.
 ///
@@ -119,6 +120,10 @@ public:
     /// Levels of the limited range, 0..255.
     void SetYUVLevels(int nLumaMin, int nLumaMax, int nChromaMin);
     void GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChromaMin);
+    /// Moves the virtual camera's eye back along its axis, in radii of the sphere: 0 (rectilinear) to 1
+    /// (stereographic). Values outside are limited, one that is not a number is refused with a log line.
+    void SetEyeDistance(float fDistance);
+    float GetEyeDistance();
     void SetLogGLErrors(bool bEnable);
     bool GetLogGLErrors();
     void SetLogShaderCode(bool bEnable);
@@ -276,30 +281,89 @@ public:
     bool bLogGLErrors = false;
 
 protected:
+    /// How red and blue of a BGR frame find their places.
+    enum ERedBlueUpload
+    {
+        RED_BLUE_UNDECIDED, ///< no such frame was uploaded to this texture yet
+        RED_BLUE_BY_FORMAT, ///< the driver takes the BGR format
+        RED_BLUE_BY_SWIZZLE ///< the driver does not; the texture exchanges the channels when it is sampled
+    };
+
     // Named steps of DrawGLScene; false: the frame cannot be drawn.
     bool PrepareTarget(int& nWidth, int& nHeight);
     bool ApplyRequests(int nWidth, int nHeight);
     void ApplyDefaultPTZ();
+    void ActivateRequestedObject();
+    ELensType ApplyAbsolutePTZ();
     void ApplyAnalogPTZ();
-    void ApplyLensRequest();
+    void ApplyLensRequest(ELensType eMeshLens);
+    bool ApplyMaskRequest(int nWidth, int nHeight);
     bool SetUpProjection(int nWidth, int nHeight);
     void UpdateWallMesh();
-    bool BindFrameTarget(int nWidth, int nHeight);
+    void ComputeProjection(int nWidth, int nHeight);
+    void UploadMVP();
+    void BindFrameTarget(int nWidth, int nHeight);
     void DrawView(int nWidth, int nHeight);
     void DrawCompositionPasses(int nWidth, int nHeight);
     void FinishFrame();
     /// True when strings or an output overlay image send the view through the intermediate texture.
     bool NeedsFrameTexture() const;
+    static bool HasImage(const SGOverlay& rOverlay);
+    /// Makes the framebuffer of the texture passes, if there is none, and binds it.
+    void PrepareFrameBuffer();
+    void ReadPixels(int nWidth, int nHeight, unsigned char* pPixels);
 
     void CreateViewObjects();
     void DeleteViewObjects();
-    bool TexturesMissing() const;
-    void SetFormatSamplers();
-    /// One input plane: its texture, unit, format and size. The null plane is never read.
+    void FreeTextures();
+
+    // Input planes.
     struct SPlaneUpload;
-    int ListPlaneUploads(SPlaneUpload* pPlanes);
+    int ListPlanes(SPlaneUpload* pPlanes);
+    bool TexturesMissing();
+    bool FitsTexture();
+    bool UploadPlanes();
+    void UploadPlane(const SPlaneUpload& rPlane, bool bCreate);
+    void UploadRedBlue(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
     void CreateQPTextures();
-    int CompileShader(unsigned int nShader, const std::string& strText, const char* pMessage);
-    int HandleTextureCopy(SShaderProperties& sShader, const char* pVertexText, const char* pFragmentText,
-                          int nWidth, int nHeight);
+    void UploadQPTextures();
+
+    // Programs.
+    void SetFormatSamplers();
+    bool CompileShader(unsigned int& nShader, unsigned int nKind, const std::string& strText,
+                       const char* pMessage);
+    const SDriverTraits& DriverTraits();
+    int PrepareTextureCopy(SShaderProperties& sShader, const char* pVertexText, const char* pFragmentText,
+                           int nWidth, int nHeight);
+    void BindCopySource(const SShaderProperties& rShader, int nUnit, unsigned int nTexture);
+    void DrawTextureCopy(SShaderProperties& sShader);
+
+    // Overlays.
+    void ReleaseOverlayTexture(SGOverlay& sOverlay);
+    void ParkOverlayTexture(SGOverlay& sOverlay);
+    void UploadOverlay(SGOverlay& sOverlay);
+    int PrepareOutputOverlayProgram();
+    int PrepareMaskProgram(int nWidth, int nHeight);
+    void PrepareMaskTextures(int nWidth, int nHeight);
+    void PaintMaskPolygon(const SGPolygon& rPolygon);
+    void PrepareInputOverlayForMasks(int nWidth, int nHeight);
+    int PrepareStringProgram(int nWidth, int nHeight, bool& bFullRedraw);
+    void PrepareFontTexture();
+    bool PrepareStringTextures(int nWidth, int nHeight);
+    int PrepareStringCompositeProgram();
+    void DeleteParkedTextures();
+
+    /// Limits a move to finite angles: a view without a size must not lose its position.
+    void KeepFinitePTZ(float fPan, float fTilt, float fZoom);
+
+    SDriverTraits* pDriverTraits; ///< of the context in use, asked for when first needed
+    ERedBlueUpload eRedBlueUpload = RED_BLUE_UNDECIDED;
+    int nMaxTextureSize = 0; ///< of the context in use; 0: not asked for yet
+    bool bReadBGRA = true;   ///< the driver reads back BGRA; else RGBA is exchanged here
+    bool bReadBGRAProven = false;
+    bool bStringsToTexture = false;            ///< the string programs were made to draw into a texture
+    bool bFrameInTextures = false;             ///< the input textures hold a whole frame
+    std::vector<unsigned char> vRepack;        ///< rows of a plane whose stride GL cannot express
+    std::vector<unsigned int> vParkedTextures; ///< to be deleted on the GL thread
+    float fEyeDistance = 0.0f;
 };

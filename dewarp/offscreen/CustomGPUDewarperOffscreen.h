@@ -29,7 +29,7 @@ public:
     /// stride below a row. The last good frame is kept then.
     bool SetTexture(SImageProperties* pImage, bool bGain, SQPInfo* pQP,
                     unsigned long long nTimestamp) override;
-    bool DrawGLScene(bool bExchangeBuffers) override;
+    bool CheckOSDependentDrawGLSceneInitialization() override;
     bool InitializeScene() override;
     std::string GetVertexShaderCode() override;
     bool SetCurrentRenderingContext(void** ppContext) override;
@@ -38,10 +38,10 @@ public:
     void Lock() override;
     void Unlock() override;
     int OSDependentCheckLoadShaders() override;
-    int HandleStrings(int nWidth, int nHeight) override;
     void BindDefaultFrameBuffer() override;
 
 private:
     struct SState; ///< EGL objects, target and lock
     std::unique_ptr<SState> pState;
+    bool bHasOldView = false; ///< a view was drawn before GL was stopped
 };

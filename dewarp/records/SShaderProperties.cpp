@@ -4,6 +4,9 @@
 
 void SShaderProperties::Free()
 {
+    if (bNamesDeleted)
+        nProgram = nVertexShader = nFragmentShader = 0;
+    bNamesDeleted = false;
     if (nProgram != 0) {
         glDeleteProgram(nProgram);
         nProgram = 0;

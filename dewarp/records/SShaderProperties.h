@@ -17,6 +17,8 @@ struct SShaderProperties
     unsigned int nVertexShader = 0;
     unsigned int nFragmentShader = 0;
     unsigned int nProgram = 0;
+    /// The last build failed: the names are still on record but deleted, and may be another object's by now.
+    bool bNamesDeleted = false;
 
     // Attribute and uniform locations; -1 when the program has none of that name.
     int nPositionLocation = -1;   ///< "vPosition"
@@ -63,4 +65,7 @@ struct SShaderProperties
 
     /// True when any requested value differs from the one in force. Floats are compared exactly.
     bool ShouldReloadShaders() const;
+
+    /// True when there is a program to draw with.
+    bool IsUsable() const { return nProgram != 0 && !bNamesDeleted; }
 };

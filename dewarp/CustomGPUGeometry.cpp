@@ -1,0 +1,209 @@
+/// \file
+/// Buffers of the mesh generator and the primitives its meshes share.
+#include "dewarp/CustomGPUGeometry.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+
+/// Floats of a generator vertex: position x, y, z, then texture coordinate u, v.
+static constexpr std::size_t nGridFloats = 5;
+
+static void FreeFloats(float*& pFloats)
+{
+    delete[] pFloats;
+    pFloats = nullptr;
+}
+
+/// A new array in place of an old one. A size that cannot be counted in bytes asks for all memory there is,
+/// so that the allocation fails instead of coming out short.
+static void ReplaceFloats(float*& pFloats, int nElements, std::size_t nFloatsEach)
+{
+    constexpr std::size_t nMaxFloats = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(float);
+    FreeFloats(pFloats);
+    const std::size_t nCount = static_cast<std::size_t>(nElements);
+    pFloats = new float[nCount > nMaxFloats / nFloatsEach ? nMaxFloats : nCount * nFloatsEach];
+}
+
+CCustomGPUGeometry::~CCustomGPUGeometry()
+{
+    FreeFloats(m_pR2ThetaMapping);
+    FreeFloats(m_pTheta2rMapping);
+    FreeFloats(m_pVCAMVertices);
+    FreeFloats(m_pTempGrid);
+    FreeFloats(m_pVertices);
+    FreeFloats(m_pTexCoords);
+    m_nVertexCount = 0;
+    FreeFloats(m_pSin);
+    FreeFloats(m_pCos);
+    m_nSinCosSize = 0;
+}
+
+// The capacity counts as nothing until all arrays of a buffer exist: a failed allocation is made good by the
+// next request.
+
+void CCustomGPUGeometry::CheckTemporaryGridBuffer(int n)
+{
+    if (m_nTempGridSize >= n)
+        return;
+    m_nTempGridSize = 0;
+    ReplaceFloats(m_pTempGrid, n, 1);
+    m_nTempGridSize = n;
+}
+
+void CCustomGPUGeometry::CheckSinCosBufferSize(int n)
+{
+    if (m_nSinCosSize >= n)
+        return;
+    m_nSinCosSize = 0;
+    ReplaceFloats(m_pSin, n, 1);
+    ReplaceFloats(m_pCos, n, 1);
+    m_nSinCosSize = n;
+}
+
+void CCustomGPUGeometry::CheckBufferSize(int n)
+{
+    if (m_nBufferSize >= n)
+        return;
+    m_nBufferSize = 0;
+    ReplaceFloats(m_pVertices, n, 3);
+    ReplaceFloats(m_pTexCoords, n, 2);
+    m_nBufferSize = n;
+}
+
+void CCustomGPUGeometry::AddVertex(float x, float y, float z, float u, float v)
+{
+    float* pVertex = m_pVertices + static_cast<std::size_t>(m_nVertexCount) * 3;
+    float* pTexCoord = m_pTexCoords + static_cast<std::size_t>(m_nVertexCount) * 2;
+    pVertex[0] = x;
+    pVertex[1] = y;
+    pVertex[2] = z;
+    pTexCoord[0] = u;
+    pTexCoord[1] = v;
+    ++m_nVertexCount;
+}
+
+/// A part of an image side; the middle for an image without pixels.
+static float PartOf(float fPixels, float fSide)
+{
+    return fSide == 0.0f ? 0.5f : fPixels / fSide;
+}
+
+/// Limits a pixel offset to half an image side either way; a NaN counts as too large.
+static float LimitOffset(float fOffset, float fHalf)
+{
+    if (!(fOffset <= fHalf))
+        fOffset = fHalf;
+    if (fOffset < -fHalf)
+        fOffset = -fHalf;
+    return fOffset;
+}
+
+void CCustomGPUGeometry::AddVertex(int nIndex, float x, float y)
+{
+    const float fWidth = static_cast<float>(m_nImageWidth);
+    const float fHeight = static_cast<float>(m_nImageHeight);
+    const float fDistance = std::sqrt(x * x + y * y);
+    // A radial stretch: 1.5 at the centre, 1 at the rim, so that the cells are small where the lens is dense.
+    float fStretch = fDistance * (-0.5f / m_fRadius) + 1.5f;
+    if (!std::isfinite(fStretch))
+        fStretch = 1.0f;
+    const float fImageX = LimitOffset(fStretch * x, fWidth / 2.0f);
+    const float fImageY = LimitOffset(fStretch * y, fHeight / 2.0f);
+    float fX = 0.0f;
+    float fY = 0.0f;
+    float fZ = 0.0f;
+    Fisheye2Sphere(fImageX, fImageY, fX, fY, fZ);
+    float* pVertex = m_pVCAMVertices + static_cast<std::size_t>(nIndex) * nGridFloats;
+    pVertex[0] = fX;
+    pVertex[1] = fY;
+    pVertex[2] = -fZ;
+    pVertex[3] = PartOf(fImageX + static_cast<float>(m_nImageWidth / 2) + 1.0f, fWidth);
+    pVertex[4] = PartOf(static_cast<float>(m_nImageHeight / 2) - fImageY, fHeight);
+}
+
+void CCustomGPUGeometry::AddTriangle(float x1, float y1, float x2, float y2, int& nIndex)
+{
+    AddVertex(nIndex, x1, y1);
+    AddVertex(nIndex + 1, x2, y1);
+    AddVertex(nIndex + 2, x2, y2);
+    nIndex += 3;
+}
+
+void CCustomGPUGeometry::AddTrianglesForQuad(float x, float y, float y2, int& nIndex)
+{
+    const int n = nIndex;
+    ReplicateVertex(n - 1, n);
+    ReplicateVertex(n - 2, n + 1);
+    float fCircleY = std::sqrt(m_fRadius * m_fRadius - x * x);
+    if (fCircleY > y)
+        fCircleY = y;
+    AddVertex(n + 2, x, fCircleY);
+    ReplicateVertex(n + 1, n + 3);
+    AddVertex(n + 4, x, y2);
+    ReplicateVertex(n + 2, n + 5);
+    nIndex = n + 6;
+}
+
+void CCustomGPUGeometry::AddTriangle(SGTriangle& sTriangle)
+{
+    const float fWidth = static_cast<float>(m_nImageWidth);
+    const float fHeight = static_cast<float>(m_nImageHeight);
+    for (const SGPoint& sCorner : sTriangle.aCorners) {
+        const float x = PartOf(2.0f * static_cast<float>(sCorner.x), fWidth) - 1.0f;
+        const float y = PartOf(2.0f * static_cast<float>(sCorner.y), fHeight) - 1.0f;
+        AddVertex(x, -y, 0.0f, 0.0f, 0.0f);
+    }
+}
+
+/// Writes the six vertices of one cell from the corners of its two columns. Each position is copied with the
+/// float behind it, which the next position overwrites; only the cell's last one is copied exactly.
+static void WriteCell(const float* pA, const float* pB, const float* pC, const float* pD, float* pVertex,
+                      float* pTexCoord)
+{
+    constexpr std::size_t nWide = 4 * sizeof(float);
+    constexpr std::size_t nPosition = 3 * sizeof(float);
+    constexpr std::size_t nTexCoord = 2 * sizeof(float);
+    std::memcpy(pVertex, pA, nWide);
+    std::memcpy(pVertex + 3, pB, nWide);
+    std::memcpy(pVertex + 6, pC, nWide);
+    std::memcpy(pVertex + 9, pC, nWide);
+    std::memcpy(pVertex + 12, pD, nWide);
+    std::memcpy(pVertex + 15, pA, nPosition);
+    std::memcpy(pTexCoord, pA + 3, nTexCoord);
+    std::memcpy(pTexCoord + 2, pB + 3, nTexCoord);
+    std::memcpy(pTexCoord + 4, pC + 3, nTexCoord);
+    std::memcpy(pTexCoord + 6, pC + 3, nTexCoord);
+    std::memcpy(pTexCoord + 8, pD + 3, nTexCoord);
+    std::memcpy(pTexCoord + 10, pA + 3, nTexCoord);
+}
+
+int CCustomGPUGeometry::GenerateTriangles(int nRows, int nCols, int nRowStride, int nFirstVertex)
+{
+    if (nCols < 2)
+        return nFirstVertex;
+    float* pVertex = m_pVertices + static_cast<std::size_t>(nFirstVertex) * 3;
+    float* pTexCoord = m_pTexCoords + static_cast<std::size_t>(nFirstVertex) * 2;
+    const std::ptrdiff_t nStride = nRowStride;
+    int k = nFirstVertex;
+    for (int j = 0; j < nCols - 1; ++j) {
+        const float* pUpper = m_pTempGrid + nGridFloats * static_cast<std::size_t>(j);
+        for (int i = 0; i < nRows - 1; ++i) {
+            const float* pLower = pUpper + nStride;
+            WriteCell(pUpper, pLower, pLower + nGridFloats, pUpper + nGridFloats, pVertex, pTexCoord);
+            pVertex += 18;
+            pTexCoord += 12;
+            pUpper = pLower;
+            k += 6;
+        }
+    }
+    return k;
+}
+
+void CCustomGPUGeometry::ReplicateVertex(int nFrom, int nTo)
+{
+    const float* pFrom = m_pVCAMVertices + static_cast<std::size_t>(nFrom) * nGridFloats;
+    float* pTo = m_pVCAMVertices + static_cast<std::size_t>(nTo) * nGridFloats;
+    std::memmove(pTo, pFrom, nGridFloats * sizeof(float));
+}

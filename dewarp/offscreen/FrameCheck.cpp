@@ -1,0 +1,59 @@
+#include "dewarp/offscreen/FrameCheck.h"
+
+namespace
+{
+
+const int MIN_SIZE = 2;
+const int MAX_SIZE = 16384;
+// No row is longer than the widest picture of 4 bytes a pixel, padded generously.
+const int MAX_STRIDE = MAX_SIZE * 4 * 4;
+
+struct SFormat
+{
+    int nFormat;
+    int nPlanes;
+    int nPixelBytes; ///< of the first plane
+};
+
+const SFormat FORMATS[] = {
+    {IMAGE_FORMAT_RGB24, 1, 3},  {IMAGE_FORMAT_BGR24, 1, 3},   {IMAGE_FORMAT_NV12, 2, 1},
+    {IMAGE_FORMAT_NV21, 2, 1},   {IMAGE_FORMAT_YUV420P, 3, 1}, {IMAGE_FORMAT_RGBA32, 1, 4},
+    {IMAGE_FORMAT_BGRA32, 1, 4}, {IMAGE_FORMAT_GRAY8, 1, 1},
+};
+
+const SFormat* FindFormat(int nFormat)
+{
+    for (const SFormat& rFormat : FORMATS) {
+        if (rFormat.nFormat == nFormat)
+            return &rFormat;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP)
+{
+    if (pImage == nullptr)
+        return "no image";
+    const SFormat* pFormat = FindFormat(pImage->nFormat);
+    if (pFormat == nullptr)
+        return "unknown image format " + std::to_string(pImage->nFormat);
+    if (pImage->nWidth < MIN_SIZE || pImage->nHeight < MIN_SIZE || pImage->nWidth > MAX_SIZE ||
+        pImage->nHeight > MAX_SIZE)
+        return "image size " + std::to_string(pImage->nWidth) + " x " + std::to_string(pImage->nHeight) +
+               " is outside 2 to 16384";
+    if (pImage->nStride < pImage->nWidth * pFormat->nPixelBytes || pImage->nStride > MAX_STRIDE)
+        return "stride of " + std::to_string(pImage->nStride) + " bytes does not fit rows of " +
+               std::to_string(pImage->nWidth * pFormat->nPixelBytes) + " bytes";
+    const unsigned char* const aPlanes[] = {pImage->pPlane0, pImage->pPlane1, pImage->pPlane2};
+    for (int i = 0; i < pFormat->nPlanes; ++i) {
+        if (aPlanes[i] == nullptr)
+            return "plane " + std::to_string(i) + " is missing";
+    }
+    if (pQP != nullptr && pQP->pQP != nullptr &&
+        (pQP->nWidth < 1 || pQP->nHeight < 1 || pQP->nStride < pQP->nWidth || pQP->nHeight > MAX_SIZE ||
+         pQP->nStride > MAX_STRIDE))
+        return "macroblock information has an impossible size";
+    return std::string();
+}

@@ -1,0 +1,11 @@
+/// \file
+/// Tells whether a frame that a host hands over can be drawn.
+#pragma once
+
+#include "dewarp/records/SImageProperties.h"
+#include "dewarp/records/SQPInfo.h"
+
+#include <string>
+
+/// What is wrong with a frame of CPU planes, in words; empty when nothing is. Thread: any.
+std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP);

@@ -1,0 +1,273 @@
+#include "dewarp/shaders/FragmentText.h"
+
+#include "dewarp/records/Enumerations.h"
+#include "dewarp/shaders/NumberText.h"
+
+namespace COLOUR_TEXT
+{
+
+static const char* const pHeadRGB = "#version 310 es            \n"
+                                    "precision mediump float; \n"
+                                    "uniform sampler2D samplerRGB;\n"
+                                    "in vec2 v_TexCoordinate;  \n"
+                                    "out vec4 vOutputColor;     \n";
+
+static const char* const pHeadNV = "#version 310 es            \n"
+                                   "precision mediump float; \n"
+                                   "uniform sampler2D samplerY;\n"
+                                   "uniform sampler2D samplerUV;\n"
+                                   "in vec2 v_TexCoordinate;  \n"
+                                   "out vec4 vOutputColor;     \n";
+
+static const char* const pHeadPlanar = "#version 310 es            \n"
+                                       "precision mediump float; \n"
+                                       "uniform sampler2D samplerY;\n"
+                                       "uniform sampler2D samplerU;\n"
+                                       "uniform sampler2D samplerV;\n"
+                                       "in vec2 v_TexCoordinate;  \n"
+                                       "out vec4 vOutputColor;     \n";
+
+static const char* const pQPDeclaration = "uniform sampler2D samplerMBType;\n"
+                                          "uniform sampler2D samplerQP;\n";
+
+static const char* const pOverlayDeclaration = "uniform sampler2D samplerInputOverlay;\n";
+
+static const char* const pMain = "void main()\n"
+                                 "{\n";
+
+static const char* const pFetchRGB = "   vec4 rgba = texture(samplerRGB, v_TexCoordinate);       \n";
+
+static const char* const pFetchRGBAsYUV = "   float y, u, v; \n"
+                                          "   vec4 rgba = texture(samplerRGB, v_TexCoordinate);       \n"
+                                          "   y = (0.299*rgba.r + 0.587*rgba.g + 0.114*rgba.b);    \n"
+                                          "   u = (-0.169*rgba.r - 0.331*rgba.g + 0.5*rgba.b);        \n"
+                                          "   v = (0.5*rgba.r - 0.419*rgba.g - 0.081*rgba.b);         \n";
+
+static const char* const pFetchNVLuma = "   float y, u, v; \n"
+                                        "   vec4 rgba = vec4(0.0, 0.0, 0.0, 1.0); \n"
+                                        "   y = texture(samplerY, v_TexCoordinate).r;        \n";
+
+static const char* const pChromaUFirst = "   u = texture(samplerUV, v_TexCoordinate).r - 0.5;        \n"
+                                         "   v = texture(samplerUV, v_TexCoordinate).a - 0.5;        \n";
+
+static const char* const pChromaVFirst = "   u = texture(samplerUV, v_TexCoordinate).a - 0.5;        \n"
+                                         "   v = texture(samplerUV, v_TexCoordinate).r - 0.5;        \n";
+
+static const char* const pFetchPlanar = "   float y, u, v, qp, mb_type; \n"
+                                        "   vec4 rgba = vec4(0.0, 0.0, 0.0, 1.0); \n"
+                                        "   y = texture(samplerY, v_TexCoordinate).r;        \n"
+                                        "   u = texture(samplerU, v_TexCoordinate).r - 0.5;        \n"
+                                        "   v = texture(samplerV, v_TexCoordinate).r - 0.5;        \n";
+
+// Shows the quantiser as colour where a macroblock has a type.
+static const char* const pQPBody = "   qp = texture(samplerQP, v_TexCoordinate).r / 0.1;        \n"
+                                   "   mb_type = texture(samplerMBType, v_TexCoordinate).r;        \n"
+                                   "   u = mb_type * clamp(qp-0.5, -0.5, 0.5) + (1-mb_type) * u;        \n"
+                                   "   v = mb_type * clamp(qp-1.5, -0.5, 0.5) + (1-mb_type) * v;        \n";
+
+// Limited range to full range; between the pieces stand the lowest luma, the luma span and, twice, the
+// chroma span.
+static const char* const pRange0 = "   y = (y-";
+
+static const char* const pRange1 = ")/";
+
+static const char* const pRange2 = ";      \n"
+                                   "   u = u/";
+
+static const char* const pRange3 = ";        \n"
+                                   "   v = v/";
+
+static const char* const pRange4 = ";        \n"
+                                   "   y = clamp(y, 0.0, 1.0);        \n"
+                                   "   u = clamp(u, -0.5, 0.5);        \n"
+                                   "   v = clamp(v, -0.5, 0.5);        \n";
+
+// Between the pieces stand the luma gain and, twice, the chroma gain.
+static const char* const pGain0 = "   y = ";
+
+static const char* const pGain1 = " * y;        \n"
+                                  "   u = ";
+
+static const char* const pGain2 = " * u;        \n"
+                                  "   v = ";
+
+static const char* const pGain3 = " * v;        \n";
+
+// ITU-R BT.601, three decimals.
+static const char* const pConvert601 = "   rgba.r = clamp(y + 1.402 * v, 0.0, 1.0);                    \n"
+                                       "   rgba.g = clamp(y - 0.344 * u - 0.714 * v, 0.0, 1.0);      \n"
+                                       "   rgba.b = clamp(y + 1.772 * u, 0.0, 1.0);        \n";
+
+// ITU-R BT.709, three decimals.
+static const char* const pConvert709 = "   rgba.r = clamp(y + 1.575 * v, 0.0, 1.0);                    \n"
+                                       "   rgba.g = clamp(y - 0.187 * u - 0.468 * v, 0.0, 1.0);      \n"
+                                       "   rgba.b = clamp(y + 1.856 * u, 0.0, 1.0);        \n";
+
+// ITU-R BT.2020, three decimals.
+static const char* const pConvert2020 = "   rgba.r = clamp(y + 1.475 * v, 0.0, 1.0);                    \n"
+                                        "   rgba.g = clamp(y - 0.165 * u - 0.571 * v, 0.0, 1.0);      \n"
+                                        "   rgba.b = clamp(y + 1.881 * u, 0.0, 1.0);        \n";
+
+// BT.601 with coefficients scaled for older encoders.
+static const char* const pConvert601Scaled =
+    "   rgba.r = clamp(y + 1.3707 * v, 0.0, 1.0);        \n"
+    "   rgba.g = clamp(y - 0.3376 * u - 0.6980 * v, 0.0, 1.0);        \n"
+    "   rgba.b = clamp(y + 1.7324 * u, 0.0, 1.0);        \n";
+
+// Back from pFetchRGBAsYUV; rounded differently, so that unit gains come close to the input, not back to it.
+static const char* const pConvertAdjusted =
+    "   rgba.r = clamp(y + 1.4 * v, 0.0, 1.0);        \n"
+    "   rgba.b = clamp(y + 1.765 * u, 0.0, 1.0);        \n"
+    "   rgba.g = clamp(y - 0.343 * u - 0.711 * v, 0.0, 1.0);        \n";
+
+static const char* const pOverlayBlend =
+    "   vec4 overlay = texture(samplerInputOverlay, v_TexCoordinate);        \n"
+    "   rgba.r = rgba.r*(1.0 - overlay.a) + overlay.r * overlay.a;        \n"
+    "   rgba.g = rgba.g*(1.0 - overlay.a) + overlay.g * overlay.a;        \n"
+    "   rgba.b = rgba.b*(1.0 - overlay.a) + overlay.b * overlay.a;        \n";
+
+static const char* const pPremultiply = "   rgba.r = rgba.r * rgba.a;        \n"
+                                        "   rgba.g = rgba.g * rgba.a;        \n"
+                                        "   rgba.b = rgba.b * rgba.a;        \n";
+
+static const char* const pOut = "   vOutputColor = rgba;        \n";
+
+static const char* const pEnd = "}\n";
+
+} // namespace COLOUR_TEXT
+
+namespace
+{
+
+/// Limited to full range, from the levels; each step is rounded to single precision.
+std::string RangeText(const SFragmentTextInput& sInput)
+{
+    if (sInput.nYUVRange != YUV_RANGE_LIMITED)
+        return std::string();
+    const float fLumaMin = static_cast<float>(sInput.nLumaMin) / 255.0f;
+    const float fLumaSpan = static_cast<float>(sInput.nLumaMax) / 255.0f - fLumaMin;
+    const float fChromaMin = static_cast<float>(sInput.nChromaMin) / 255.0f;
+    const float fChromaSpan = 1.0f - fChromaMin - fChromaMin;
+
+    std::string strText = COLOUR_TEXT::pRange0 + NumberText(fLumaMin);
+    strText += COLOUR_TEXT::pRange1 + NumberText(fLumaSpan);
+    strText += COLOUR_TEXT::pRange2 + NumberText(fChromaSpan);
+    strText += COLOUR_TEXT::pRange3 + NumberText(fChromaSpan);
+    strText += COLOUR_TEXT::pRange4;
+    return strText;
+}
+
+std::string GainText(const SFragmentTextInput& sInput)
+{
+    if (!sInput.bGain)
+        return std::string();
+    const std::string strChroma = NumberTextWithPoint(sInput.fChromaGain);
+    std::string strText = COLOUR_TEXT::pGain0 + NumberTextWithPoint(sInput.fLumaGain);
+    strText += COLOUR_TEXT::pGain1 + strChroma;
+    strText += COLOUR_TEXT::pGain2 + strChroma;
+    strText += COLOUR_TEXT::pGain3;
+    return strText;
+}
+
+const char* ConversionText(int nYUVSpace)
+{
+    switch (nYUVSpace) {
+    case YUV_SPACE_BT601:
+        return COLOUR_TEXT::pConvert601;
+    case YUV_SPACE_BT709:
+        return COLOUR_TEXT::pConvert709;
+    case YUV_SPACE_BT2020:
+        return COLOUR_TEXT::pConvert2020;
+    default:
+        return COLOUR_TEXT::pConvert601Scaled;
+    }
+}
+
+/// Precision, samplers of the planes, varying and output.
+std::string HeadText(const SFragmentTextInput& sInput)
+{
+    switch (sInput.nFormat) {
+    case IMAGE_FORMAT_NV12:
+    case IMAGE_FORMAT_NV21:
+        return COLOUR_TEXT::pHeadNV;
+    case IMAGE_FORMAT_YUV420P:
+        return sInput.bQPTextures ? std::string(COLOUR_TEXT::pHeadPlanar) + COLOUR_TEXT::pQPDeclaration
+                                  : std::string(COLOUR_TEXT::pHeadPlanar);
+    default:
+        return COLOUR_TEXT::pHeadRGB;
+    }
+}
+
+/// From the textures to "rgba" for the formats that carry RGB.
+std::string RGBText(const SFragmentTextInput& sInput)
+{
+    if (!sInput.bGain || sInput.nFormat == IMAGE_FORMAT_GRAY8)
+        return COLOUR_TEXT::pFetchRGB;
+    return COLOUR_TEXT::pFetchRGBAsYUV + GainText(sInput) + COLOUR_TEXT::pConvertAdjusted;
+}
+
+/// From the textures to "rgba" for the formats that carry YUV.
+std::string YUVText(const SFragmentTextInput& sInput)
+{
+    std::string strText;
+    if (sInput.nFormat == IMAGE_FORMAT_YUV420P) {
+        strText = COLOUR_TEXT::pFetchPlanar;
+        if (sInput.bQPTextures)
+            strText += COLOUR_TEXT::pQPBody;
+    } else {
+        strText = COLOUR_TEXT::pFetchNVLuma;
+        strText +=
+            sInput.nFormat == IMAGE_FORMAT_NV21 ? COLOUR_TEXT::pChromaVFirst : COLOUR_TEXT::pChromaUFirst;
+    }
+    return strText + RangeText(sInput) + GainText(sInput) + ConversionText(sInput.nYUVSpace);
+}
+
+bool IsYUV(int nFormat)
+{
+    return nFormat == IMAGE_FORMAT_NV12 || nFormat == IMAGE_FORMAT_NV21 || nFormat == IMAGE_FORMAT_YUV420P;
+}
+
+bool HasAlpha(int nFormat)
+{
+    return nFormat == IMAGE_FORMAT_RGBA32 || nFormat == IMAGE_FORMAT_BGRA32;
+}
+
+} // namespace
+
+int EffectiveYUVSpace(int nRequested, int nReported)
+{
+    if (nRequested == YUV_SPACE_AUTO)
+        return nReported >= YUV_SPACE_BT601 && nReported <= YUV_SPACE_BT2020 ? nReported : YUV_SPACE_BT601;
+    return nRequested >= YUV_SPACE_BT601 && nRequested <= YUV_SPACE_BT601_SCALED ? nRequested
+                                                                                 : YUV_SPACE_BT601;
+}
+
+int EffectiveYUVRange(int nRequested, int nReported)
+{
+    const int nRange = nRequested == YUV_RANGE_AUTO ? nReported : nRequested;
+    return nRange == YUV_RANGE_LIMITED ? YUV_RANGE_LIMITED : YUV_RANGE_FULL;
+}
+
+bool HasFragmentText(int nFormat)
+{
+    return nFormat == IMAGE_FORMAT_RGB24 || (nFormat >= IMAGE_FORMAT_BGR24 && nFormat <= IMAGE_FORMAT_NV21);
+}
+
+std::string FragmentText(const SFragmentTextInput& sInput)
+{
+    if (!HasFragmentText(sInput.nFormat))
+        return std::string();
+    std::string strText = HeadText(sInput);
+    if (sInput.bInputOverlay)
+        strText += COLOUR_TEXT::pOverlayDeclaration;
+    strText += COLOUR_TEXT::pMain;
+    strText += sInput.strDiscard;
+    strText += IsYUV(sInput.nFormat) ? YUVText(sInput) : RGBText(sInput);
+    if (sInput.bInputOverlay)
+        strText += COLOUR_TEXT::pOverlayBlend;
+    if (HasAlpha(sInput.nFormat) && !sInput.bGain)
+        strText += COLOUR_TEXT::pPremultiply;
+    strText += COLOUR_TEXT::pOut;
+    strText += COLOUR_TEXT::pEnd;
+    return strText;
+}

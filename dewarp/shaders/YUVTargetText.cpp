@@ -1,0 +1,70 @@
+#include "dewarp/shaders/YUVTargetText.h"
+
+namespace YUV_TARGET_TEXT
+{
+
+static const char* const pVertexHead = "#version 310 es \n"
+                                       "uniform mat4 uMVPMatrix;   \n"
+                                       "in vec4 vPosition;   \n"
+                                       "in vec2 a_TexCoordinate; \n"
+                                       "out vec2 v_TexCoordinate;   \n"
+                                       "void main()                  \n"
+                                       "{                            \n"
+                                       "   v_TexCoordinate = a_TexCoordinate; \n"
+                                       "   gl_Position = uMVPMatrix * vPosition; \n";
+
+static const char* const pInvertY = "   gl_Position.y = -1.0 * gl_Position.y; \n";
+
+static const char* const pVertexEnd = "}                            \n";
+
+static const char* const pHead = "#version 310 es \n"
+                                 "#extension GL_EXT_YUV_target : require \n"
+                                 "precision mediump float;\n"
+                                 "uniform __samplerExternal2DY2YEXT uTexture;\n"
+                                 "in vec2 v_TexCoordinate;  \n";
+
+static const char* const pOutPlain = "out vec4 fragColor; \n";
+
+static const char* const pOutYUV = "layout (yuv) out vec4 fragColor; \n";
+
+static const char* const pOverlayDeclaration = "uniform sampler2D samplerInputOverlay;\n";
+
+static const char* const pMain = "void main()\n"
+                                 "{\n";
+
+static const char* const pFetch = "   vec4 yuvTex = texture(uTexture, v_TexCoordinate); \n";
+
+static const char* const pOverlayBlend =
+    "   vec4 overlay = texture(samplerInputOverlay, v_TexCoordinate);        \n"
+    "   yuvTex.r = yuvTex.r*(1.0 - overlay.a) + overlay.r * overlay.a;        \n"
+    "   yuvTex.g = yuvTex.g*(1.0 - overlay.a) + overlay.g * overlay.a;        \n"
+    "   yuvTex.b = yuvTex.b*(1.0 - overlay.a) + overlay.b *  overlay.a;        \n";
+
+static const char* const pOutEnd = "   fragColor  = yuvTex;        \n"
+                                   "}\n";
+
+} // namespace YUV_TARGET_TEXT
+
+std::string YUVTargetVertexText(bool bDrawToTexture)
+{
+    std::string strText = YUV_TARGET_TEXT::pVertexHead;
+    if (!bDrawToTexture)
+        strText += YUV_TARGET_TEXT::pInvertY;
+    strText += YUV_TARGET_TEXT::pVertexEnd;
+    return strText;
+}
+
+std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard)
+{
+    std::string strText = YUV_TARGET_TEXT::pHead;
+    strText += bDrawToTexture ? YUV_TARGET_TEXT::pOutPlain : YUV_TARGET_TEXT::pOutYUV;
+    if (bInputOverlay)
+        strText += YUV_TARGET_TEXT::pOverlayDeclaration;
+    strText += YUV_TARGET_TEXT::pMain;
+    strText += strDiscard;
+    strText += YUV_TARGET_TEXT::pFetch;
+    if (bInputOverlay)
+        strText += YUV_TARGET_TEXT::pOverlayBlend;
+    strText += YUV_TARGET_TEXT::pOutEnd;
+    return strText;
+}

