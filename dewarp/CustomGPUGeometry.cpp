@@ -157,45 +157,72 @@ void CCustomGPUGeometry::AddTriangle(SGTriangle& sTriangle)
     }
 }
 
-/// Writes the six vertices of one cell from the corners of its two columns. Each position is copied with the
-/// float behind it, which the next position overwrites; only the cell's last one is copied exactly.
-static void WriteCell(const float* pA, const float* pB, const float* pC, const float* pD, float* pVertex,
-                      float* pTexCoord)
+namespace
 {
-    constexpr std::size_t nWide = 4 * sizeof(float);
-    constexpr std::size_t nPosition = 3 * sizeof(float);
-    constexpr std::size_t nTexCoord = 2 * sizeof(float);
-    std::memcpy(pVertex, pA, nWide);
-    std::memcpy(pVertex + 3, pB, nWide);
-    std::memcpy(pVertex + 6, pC, nWide);
-    std::memcpy(pVertex + 9, pC, nWide);
-    std::memcpy(pVertex + 12, pD, nWide);
-    std::memcpy(pVertex + 15, pA, nPosition);
-    std::memcpy(pTexCoord, pA + 3, nTexCoord);
-    std::memcpy(pTexCoord + 2, pB + 3, nTexCoord);
-    std::memcpy(pTexCoord + 4, pC + 3, nTexCoord);
-    std::memcpy(pTexCoord + 6, pC + 3, nTexCoord);
-    std::memcpy(pTexCoord + 8, pD + 3, nTexCoord);
-    std::memcpy(pTexCoord + 10, pA + 3, nTexCoord);
+
+/// A grid point as it is copied around: its position with the float behind it, and its texture coordinate.
+struct SCellCorner
+{
+    explicit SCellCorner(const float* pPoint)
+    {
+        std::memcpy(afPosition, pPoint, sizeof afPosition);
+        std::memcpy(afTexCoord, pPoint + 3, sizeof afTexCoord);
+    }
+
+    /// Writes four floats; the fourth belongs to the next vertex, which is written after this one.
+    void PutPosition(float* pVertex) const { std::memcpy(pVertex, afPosition, sizeof afPosition); }
+    void PutTexCoord(float* pTexCoord) const { std::memcpy(pTexCoord, afTexCoord, sizeof afTexCoord); }
+
+    float afPosition[4];
+    float afTexCoord[2];
+};
+
+} // namespace
+
+/// Writes the two triangles of one cell: A, B, C and C, D, A, but for the last vertex's position.
+static void WriteCell(const SCellCorner& sA, const SCellCorner& sB, const SCellCorner& sC,
+                      const SCellCorner& sD, float* pVertex, float* pTexCoord)
+{
+    sA.PutPosition(pVertex);
+    sB.PutPosition(pVertex + 3);
+    sC.PutPosition(pVertex + 6);
+    sC.PutPosition(pVertex + 9);
+    sD.PutPosition(pVertex + 12);
+    sA.PutTexCoord(pTexCoord);
+    sB.PutTexCoord(pTexCoord + 2);
+    sC.PutTexCoord(pTexCoord + 4);
+    sC.PutTexCoord(pTexCoord + 6);
+    sD.PutTexCoord(pTexCoord + 8);
+    sA.PutTexCoord(pTexCoord + 10);
 }
 
 int CCustomGPUGeometry::GenerateTriangles(int nRows, int nCols, int nRowStride, int nFirstVertex)
 {
-    if (nCols < 2)
+    if (nCols < 2 || nRows < 2)
         return nFirstVertex;
     float* pVertex = m_pVertices + static_cast<std::size_t>(nFirstVertex) * 3;
     float* pTexCoord = m_pTexCoords + static_cast<std::size_t>(nFirstVertex) * 2;
     const std::ptrdiff_t nStride = nRowStride;
+    const int nEnd = nFirstVertex + (nRows - 1) * (nCols - 1) * 6;
     int k = nFirstVertex;
     for (int j = 0; j < nCols - 1; ++j) {
-        const float* pUpper = m_pTempGrid + nGridFloats * static_cast<std::size_t>(j);
+        const float* pPoint = m_pTempGrid + nGridFloats * static_cast<std::size_t>(j);
+        SCellCorner sA(pPoint);
+        SCellCorner sD(pPoint + nGridFloats);
         for (int i = 0; i < nRows - 1; ++i) {
-            const float* pLower = pUpper + nStride;
-            WriteCell(pUpper, pLower, pLower + nGridFloats, pUpper + nGridFloats, pVertex, pTexCoord);
+            pPoint += nStride;
+            const SCellCorner sB(pPoint);
+            const SCellCorner sC(pPoint + nGridFloats);
+            WriteCell(sA, sB, sC, sD, pVertex, pTexCoord);
+            k += 6;
+            if (k < nEnd)
+                sA.PutPosition(pVertex + 15);
+            else // nothing may be written behind the mesh
+                std::memcpy(pVertex + 15, pPoint - nStride, 3 * sizeof(float));
+            sA = sB;
+            sD = sC;
             pVertex += 18;
             pTexCoord += 12;
-            pUpper = pLower;
-            k += 6;
         }
     }
     return k;

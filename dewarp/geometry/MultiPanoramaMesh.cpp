@@ -52,8 +52,7 @@ struct SStripBuild
     const float* pTheta2r;
     float fCosRotation;
     float fSinRotation;
-    float fScaleU;
-    float fScaleV;
+    SRayScale sScale;
 };
 
 } // namespace
@@ -77,7 +76,7 @@ static void MapRow(const SStripBuild& sBuild, float fElevation, int nCount, SRay
         sRow.fB[c] = -(fSide * cr) - sr * ce;
         sRow.fAxis[c] = -(se * sBuild.pSin[c]);
     }
-    MapRayRow(sRow, nCount, sBuild.pTheta2r, sBuild.fScaleU, sBuild.fScaleV);
+    MapRayRow(sRow, nCount, sBuild.pTheta2r, sBuild.sScale);
 }
 
 /// Fills the grid of both strips; fShift is how far the strips stand off the layout's centre line.
@@ -103,13 +102,8 @@ static SStripBuild PrepareBuild(const CCustomGPUGeometry& oGeometry, float fRota
 {
     const float fScale = RadiusScale(oGeometry.m_fRadius, oGeometry.m_nImageHeight);
     const float fAspect = ImageAspect(oGeometry.m_nImageWidth, oGeometry.m_nImageHeight);
-    return {oGeometry.m_pSin,
-            oGeometry.m_pCos,
-            oGeometry.m_pTheta2rMapping,
-            std::cos(fRotation),
-            std::sin(fRotation),
-            fScale / fAspect,
-            fScale};
+    return {oGeometry.m_pSin,    oGeometry.m_pCos,    oGeometry.m_pTheta2rMapping,
+            std::cos(fRotation), std::sin(fRotation), {fScale / fAspect, fScale}};
 }
 
 static float RotationRadians(float fDegrees)

@@ -87,13 +87,13 @@ void CCustomGPUGeometry::GeneratePanoramaWallVertices(int nLensType, float fTilt
     const float fRho = UsableAngle(fRotationAngle) * -fPi / 180.0f;
     const SWallTurn sTurn = {std::cos(fTau), std::sin(fTau), std::cos(fRho), std::sin(fRho)};
     const float fScale = RadiusScale(fRadius, nHeight);
-    const float fScaleU = fScale / ImageAspect(nWidth, nHeight);
+    const SRayScale sScale = {fScale / ImageAspect(nWidth, nHeight), fScale};
     SRayRow sRow;
     float afDepth[nGridSide];
     for (int r = 0; r < nGridSide; ++r) {
         const float fRow = static_cast<float>(r);
         TurnRow(sTurn, sSpan.fRowStart + sSpan.fRowStep * fRow, m_pSin, m_pCos, sRow, afDepth);
-        MapRayRow(sRow, nGridSide, m_pTheta2rMapping, fScaleU, fScale);
+        MapRayRow(sRow, nGridSide, m_pTheta2rMapping, sScale);
         float* pPoint = m_pTempGrid + static_cast<std::ptrdiff_t>(r) * nRowStride;
         for (int c = 0; c < nGridSide; ++c, pPoint += 5) {
             pPoint[0] = static_cast<float>(c) * 0.022222223f - 1.0f;

@@ -14,20 +14,33 @@ struct SRayRow
     float fV[nMaxRays] = {};
 };
 
-/// Fills fU and fV of the first nRays entries (nRays at most nMaxRays): a ray's field angle atan2(d, fAxis),
-/// d = |(fA, fB)|, is looked up in the table of 92 radii, and the radius is laid out in the ray's direction,
-/// scaled by fScaleU and fScaleV, around the image centre. A ray on the axis (d = 0) takes the centre.
-/// Units: texture coordinates 0..1; scales 1 for half an image side.
+/// Texture coordinate of the rim's distance from the image centre, doubled: 1 reaches the image's edge.
+struct SRayScale
+{
+    float fU;
+    float fV;
+};
+
+/// Ways to compute a row. All give the same bits where they are available.
+enum ERayPath : int
+{
+    RAY_PATH_LIBRARY,  ///< arctangents one by one from the C library: everywhere
+    RAY_PATH_PORTABLE, ///< own arctangents: where the C library's results are reproduced
+    RAY_PATH_WIDE,     ///< the same for processors with wider vectors
+};
+
+/// The fastest way that is available; found on the first call by comparing a sample with the C library.
+ERayPath BestRayPath();
+
+/// Fills fU and fV of the first nRays entries (1 to nMaxRays): a ray's field angle atan2(d, fAxis),
+/// d = |(fA, fB)|, is looked up in the table of 92 radii, and the radius is laid out in the ray's direction
+/// around the image centre. A ray on the axis (d = 0) takes the centre.
 /// Thread: any. Fails: never; the results are finite for finite rays and scales.
-void MapRayRow(SRayRow& sRow, int nRays, const float* pTheta2r, float fScaleU, float fScaleV);
+void MapRayRow(SRayRow& sRow, int nRays, const float* pTheta2r, const SRayScale& sScale);
 
-/// pAngle[i] = atan2(pY[i], pX[i]) for pY[i] >= 0 (not both 0), each the very float that the C library's
-/// function returns. Where the library is known to use the common single-precision method, several are
-/// computed at a time.
-void FieldAngles(const float* pY, const float* pX, int nCount, float* pAngle);
+/// MapRayRow by a given way, which must be available.
+void MapRayRowBy(ERayPath ePath, SRayRow& sRow, int nRays, const float* pTheta2r, const SRayScale& sScale);
 
-/// True when FieldAngles may compute by itself: the first call compares a sample with the C library.
-bool HasOwnFieldAngles();
-
-/// The method itself, whatever the C library does. Only for FieldAngles and its tests.
+/// pAngle[i] = atan2(pY[i], pX[i]) for finite pY[i] >= 0 and pX[i], not both 0, as the ways with own
+/// arctangents compute it.
 void ComputeFieldAngles(const float* pY, const float* pX, int nCount, float* pAngle);
