@@ -2,6 +2,8 @@
 /// A framebuffer with one colour buffer of 4 bytes a pixel.
 #pragma once
 
+/// The buffer holds BGRA where the driver can draw into that, for that is what read-back delivers; elsewhere
+/// RGBA.
 /// Units: pixels. Owns: two GL names. Thread: GL thread, context current.
 /// Fails: Create returns false when the driver cannot make a buffer of that size.
 class COffscreenTarget
@@ -13,8 +15,12 @@ public:
     void Bind() const;
 
 private:
+    bool AttachTexture(int nWidth, int nHeight);
+    bool AttachRenderbuffer(int nWidth, int nHeight);
+
     unsigned int m_nFrameBuffer = 0;
-    unsigned int m_nColorBuffer = 0;
+    unsigned int m_nTexture = 0;
+    unsigned int m_nRenderbuffer = 0;
     int m_nWidth = 0;
     int m_nHeight = 0;
 };
