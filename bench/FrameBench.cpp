@@ -1,0 +1,167 @@
+// Frame time by view and format, split into upload, draw and read-back, beside a bare quad with the same
+// fragment shader and uploads. Both run alternately within one measurement; the ratio of their medians is the
+// figure to watch.
+
+#include "bench/BareQuad.h"
+#include "bench/Frames.h"
+#include "dewarp/LumorDewarp.h"
+#include "platform/ShaderDialect.h"
+
+#include <GLES3/gl31.h>
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+namespace
+{
+
+struct SView
+{
+    const char* pName;
+    EViewType eView;
+    float fTilt;
+};
+
+const SView VIEWS[] = {
+    {"vcam", VIEW_VCAM, 45.0f},
+    {"quad", VIEW_VCAM_QUAD, 45.0f},
+    {"fisheye", VIEW_FISHEYE, 0.0f},
+    {"circular", VIEW_FISHEYE_CIRCULAR, 0.0f},
+    {"panorama", VIEW_PANORAMA_FULL, 0.0f},
+    {"panorama-half", VIEW_PANORAMA_HALF, 0.0f},
+    {"panorama-quarter", VIEW_PANORAMA_QUARTER, 0.0f},
+    {"dual", VIEW_PANORAMA_DUAL, 0.0f},
+    {"triple", VIEW_PANORAMA_TRIPLE, 0.0f},
+};
+
+struct SFormat
+{
+    const char* pName;
+    int nFormat;
+};
+
+const SFormat FORMATS[] = {
+    {"nv12", IMAGE_FORMAT_NV12}, {"yuv420p", IMAGE_FORMAT_YUV420P}, {"rgba", IMAGE_FORMAT_RGBA32}};
+
+struct SSize
+{
+    const char* pName;
+    int nWidth;
+    int nHeight;
+};
+
+const SSize SIZES[] = {{"720p", 1280, 720}, {"1080p", 1920, 1080}, {"2160p", 3840, 2160}};
+
+/// A dewarper that shows one view, and its frame.
+struct SScene
+{
+    SScene(const SView& rView, int nFormat, const SSize& rSize) : oFrame(nFormat, 1920, 1920)
+    {
+        oDewarper.InitGL(rSize.nWidth, rSize.nHeight);
+        if (!oDewarper.StartGL())
+            std::exit(77);
+        oDewarper.SetInterpolationType(INTERPOLATION_LINEAR);
+        oDewarper.SetLensType(LENS_AUTO);
+        oDewarper.SetViewType(rView.eView);
+        oDewarper.SetMountType(MOUNT_CEILING);
+        Frame();
+        oDewarper.AbsolutePTZ(90.0f, rView.fTilt, 120.0f);
+        Frame();
+        glFinish();
+    }
+
+    void Frame()
+    {
+        oDewarper.SetTexture(oFrame.Image(), false, nullptr, 0);
+        oDewarper.DrawGLScene(true);
+    }
+
+    CBenchFrame oFrame;
+    CCustomGPUDewarperOffscreen oDewarper;
+};
+
+/// \param bMoving pans a little in every frame.
+void FrameBesideQuad(benchmark::State& rState, const SView& rView, const SFormat& rFormat, const SSize& rSize,
+                     bool bMoving)
+{
+    SScene oScene(rView, rFormat.nFormat, rSize);
+    CBareQuad oQuad(*oScene.oFrame.Image(),
+                    PreferredShaderText(oScene.oDewarper.sMainShader.strFragmentShader, QueryDriverTraits()),
+                    rSize.nWidth, rSize.nHeight);
+    std::vector<double> vFrame;
+    std::vector<double> vQuad;
+    std::vector<double> vUpload;
+    std::vector<double> vReadBack;
+    float fPan = 90.0f;
+    for (auto oIteration : rState) {
+        (void)oIteration;
+        if (bMoving)
+            oScene.oDewarper.AbsolutePTZ(fPan += 0.25f, rView.fTilt, 120.0f);
+        // The quad changed bindings: the view binds its own again.
+        oScene.oDewarper.pBoundViewObject = nullptr;
+        glFinish();
+        vFrame.push_back(MillisecondsOf([&] {
+            oScene.Frame();
+            glFinish();
+        }));
+        rState.SetIterationTime(vFrame.back() / 1000.0);
+        vReadBack.push_back(MillisecondsOf([&] {
+            int nSize = 0;
+            int nWidth = 0;
+            int nHeight = 0;
+            int nStride = 0;
+            benchmark::DoNotOptimize(oScene.oDewarper.GetImage(&nSize, &nWidth, &nHeight, &nStride));
+        }));
+        vUpload.push_back(MillisecondsOf([&] {
+            oQuad.Upload();
+            glFinish();
+        }));
+        vQuad.push_back(MillisecondsOf([&] {
+            oQuad.Upload();
+            oQuad.Draw();
+            glFinish();
+        }));
+    }
+    const double fFrame = Median(vFrame);
+    const double fUpload = Median(vUpload);
+    rState.counters["frame_ms"] = fFrame;
+    rState.counters["upload_ms"] = fUpload;
+    rState.counters["draw_ms"] = fFrame - fUpload;
+    rState.counters["readback_ms"] = Median(vReadBack);
+    rState.counters["quad_ms"] = Median(vQuad);
+    rState.counters["ratio"] = fFrame / Median(vQuad);
+}
+
+void Register(const SView& rView, const SFormat& rFormat, const SSize& rSize, bool bMoving)
+{
+    const std::string strName =
+        std::string(bMoving ? "moving/" : "still/") + rView.pName + "/" + rFormat.pName + "/" + rSize.pName;
+    benchmark::RegisterBenchmark(strName.c_str(),
+                                 [&rView, &rFormat, &rSize, bMoving](benchmark::State& rState) {
+                                     FrameBesideQuad(rState, rView, rFormat, rSize, bMoving);
+                                 })
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
+}
+
+} // namespace
+
+int main(int nArguments, char** ppArguments)
+{
+    setenv("EGL_PLATFORM", "surfaceless", 0);
+    for (const SView& rView : VIEWS) {
+        for (const SFormat& rFormat : FORMATS)
+            Register(rView, rFormat, SIZES[1], false);
+    }
+    for (const SFormat& rFormat : FORMATS) {
+        Register(VIEWS[0], rFormat, SIZES[0], false);
+        Register(VIEWS[0], rFormat, SIZES[2], false);
+        Register(VIEWS[0], rFormat, SIZES[1], true);
+    }
+    benchmark::Initialize(&nArguments, ppArguments);
+    if (benchmark::ReportUnrecognizedArguments(nArguments, ppArguments))
+        return 2;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
