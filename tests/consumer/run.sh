@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# run.sh BUILD_FOLDER: installs that build into a folder of its own, then builds and runs a host against the
+# installed tree, once through the CMake package and once through pkg-config.
+set -eu
+sBuild=$1
+sHere=$(cd "$(dirname "$0")" && pwd)
+sWork=$(mktemp -d)
+trap 'rm -rf "$sWork"' EXIT
+
+cmake --install "$sBuild" --prefix "$sWork/first" >/dev/null
+# Moved after the installation: nothing may point back.
+mv "$sWork/first" "$sWork/tree"
+cmake -S "$sHere" -B "$sWork/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$sWork/tree" >/dev/null
+cmake --build "$sWork/cmake" >/dev/null
+"$sWork/cmake/consumer"
+
+sPackageFile=$(find "$sWork/tree" -name lumor_dewarp.pc)
+export PKG_CONFIG_PATH=${sPackageFile%/*}
+c++ -std=c++20 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror $(pkg-config --cflags lumor_dewarp) \
+    "$sHere/Main.cpp" -o "$sWork/plain" $(pkg-config --libs lumor_dewarp)
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir lumor_dewarp) "$sWork/plain"
+
+# Every installed header can be included alone.
+cd "$sWork/tree/include/lumor_dewarp"
+for sHeader in $(find . -name '*.h' -printf '%P\n' | sort); do
+    echo "#include \"$sHeader\"" | c++ -std=c++20 -Wall -Wextra -Wpedantic -Werror -fsyntax-only \
+        $(pkg-config --cflags lumor_dewarp) -x c++ -
+done
+if [ -x "$sWork/tree/bin/lumor-dewarp" ]; then
+    "$sWork/tree/bin/lumor-dewarp" --version
+fi

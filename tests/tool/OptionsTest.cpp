@@ -1,0 +1,202 @@
+#include "Options.h"
+
+#include "HelpText.h"
+#include "ToolError.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+SCommandLine Parse(std::vector<const char*> vArguments)
+{
+    vArguments.insert(vArguments.begin(), "lumor-dewarp");
+    return ParseCommandLine(static_cast<int>(vArguments.size()), vArguments.data());
+}
+
+SToolOptions ParseWithFiles(std::vector<const char*> vArguments)
+{
+    vArguments.push_back("in.png");
+    vArguments.push_back("out.png");
+    return Parse(std::move(vArguments)).sOptions;
+}
+
+bool IsRefused(const std::vector<const char*>& vArguments)
+{
+    try {
+        Parse(vArguments);
+    } catch (const CToolError& oError) {
+        EXPECT_EQ(oError.GetStatus(), EXIT_USAGE);
+        EXPECT_EQ(std::string(oError.what()).find('\n'), std::string::npos) << oError.what();
+        return true;
+    }
+    return false;
+}
+
+/// Every option with a value it takes (null: none).
+const std::pair<const char*, const char*> OPTIONS[] = {
+    {"--raw", "nv12:64x64"},
+    {"--view", "quad"},
+    {"--mount", "wall"},
+    {"--lens", "ideal"},
+    {"--pan", "-30"},
+    {"--tilt", "-1.5"},
+    {"--zoom", "60"},
+    {"--mount-tilt", "-20"},
+    {"--no-strict-tilt", nullptr},
+    {"--projection", "stereographic"},
+    {"--size", "64x32"},
+    {"--interpolation", "nearest"},
+    {"--yuv-space", "bt601-scaled"},
+    {"--yuv-range", "limited"},
+    {"--gain", "1:2"},
+    {"--flip", "hv"},
+    {"--rotation", "90"},
+    {"--input-overlay", "a.png"},
+    {"--output-overlay", "b.png"},
+    {"--mask", "1,1 2,2 3,1 #000000"},
+    {"--mask-file", "m"},
+    {"--strings-file", "s"},
+    {"--text", "hello"},
+    {"--text-at", "-10,-10"},
+    {"--text-height", "20"},
+    {"--text-color", "#FF0000"},
+    {"--text-align", "center"},
+    {"--stats", nullptr},
+    {"--verbose", nullptr},
+};
+
+} // namespace
+
+TEST(Options, EveryOptionIsTakenAndExplained)
+{
+    std::vector<const char*> vArguments;
+    const std::string strHelp = HELP_TEXT;
+    for (const auto& [pName, pValue] : OPTIONS) {
+        EXPECT_NE(strHelp.find("\n  " + std::string(pName) + " "), std::string::npos) << pName;
+        vArguments.push_back(pName);
+        if (pValue != nullptr)
+            vArguments.push_back(pValue);
+    }
+    const SToolOptions sOptions = ParseWithFiles(vArguments);
+    EXPECT_EQ(sOptions.strInput, "in.png");
+    EXPECT_EQ(sOptions.strOutput, "out.png");
+    EXPECT_EQ(sOptions.oRaw->nFormat, IMAGE_FORMAT_NV12);
+    EXPECT_EQ(sOptions.eView, VIEW_VCAM_QUAD);
+    EXPECT_EQ(sOptions.eMount, MOUNT_WALL);
+    EXPECT_EQ(sOptions.eLens, LENS_UNKNOWN);
+    EXPECT_FLOAT_EQ(*sOptions.oPan, -30.0f);
+    EXPECT_FLOAT_EQ(*sOptions.oTilt, -1.5f);
+    EXPECT_FLOAT_EQ(*sOptions.oZoom, 60.0f);
+    EXPECT_FLOAT_EQ(*sOptions.oMountTilt, -20.0f);
+    EXPECT_FALSE(sOptions.bStrictTilt);
+    EXPECT_FLOAT_EQ(*sOptions.oEyeDistance, 1.0f);
+    EXPECT_EQ(sOptions.oSize->nHeight, 32);
+    EXPECT_EQ(sOptions.eInterpolation, INTERPOLATION_NEAREST);
+    EXPECT_EQ(*sOptions.oYUVSpace, YUV_SPACE_BT601_SCALED);
+    EXPECT_EQ(*sOptions.oYUVRange, YUV_RANGE_LIMITED);
+    EXPECT_FLOAT_EQ(sOptions.oGains->fChroma, 2.0f);
+    EXPECT_TRUE(sOptions.bFlipHorizontal && sOptions.bFlipVertical);
+    EXPECT_EQ(*sOptions.oRotation, 90);
+    EXPECT_EQ(sOptions.strInputOverlay, "a.png");
+    EXPECT_EQ(sOptions.strOutputOverlay, "b.png");
+    EXPECT_EQ(sOptions.strMaskFile, "m");
+    EXPECT_EQ(sOptions.strStringsFile, "s");
+    EXPECT_EQ(sOptions.vMasks.size(), 1u);
+    EXPECT_EQ(sOptions.vTexts.size(), 1u);
+    EXPECT_TRUE(sOptions.bStats && sOptions.bVerbose);
+}
+
+TEST(Options, HelpNamesNoOptionThatIsNotTaken)
+{
+    // Options begin a line of the help, indented by two blanks.
+    const std::string strHelp = HELP_TEXT;
+    int nFound = 0;
+    for (std::size_t n = strHelp.find("\n  --"); n != std::string::npos; n = strHelp.find("\n  --", n + 1)) {
+        const std::size_t nBegin = n + 3;
+        const std::string strName = strHelp.substr(nBegin, strHelp.find_first_of(" \n", nBegin) - nBegin);
+        bool bKnown = strName == "--version";
+        for (const auto& [pName, pValue] : OPTIONS)
+            bKnown = bKnown || strName == pName;
+        EXPECT_TRUE(bKnown) << strName;
+        nFound++;
+    }
+    EXPECT_EQ(nFound, static_cast<int>(std::size(OPTIONS)) + 1);
+}
+
+TEST(Options, NothingIsAskedForByDefault)
+{
+    const SToolOptions sOptions = ParseWithFiles({});
+    EXPECT_EQ(sOptions.eView, VIEW_VCAM);
+    EXPECT_EQ(sOptions.eMount, MOUNT_CEILING);
+    EXPECT_EQ(sOptions.eLens, LENS_AUTO);
+    EXPECT_EQ(sOptions.eInterpolation, INTERPOLATION_LINEAR);
+    EXPECT_TRUE(sOptions.bStrictTilt);
+    EXPECT_FALSE(sOptions.oPan || sOptions.oTilt || sOptions.oZoom || sOptions.oSize || sOptions.oRaw ||
+                 sOptions.oGains || sOptions.oRotation || sOptions.oEyeDistance);
+}
+
+TEST(Options, HelpAndVersionNeedNoFiles)
+{
+    EXPECT_EQ(Parse({"--help"}).eAction, EToolAction::SHOW_HELP);
+    EXPECT_EQ(Parse({"-h", "--view", "nonsense"}).eAction, EToolAction::SHOW_HELP);
+    EXPECT_EQ(Parse({"--version"}).eAction, EToolAction::SHOW_VERSION);
+}
+
+TEST(Options, TheLastOfARepeatedOptionCounts)
+{
+    EXPECT_FLOAT_EQ(*ParseWithFiles({"--pan", "1", "--pan=2"}).oPan, 2.0f);
+}
+
+TEST(Options, MasksAndTextsAddUp)
+{
+    const SToolOptions sOptions = ParseWithFiles(
+        {"--mask", "1,1 2,2 3,1 #000000", "--text", "a", "--mask", "4,1 5,2 6,1 #FFFFFF", "--text", "b"});
+    ASSERT_EQ(sOptions.vMasks.size(), 2u);
+    EXPECT_EQ(sOptions.vMasks[1].vPoints[0].x, 4);
+    ASSERT_EQ(sOptions.vTexts.size(), 2u);
+    EXPECT_EQ(sOptions.vTexts[1].strText, "b");
+}
+
+TEST(Options, FurtherTextsLookAsTheOneBeforeAndStandBelowIt)
+{
+    const SToolOptions sOptions =
+        ParseWithFiles({"--text", "a", "--text", "b", "--text", "c", "--text-at", "10,20", "--text-height",
+                        "16", "--text-color", "#01020304"});
+    EXPECT_EQ(sOptions.vTexts[1].nX, 10);
+    EXPECT_EQ(sOptions.vTexts[1].nY, 36);
+    EXPECT_EQ(sOptions.vTexts[2].nY, 52);
+    EXPECT_EQ(sOptions.vTexts[2].nHeight, 16);
+    EXPECT_EQ(sOptions.vTexts[2].nColor, 0x01020304u);
+}
+
+TEST(Options, NegativePlacesCountFromTheOtherEdge)
+{
+    const SToolOptions sOptions =
+        ParseWithFiles({"--text", "a", "--text-at", "-10,20", "--text", "b", "--text-at", "5,-6"});
+    EXPECT_EQ(sOptions.vTexts[0].nHRef, 2);
+    EXPECT_EQ(sOptions.vTexts[0].nVRef, 0);
+    EXPECT_EQ(sOptions.vTexts[1].nHRef, 0);
+    EXPECT_EQ(sOptions.vTexts[1].nVRef, 2);
+    EXPECT_EQ(sOptions.vTexts[1].nY, -6);
+}
+
+TEST(Options, CommandLinesThatCannotBeFollowedAreRefused)
+{
+    EXPECT_TRUE(IsRefused({}));
+    EXPECT_TRUE(IsRefused({"in.png"}));
+    EXPECT_TRUE(IsRefused({"", "out.png"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "more.png"}));
+    EXPECT_TRUE(IsRefused({"--nonsense", "in.png", "out.png"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--pan"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--pan", "nan"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--pan=-inf"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--zoom", "4"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--rotation", "45"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--flip", "x"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--view="}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--stats=maybe"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--mask-file", ""}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text-at", "1,1"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text", "a", "--text-height", "9", "--text-height", "9"}));
+}

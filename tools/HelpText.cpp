@@ -1,0 +1,82 @@
+#include "HelpText.h"
+
+const char* const HELP_TEXT =
+    R"(Usage: lumor-dewarp [options] INPUT OUTPUT
+
+Draws a corrected view of a fisheye picture on the GPU.
+
+INPUT    a PNG or JPEG picture (or another still format FFmpeg reads), or bare
+         pixels with --raw. The lens circle lies in the middle and touches the
+         shorter sides. A turn noted in the picture's EXIF data is not applied.
+OUTPUT   NAME.png, or NAME.raw for bare pixels: rows of B, G, R, A bytes, top
+         row first.
+
+Input
+  --raw FORMAT:WxH[:STRIDE]  INPUT is one bare frame. FORMAT: rgb24, bgr24, nv12,
+                        nv21, yuv420p, rgba, bgra or gray. W, H: 2..16384 pixels.
+                        STRIDE: bytes a row of the first plane (default: no
+                        padding); yuv420p chroma rows take half of it.
+  --yuv-space NAME      auto (default: as the picture says, else bt601), bt601,
+                        bt709, bt2020 or bt601-scaled
+  --yuv-range NAME      auto (default: as the picture says, else full), full
+                        (0..255) or limited (luma 16..235)
+  --gain LUMA:CHROMA    factors on brightness and colour, 0..16 each
+
+View
+  --view NAME           what to draw, by name or number:
+                          vcam (1, default)     one virtual pan-tilt-zoom camera
+                          quad (8)              four of them, 90 degrees apart
+                          panorama (4)          the whole strip
+                          panorama-half (5)     half of the strip
+                          panorama-quarter (2)  the strip in two rows
+                          dual (6), triple (7)  two or three panes
+                          fisheye (3)           the whole input picture, flat
+                          circular (9)          the lens circle only, flat
+  --mount NAME          how the camera hangs: ceiling (default), floor or wall
+  --lens NAME           auto (default: from the size of the picture), 215, 239,
+                        418, 419 or ideal (image height grows with the angle)
+  --pan DEGREES         -360..360. Cameras: 0 and up (wall: 0..180, default 90);
+                        flat views: -90..90 moves the picture by half its width
+  --tilt DEGREES        -180..180. Cameras: ceiling 0 (down)..90, floor 90..180
+                        (up), wall 0..180 (default 90: level); dual, triple and
+                        wall panorama: -54..54; flat views: -90..90
+  --zoom DEGREES        5..180, cameras and flat views. A rectilinear camera sees
+                        half of it from top to bottom
+  --projection NAME     cameras: rectilinear (default), stereographic or a number
+                        between, 0..1
+  --mount-tilt DEGREES  -90..90: inclination of a wall camera (wall panoramas)
+  --no-strict-tilt      lets the wall panorama widen its span by the mount tilt
+  --flip AXES           mirror: h (left to right), v (top to bottom) or hv
+  --rotation DEGREES    turn clockwise, fisheye and circular view: 0, 90, 180, 270
+  --interpolation NAME  nearest or linear (default)
+  --size WxH            size of the output, 2..16384 pixels each way. Default:
+                        flat views as the input, cameras 1280x720, panoramas a
+                        size without bars at the sides
+
+Overlays (input pixels count from the top left of INPUT, output pixels from that
+of OUTPUT)
+  --input-overlay PNG   picture with transparency laid over INPUT
+  --output-overlay PNG  picture with transparency laid over OUTPUT
+  --mask "X,Y X,Y X,Y ... #RRGGBBAA"  filled polygon over INPUT, input pixels; may
+                        be repeated
+  --mask-file FILE      polygons in the library's byte form
+  --text TEXT           line of text over OUTPUT; may be repeated, and the n-th of
+                        the following options belongs to the n-th text
+  --text-at X,Y         where it starts, output pixels; negative numbers count from
+                        the right and the bottom edge (default 0,0, further texts
+                        one line below the one before)
+  --text-height PIXELS  4..1024 (default 32)
+  --text-color #RRGGBBAA  (default #FFFFFFFF)
+  --text-align H[,V]    which point of the text lies at X,Y: left (default), center
+                        or right; top (default), middle or bottom
+  --strings-file FILE   texts in the library's byte form
+
+Reports
+  --stats               milliseconds spent in each stage
+  --verbose             what the library and FFmpeg log, shader texts included, on
+                        stderr
+  --version
+  -h, --help
+
+Exit status: 0 done, 1 failed, 2 the command line cannot be followed.
+)";

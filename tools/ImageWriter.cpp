@@ -1,0 +1,87 @@
+#include "ImageWriter.h"
+
+#include "FFmpegHandles.h"
+#include "ToolError.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace
+{
+
+std::vector<unsigned char> PackRows(const SPicture& sPicture)
+{
+    const std::size_t nRowBytes = static_cast<std::size_t>(sPicture.nWidth) * 4;
+    std::vector<unsigned char> vBytes;
+    vBytes.reserve(nRowBytes * static_cast<std::size_t>(sPicture.nHeight));
+    for (int nRow = 0; nRow < sPicture.nHeight; nRow++) {
+        const unsigned char* pRow =
+            sPicture.pPixels + static_cast<std::size_t>(nRow) * static_cast<std::size_t>(sPicture.nStride);
+        vBytes.insert(vBytes.end(), pRow, pRow + nRowBytes);
+    }
+    return vBytes;
+}
+
+/// B, G, R, A to R, G, B.
+void CopyToRGB(const SPicture& sPicture, AVFrame& sFrame)
+{
+    for (int nRow = 0; nRow < sPicture.nHeight; nRow++) {
+        const unsigned char* pSource =
+            sPicture.pPixels + static_cast<std::size_t>(nRow) * static_cast<std::size_t>(sPicture.nStride);
+        unsigned char* pTarget = sFrame.data[0] + static_cast<std::ptrdiff_t>(nRow) * sFrame.linesize[0];
+        for (int x = 0; x < sPicture.nWidth; x++, pSource += 4, pTarget += 3) {
+            pTarget[0] = pSource[2];
+            pTarget[1] = pSource[1];
+            pTarget[2] = pSource[0];
+        }
+    }
+}
+
+void RequireFFmpeg(int nResult)
+{
+    if (nResult < 0)
+        ThrowFailure("the PNG cannot be encoded (" + GetFFmpegError(nResult) + "); try a .raw output");
+}
+
+std::vector<unsigned char> EncodePNG(const SPicture& sPicture)
+{
+    const AVCodec* pCodec = avcodec_find_encoder(AV_CODEC_ID_PNG);
+    if (pCodec == nullptr)
+        ThrowFailure("this FFmpeg has no PNG encoder; give an output name ending in .raw");
+    const TFFmpegHandle<AVCodecContext> pEncoder(avcodec_alloc_context3(pCodec));
+    pEncoder->width = sPicture.nWidth;
+    pEncoder->height = sPicture.nHeight;
+    pEncoder->pix_fmt = AV_PIX_FMT_RGB24;
+    pEncoder->time_base = {1, 25};
+    RequireFFmpeg(avcodec_open2(pEncoder.get(), pCodec, nullptr));
+
+    const TFFmpegHandle<AVFrame> pFrame(av_frame_alloc());
+    pFrame->width = sPicture.nWidth;
+    pFrame->height = sPicture.nHeight;
+    pFrame->format = AV_PIX_FMT_RGB24;
+    RequireFFmpeg(av_frame_get_buffer(pFrame.get(), 0));
+    CopyToRGB(sPicture, *pFrame);
+    RequireFFmpeg(avcodec_send_frame(pEncoder.get(), pFrame.get()));
+    const TFFmpegHandle<AVPacket> pPacket(av_packet_alloc());
+    RequireFFmpeg(avcodec_receive_packet(pEncoder.get(), pPacket.get()));
+    return std::vector<unsigned char>(pPacket->data, pPacket->data + pPacket->size);
+}
+
+} // namespace
+
+EOutputKind GetOutputKind(const std::string& strPath)
+{
+    std::string strEnding = strPath.substr(strPath.size() < 4 ? 0 : strPath.size() - 4);
+    std::transform(strEnding.begin(), strEnding.end(), strEnding.begin(),
+                   [](unsigned char nChar) { return static_cast<char>(std::tolower(nChar)); });
+    if (strEnding == ".png")
+        return EOutputKind::PNG;
+    if (strEnding == ".raw")
+        return EOutputKind::RAW;
+    ThrowUsage(strPath + ": the output's kind is not known; give a name ending in .png or .raw");
+}
+
+std::vector<unsigned char> EncodePicture(const SPicture& sPicture, EOutputKind eKind)
+{
+    return eKind == EOutputKind::PNG ? EncodePNG(sPicture) : PackRows(sPicture);
+}

@@ -1,0 +1,106 @@
+// lumor-dewarp: a fisheye picture in, a dewarped picture out.
+#include "FFmpegHandles.h"
+#include "FileIO.h"
+#include "HelpText.h"
+#include "ImageReader.h"
+#include "ImageWriter.h"
+#include "LogCollector.h"
+#include "Notes.h"
+#include "Options.h"
+#include "RawFrame.h"
+#include "Session.h"
+#include "Stats.h"
+#include "ToolError.h"
+
+#include <cstdio>
+#include <exception>
+
+namespace
+{
+
+/// One line on stderr, whatever bytes file names and texts hold.
+void PrintLine(const char* pKind, const std::string& strLine)
+{
+    std::string strClean = strLine;
+    for (char& nChar : strClean)
+        if (static_cast<unsigned char>(nChar) < 32 || static_cast<unsigned char>(nChar) == 127)
+            nChar = '?';
+    std::fprintf(stderr, "lumor-dewarp: %s%s\n", pKind, strClean.c_str());
+}
+
+void PrintNotes(const std::vector<std::string>& vNotes)
+{
+    for (const std::string& strNote : vNotes)
+        PrintLine("note: ", strNote);
+}
+
+void Dewarp(const SToolOptions& sOptions)
+{
+    const EOutputKind eKind = GetOutputKind(sOptions.strOutput);
+    CheckOutputPath(sOptions.strInput, sOptions.strOutput);
+    av_log_set_level(sOptions.bVerbose ? AV_LOG_INFO : AV_LOG_QUIET);
+
+    const CLogCollector oLog(sOptions.bVerbose);
+    CStats oStats;
+    SFrame sFrame =
+        sOptions.oRaw ? ReadRawFrame(sOptions.strInput, *sOptions.oRaw) : ReadImage(sOptions.strInput);
+    SOverlays sOverlays = LoadOverlays(sOptions);
+    oStats.EndStage("decode");
+    PrintNotes(ListIgnoredOptions(sOptions, sFrame.nFormat));
+    PrintNotes(ListUndrawableTexts(sOverlays.vTexts));
+
+    CDewarpSession oSession(sOptions, oLog, {sFrame.nWidth, sFrame.nHeight});
+    oStats.EndStage("set up: context");
+    oSession.DrawFirst(sFrame, sOverlays);
+    if (sOptions.bStats) {
+        // Programs, meshes and textures exist now: what follows is the cost of a frame in a video.
+        oSession.ReadBack();
+        oStats.EndStage("set up: first frame");
+        oSession.Draw(sFrame);
+        oStats.EndStage("upload and draw");
+    }
+    const SPicture sPicture = oSession.ReadBack();
+    oStats.EndStage("read back");
+    PrintNotes(oSession.GetNotes());
+
+    const std::vector<unsigned char> vBytes = EncodePicture(sPicture, eKind);
+    oStats.EndStage("encode");
+    WriteFile(sOptions.strOutput, vBytes.data(), vBytes.size());
+    oStats.EndStage("write");
+    if (sOptions.bStats)
+        std::fputs(oStats.Format().c_str(), stdout);
+}
+
+int Run(int nArguments, const char* const* ppArguments)
+{
+    const SCommandLine sLine = ParseCommandLine(nArguments, ppArguments);
+    switch (sLine.eAction) {
+    case EToolAction::SHOW_HELP:
+        std::fputs(HELP_TEXT, stdout);
+        break;
+    case EToolAction::SHOW_VERSION:
+        std::puts("lumor-dewarp " LUMOR_DEWARP_VERSION);
+        break;
+    case EToolAction::DEWARP:
+        Dewarp(sLine.sOptions);
+        break;
+    }
+    return EXIT_DONE;
+}
+
+} // namespace
+
+int main(int nArguments, char** ppArguments)
+{
+    try {
+        return Run(nArguments, ppArguments);
+    } catch (const CToolError& oError) {
+        PrintLine("", oError.what());
+        return oError.GetStatus();
+    } catch (const std::bad_alloc&) {
+        PrintLine("", "memory is not enough for this picture; try a smaller --size");
+    } catch (const std::exception& oError) {
+        PrintLine("", std::string(oError.what()) + "; please report this");
+    }
+    return EXIT_FAILED;
+}

@@ -1,0 +1,113 @@
+#include "Names.h"
+
+#include "ToolError.h"
+
+#include <cstddef>
+#include <span>
+
+namespace
+{
+
+struct SName
+{
+    const char* pName;
+    int nValue;
+};
+
+const SName VIEW_NAMES[] = {
+    {"fisheye", VIEW_FISHEYE},
+    {"circular", VIEW_FISHEYE_CIRCULAR},
+    {"vcam", VIEW_VCAM},
+    {"quad", VIEW_VCAM_QUAD},
+    {"panorama", VIEW_PANORAMA_FULL},
+    {"panorama-half", VIEW_PANORAMA_HALF},
+    {"panorama-quarter", VIEW_PANORAMA_QUARTER},
+    {"dual", VIEW_PANORAMA_DUAL},
+    {"triple", VIEW_PANORAMA_TRIPLE},
+};
+
+const SName MOUNT_NAMES[] = {{"ceiling", MOUNT_CEILING}, {"floor", MOUNT_FLOOR}, {"wall", MOUNT_WALL}};
+
+const SName LENS_NAMES[] = {
+    {"auto", LENS_AUTO},  {"215", LENS_DSL215}, {"239", LENS_DSL239},
+    {"418", LENS_DSL418}, {"419", LENS_DSL419}, {"ideal", LENS_UNKNOWN},
+};
+
+const SName INTERPOLATION_NAMES[] = {{"nearest", INTERPOLATION_NEAREST}, {"linear", INTERPOLATION_LINEAR}};
+
+const SName YUV_SPACE_NAMES[] = {
+    {"auto", YUV_SPACE_AUTO},
+    {"bt601", YUV_SPACE_BT601},
+    {"bt709", YUV_SPACE_BT709},
+    {"bt2020", YUV_SPACE_BT2020},
+    {"bt601-scaled", YUV_SPACE_BT601_SCALED},
+};
+
+const SName YUV_RANGE_NAMES[] = {
+    {"auto", YUV_RANGE_AUTO}, {"full", YUV_RANGE_FULL}, {"limited", YUV_RANGE_LIMITED}};
+
+const SName RAW_FORMAT_NAMES[] = {
+    {"rgb24", IMAGE_FORMAT_RGB24}, {"bgr24", IMAGE_FORMAT_BGR24},     {"nv12", IMAGE_FORMAT_NV12},
+    {"nv21", IMAGE_FORMAT_NV21},   {"yuv420p", IMAGE_FORMAT_YUV420P}, {"rgba", IMAGE_FORMAT_RGBA32},
+    {"bgra", IMAGE_FORMAT_BGRA32}, {"gray", IMAGE_FORMAT_GRAY8},
+};
+
+int ReadName(const char* pOption, const std::string& strText, std::span<const SName> vNames)
+{
+    std::string strNames;
+    for (std::size_t i = 0; i < vNames.size(); i++) {
+        if (strText == vNames[i].pName)
+            return vNames[i].nValue;
+        strNames += i == 0 ? "" : i + 1 == vNames.size() ? " or " : ", ";
+        strNames += vNames[i].pName;
+    }
+    ThrowUsage(std::string(pOption) + ": '" + strText + "' is not known; give " + strNames);
+}
+
+} // namespace
+
+EViewType ReadView(const std::string& strText)
+{
+    // Views are also known by their numbers, 1 to 9.
+    if (strText.size() == 1 && strText[0] >= '1' && strText[0] <= '9')
+        return static_cast<EViewType>(strText[0] - '0');
+    return static_cast<EViewType>(ReadName("--view", strText, VIEW_NAMES));
+}
+
+EMountType ReadMount(const std::string& strText)
+{
+    return static_cast<EMountType>(ReadName("--mount", strText, MOUNT_NAMES));
+}
+
+ELensType ReadLens(const std::string& strText)
+{
+    return static_cast<ELensType>(ReadName("--lens", strText, LENS_NAMES));
+}
+
+EInterpolationType ReadInterpolation(const std::string& strText)
+{
+    return static_cast<EInterpolationType>(ReadName("--interpolation", strText, INTERPOLATION_NAMES));
+}
+
+EYUVSpace ReadYUVSpace(const std::string& strText)
+{
+    return static_cast<EYUVSpace>(ReadName("--yuv-space", strText, YUV_SPACE_NAMES));
+}
+
+EYUVRange ReadYUVRange(const std::string& strText)
+{
+    return static_cast<EYUVRange>(ReadName("--yuv-range", strText, YUV_RANGE_NAMES));
+}
+
+int ReadRawFormat(const std::string& strText)
+{
+    return ReadName("--raw", strText, RAW_FORMAT_NAMES);
+}
+
+const char* GetViewName(EViewType eView)
+{
+    for (const SName& sName : VIEW_NAMES)
+        if (sName.nValue == eView)
+            return sName.pName;
+    return "unknown";
+}

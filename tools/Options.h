@@ -1,0 +1,85 @@
+/// \file
+/// What the command line asks for.
+#pragma once
+
+#include "dewarp/overlays/SGPUString.h"
+#include "dewarp/records/Enumerations.h"
+#include "dewarp/records/SGRect.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Width and height in pixels.
+struct SSize
+{
+    int nWidth = 0;
+    int nHeight = 0;
+};
+
+/// A file of bare pixels. Chroma planes follow the first plane without a gap.
+struct SRawLayout
+{
+    int nFormat = IMAGE_FORMAT_RGB24; ///< EImageFormat
+    SSize sSize;
+    int nStride = 0; ///< bytes a row of the first plane
+};
+
+struct SGains
+{
+    float fLuma = 1.0f;
+    float fChroma = 1.0f;
+};
+
+/// Every option; those without a value were not given. Degrees and pixels.
+struct SToolOptions
+{
+    std::string strInput;
+    std::string strOutput;
+    std::optional<SRawLayout> oRaw;
+
+    EViewType eView = VIEW_VCAM;
+    EMountType eMount = MOUNT_CEILING;
+    ELensType eLens = LENS_AUTO;
+    std::optional<float> oPan;
+    std::optional<float> oTilt;
+    std::optional<float> oZoom;
+    std::optional<float> oMountTilt;
+    bool bStrictTilt = true;
+    std::optional<float> oEyeDistance; ///< 0 rectilinear … 1 stereographic
+    std::optional<SSize> oSize;
+    EInterpolationType eInterpolation = INTERPOLATION_LINEAR;
+    std::optional<EYUVSpace> oYUVSpace;
+    std::optional<EYUVRange> oYUVRange;
+    std::optional<SGains> oGains;
+    bool bFlipHorizontal = false;
+    bool bFlipVertical = false;
+    std::optional<int> oRotation;
+
+    std::string strInputOverlay; ///< files; empty: none
+    std::string strOutputOverlay;
+    std::string strMaskFile;
+    std::string strStringsFile;
+    std::vector<SGPolygon> vMasks;
+    std::vector<SGPUString> vTexts;
+
+    bool bStats = false;
+    bool bVerbose = false;
+};
+
+/// What to do with a command line that could be read.
+enum class EToolAction
+{
+    DEWARP,
+    SHOW_HELP,
+    SHOW_VERSION,
+};
+
+struct SCommandLine
+{
+    EToolAction eAction = EToolAction::DEWARP;
+    SToolOptions sOptions;
+};
+
+/// Reads the command line; throws CToolError with EXIT_USAGE where it cannot be followed. Touches no file.
+SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments);

@@ -1,0 +1,33 @@
+#include "Stats.h"
+
+#include <cstdio>
+
+namespace
+{
+
+std::string FormatLine(const char* pName, double fMilliseconds)
+{
+    char aLine[80];
+    std::snprintf(aLine, sizeof(aLine), "%-20s %9.2f ms\n", pName, fMilliseconds);
+    return aLine;
+}
+
+} // namespace
+
+void CStats::EndStage(const char* pName)
+{
+    const TClock::time_point oNow = TClock::now();
+    m_vStages.emplace_back(pName, std::chrono::duration<double, std::milli>(oNow - m_oBegin).count());
+    m_oBegin = oNow;
+}
+
+std::string CStats::Format() const
+{
+    std::string strLines;
+    double fSum = 0.0;
+    for (const auto& [pName, fMilliseconds] : m_vStages) {
+        strLines += FormatLine(pName, fMilliseconds);
+        fSum += fMilliseconds;
+    }
+    return strLines + FormatLine("total", fSum);
+}
