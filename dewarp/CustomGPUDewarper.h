@@ -101,7 +101,7 @@ public:
     EInterpolationType GetInterpolationType();
     void SetWireFrame(bool bEnable);
     void SetYUVparams(EYUVSpace eSpace, EYUVRange eRange);
-    /// Inclination of a wall camera, degrees; a value that is not finite is refused with a log line.
+    /// How far a wall camera looks up, degrees; a value that is not finite is refused with a log line.
     void SetMountTilt(float fDegrees);
     float GetMountTilt();
     /// False lets the wall panorama widen its span by the mount tilt.

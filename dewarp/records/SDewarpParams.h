@@ -10,7 +10,7 @@ struct SDewarpParams
     float fPan = 0.0f;
     float fTilt = 0.0f;
     float fZoom = 180.0f;          ///< field of view
-    float fMountTilt = 0.0f;       ///< inclination of a wall camera
+    float fMountTilt = 0.0f;       ///< how far a wall camera looks up
     bool bStrictTiltLimits = true; ///< false: the wall panorama widens its span by the mount tilt
     EMountType eMountType = MOUNT_UNSET;
     EViewType eViewType = VIEW_UNSET;

@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Makes the pictures of the documentation anew, from the bundled samples, into docs/pictures/.
+# Needs the program ffmpeg (Debian: ffmpeg) for JPEG, and ./run's build.
+set -eu
+cd "$(dirname "$0")/.."
+sTool=$PWD/build/run/lumor-dewarp
+[ -x "$sTool" ] || ./run --version >/dev/null
+sCeiling=samples/ceiling-terrace-derived-lens419-1920.jpg
+sWall=samples/wall-terrace-derived-equidistant-1504.jpg
+sWork=$(mktemp -d)
+trap 'rm -rf "$sWork"' EXIT
+mkdir -p docs/pictures
+
+# picture NAME SIZE ARGUMENTS...: drawn at twice the size, then scaled down and packed.
+picture() {
+    local sName=$1 nWidth=${2%x*} nHeight=${2#*x}
+    shift 2
+    "$sTool" --size $((nWidth * 2))x$((nHeight * 2)) "$@" "$sWork/$sName.png"
+    ffmpeg -loglevel error -y -i "$sWork/$sName.png" -vf "scale=$nWidth:$nHeight:flags=area,format=yuvj420p" \
+        -q:v 5 -frames:v 1 -bitexact "docs/pictures/$sName.jpg"
+    echo "docs/pictures/$sName.jpg"
+}
+
+picture vcam 320x180 --view vcam --pan 70 --tilt 55 --zoom 120 $sCeiling
+picture quad 320x180 --view quad --pan 70 --tilt 55 --zoom 120 $sCeiling
+picture fisheye 320x180 --view fisheye $sCeiling
+picture circular 320x180 --view circular $sCeiling
+picture panorama 480x67 --view panorama $sCeiling
+picture panorama-half 480x134 --view panorama-half $sCeiling
+picture panorama-quarter 320x180 --view panorama-quarter $sCeiling
+picture dual 320x200 --view dual $sCeiling
+picture triple 384x160 --view triple $sCeiling
+picture wall-panorama 400x160 --mount wall --view panorama $sWall
+picture wall-panorama-tilt 400x160 --mount wall --view panorama --mount-tilt 20 $sWall
+picture wall-vcam 320x180 --mount wall --view vcam --zoom 140 $sWall
+for sProjection in rectilinear 0.5 stereographic; do
+    picture eye-$sProjection 320x180 --view vcam --pan 70 --tilt 50 --zoom 150 --projection $sProjection $sCeiling
+done
+picture mask 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 \
+    --mask "250,500 480,420 560,560 330,650 #808080FF" $sCeiling
+picture text 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 --text "Terrace  2026-11-21 09:41:07" \
+    --text-at 16,16 --text-height 32 $sCeiling
