@@ -136,7 +136,9 @@ extern "C" void glUniformMatrix4fv(GLint nLocation, GLsizei nCount, GLboolean bT
     static const auto fReal = RealFunction<decltype(&glUniformMatrix4fv)>("glUniformMatrix4fv");
     CDriverScope oScope;
     SGLCall sCall = CallOf("glUniformMatrix4fv", nLocation, nCount, bTranspose, pValues);
-    for (int i = 0; i < 16; ++i)
-        sCall.strText += (i == 0 ? "" : " ") + std::to_string(pValues[i]);
+    for (int i = 0; i < 16; ++i) {
+        sCall.strText += std::to_string(pValues[i]);
+        sCall.strText += ' ';
+    }
     ForwardCall<void>(true, sCall, fReal, nLocation, nCount, bTranspose, pValues);
 }

@@ -22,7 +22,8 @@ STestImage CReferenceView::Render(const FScene& fScene, int nSamples) const
                 const int nSubRow = i / nSamples;
                 const SReferencePixel sPixel =
                     At(x + (i % nSamples + 0.5) / nSamples, y + (nSubRow + 0.5) / nSamples);
-                if (!sPixel.bDrawn)
+                // Beyond 92 degrees a frame of the scene is black.
+                if (!sPixel.bDrawn || sPixel.aRay[2] < -0.0349)
                     continue;
                 const FColour aColour =
                     fScene(CameraToWorld(m_sSetup.eMount, sPixel.aRay, m_sSetup.fMountTilt));

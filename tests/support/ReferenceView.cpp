@@ -95,12 +95,14 @@ SReferencePixel CReferenceView::At(double x, double y) const
         // Clockwise from the top left, each turned a further quarter; the last stands at the bottom left.
         const int nHalfWidth = m_sSetup.nTargetWidth / 2;
         const int nHalfHeight = m_sSetup.nTargetHeight / 2;
+        // An odd column at the right and an odd row at the top stay empty.
+        const double fTop = m_sSetup.nTargetHeight - 2 * nHalfHeight;
         const bool bRight = x > nHalfWidth;
-        const bool bBottom = y > nHalfHeight;
+        const bool bBottom = y > fTop + nHalfHeight;
         const double fX = 2.0 * (x - (bRight ? nHalfWidth : 0)) / nHalfWidth - 1.0;
-        const double fY = 1.0 - 2.0 * (y - (bBottom ? nHalfHeight : 0)) / nHalfHeight;
+        const double fY = 1.0 - 2.0 * (y - fTop - (bBottom ? nHalfHeight : 0)) / nHalfHeight;
         const int nTurn = bBottom ? (bRight ? 3 : 4) : (bRight ? 2 : 1);
-        if (fX > 1.0 || fY < -1.0)
+        if (fX > 1.0 || fY > 1.0)
             return {};
         sPixel = Camera(fX * m_fHalfWidth, fY * m_fHalfHeight, 90.0 * nTurn);
     } else if (m_sSetup.eView == VIEW_VCAM || m_sSetup.eView == VIEW_VCAM_QUAD)

@@ -40,6 +40,7 @@ bool CTestDewarper::Apply(const SReferenceSetup& sSetup, CTestFrame& oFrame)
     SetStrictTiltLimits(sSetup.bStrict);
     SetRotation(sSetup.nRotation);
     SetFlip(sSetup.bFlipHorizontal, sSetup.bFlipVertical);
+    SetEyeDistance(static_cast<float>(sSetup.fEyeDistance));
     // A new view or mount brings its own angles with its first frame; ours come after it.
     if (!DrawFrame(oFrame))
         return false;
