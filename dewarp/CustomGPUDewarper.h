@@ -356,6 +356,8 @@ protected:
     /// Limits a move to finite angles: a view without a size must not lose its position.
     void KeepFinitePTZ(float fPan, float fTilt, float fZoom);
 
+    /// The target holds YUV; a subclass whose target holds plain colours clears it.
+    bool bYUVOutput = true;
     SDriverTraits* pDriverTraits; ///< of the context in use, asked for when first needed
     ERedBlueUpload eRedBlueUpload = RED_BLUE_UNDECIDED;
     int nMaxTextureSize = 0; ///< of the context in use; 0: not asked for yet

@@ -71,7 +71,10 @@ struct CCustomGPUDewarperOffscreen::SState
     }
 };
 
-CCustomGPUDewarperOffscreen::CCustomGPUDewarperOffscreen() : pState(std::make_unique<SState>()) {}
+CCustomGPUDewarperOffscreen::CCustomGPUDewarperOffscreen() : pState(std::make_unique<SState>())
+{
+    bYUVOutput = false;
+}
 
 CCustomGPUDewarperOffscreen::~CCustomGPUDewarperOffscreen()
 {

@@ -173,8 +173,10 @@ std::string CCustomGPUDewarper::GetFragShaderDiscardCode()
 
 const SDriverTraits& CCustomGPUDewarper::DriverTraits()
 {
-    if (!pDriverTraits->bKnown)
+    if (!pDriverTraits->bKnown) {
         *pDriverTraits = QueryDriverTraits();
+        pDriverTraits->bYUVOutput = bYUVOutput;
+    }
     return *pDriverTraits;
 }
 
