@@ -9,6 +9,8 @@ install(DIRECTORY dewarp platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumor_
     PATTERN "platform/android" EXCLUDE
     PATTERN "platform/include" EXCLUDE
     PATTERN "platform/linux" EXCLUDE)
+# Graphic buffers under Android's name, for hosts of the Android class where the system has none.
+install(DIRECTORY platform/linux/include/ui DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumor_dewarp)
 
 if(LUMOR_BUILD_TOOLS)
     # The tool finds the library beside its own folder, wherever both are moved to.

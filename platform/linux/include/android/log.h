@@ -21,8 +21,10 @@ typedef enum android_LogPriority
 } android_LogPriority;
 
 /// Writes one line, made from a printf format: "I/TAG: text". Line ends within the text are written as "\n",
-/// those at its end are dropped. A program may define its own function of this name; the library then calls
-/// it. Thread: any. Fails: a negative result; nothing was written.
+/// those at its end are dropped. A program's own function of this name is called instead.
+/// Thread: any.
+/// Fails: a negative result; nothing was written.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is given
 int __android_log_print(int nPriority, const char* pTag, const char* pFormat, ...)
     __attribute__((format(printf, 3, 4)));
 

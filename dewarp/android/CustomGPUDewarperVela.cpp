@@ -1,0 +1,266 @@
+// EGL objects: made by StartGL, ended by StopGL.
+
+#include "dewarp/android/CustomGPUDewarperVela.h"
+
+#include "dewarp/records/LogTag.h"
+#include "platform/Display.h"
+
+#include <GLES3/gl31.h>
+#include <android/log.h>
+
+#include <cstdio>
+
+namespace
+{
+
+const EGLint CONFIG_ATTRIBUTES[] = {
+    EGL_SURFACE_TYPE,
+    EGL_PBUFFER_BIT,
+    EGL_RED_SIZE,
+    5,
+    EGL_GREEN_SIZE,
+    6,
+    EGL_BLUE_SIZE,
+    5,
+    EGL_RENDERABLE_TYPE,
+    EGL_OPENGL_ES2_BIT,
+    EGL_CONFORMANT,
+    EGL_OPENGL_ES2_BIT,
+    EGL_COLOR_BUFFER_TYPE,
+    EGL_RGB_BUFFER,
+    EGL_LUMINANCE_SIZE,
+    0,
+    EGL_NONE,
+};
+
+bool Fail(const char* pMessage)
+{
+    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, pMessage, "StartGL");
+    return false;
+}
+
+/// Looks for an error that a call left although it reported success.
+bool SucceededQuietly(const char* pMessage)
+{
+    const EGLint nError = eglGetError();
+    if (nError == EGL_SUCCESS)
+        return true;
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, pMessage, "StartGL", static_cast<unsigned int>(nError));
+    return false;
+}
+
+/// Every shader text is written for OpenGL ES 3.1. A version that cannot be read is trusted.
+bool IsCurrentVersionUsable()
+{
+    const auto* const pVersion = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+    int nMajor = 0;
+    int nMinor = 0;
+    if (pVersion == nullptr || std::sscanf(pVersion, "OpenGL ES %d.%d", &nMajor, &nMinor) != 2)
+        return true;
+    return nMajor > 3 || (nMajor == 3 && nMinor >= 1);
+}
+
+} // namespace
+
+CCustomGPUDewarperVela::CCustomGPUDewarperVela()
+{
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Enter", "CCustomGPUDewarperVela");
+}
+
+CCustomGPUDewarperVela::~CCustomGPUDewarperVela()
+{
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: DeInitialize the OpenGLES",
+                        "~CCustomGPUDewarperVela");
+    CCustomGPUDewarperVela::StopGL();
+    ReleaseFailedStart();
+}
+
+bool CCustomGPUDewarperVela::InitGL(int nWidth, int nHeight)
+{
+    nTargetWidth = nWidth;
+    nTargetHeight = nHeight;
+    return true;
+}
+
+bool CCustomGPUDewarperVela::StartGL()
+{
+    if (bGLStarted)
+        StopGL();
+    ReleaseFailedStart();
+    ReinitializeOpenGLObjects();
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Enter", "StartGL");
+    if (!OpenDisplay() || !ChooseConfig() || !CreateSurface() || !MakeUsableContextCurrent())
+        return false;
+    sExtensions = LoadEGLExtensions();
+    bExternalTarget = false;
+    OSDependentFBO(false);
+    float fPan = 0.0f;
+    float fTilt = 0.0f;
+    float fZoom = 0.0f;
+    GetPTZ(fPan, fTilt, fZoom);
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: GetPTZ values are: %f, %f, %f", "StartGL",
+                        static_cast<double>(fPan), static_cast<double>(fTilt), static_cast<double>(fZoom));
+    bSceneInitialized = false;
+    bTexturesNeedInit = true;
+    sMainShader.bForceReload = true;
+    bViewSetupRequired = true;
+    bResetObjects = true;
+    // The stored pan, not the wrapped one: limits of views lie on both sides of 0.
+    AbsolutePTZ(pParams->fPan, pParams->fTilt, pParams->fZoom);
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Initialized the OpenGLES", "StartGL");
+    bGLStarted = true;
+    return true;
+}
+
+bool CCustomGPUDewarperVela::OpenDisplay()
+{
+    mDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
+    if (mDisplay == EGL_NO_DISPLAY)
+        return Fail("%s: Error getting the display");
+    EGLint nMajor = 0;
+    EGLint nMinor = 0;
+    if (!InitializeDisplay(mDisplay, &nMajor, &nMinor)) {
+        mDisplay = EGL_NO_DISPLAY;
+        return Fail("%s: Error in opengl es init");
+    }
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: egl major version is: %d and minro is: %d", "StartGL",
+                        nMajor, nMinor);
+    if (!eglBindAPI(EGL_OPENGL_ES_API))
+        return Fail("%s: Error in eslbind");
+    return SucceededQuietly("%s failed (%x).\n");
+}
+
+bool CCustomGPUDewarperVela::ChooseConfig()
+{
+    mConfig = nullptr;
+    nNumConfigs = 0;
+    if (!eglChooseConfig(mDisplay, CONFIG_ATTRIBUTES, &mConfig, 1, &nNumConfigs))
+        return Fail("%s: Error choosing the config");
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: egl numconfig returned is: %d", "StartGL",
+                        nNumConfigs);
+    return true;
+}
+
+/// Nothing is drawn into the surface; the context is made current with it.
+bool CCustomGPUDewarperVela::CreateSurface()
+{
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Creating a surface of width is: %d and height is: %d",
+                        "StartGL", nTargetWidth, nTargetHeight);
+    const EGLint aSize[] = {EGL_WIDTH, nTargetWidth, EGL_HEIGHT, nTargetHeight, EGL_NONE};
+    mSurface = eglCreatePbufferSurface(mDisplay, mConfig, aSize);
+    return mSurface != EGL_NO_SURFACE || Fail("%s: Error creating surface");
+}
+
+bool CCustomGPUDewarperVela::CreateContext(EGLint nVersion)
+{
+    const EGLint aVersion[] = {EGL_CONTEXT_CLIENT_VERSION, nVersion, EGL_NONE};
+    mContext = eglCreateContext(mDisplay, mConfig, EGL_NO_CONTEXT, aVersion);
+    return mContext != EGL_NO_CONTEXT;
+}
+
+bool CCustomGPUDewarperVela::MakeContextCurrent()
+{
+    if (!eglMakeCurrent(mDisplay, mSurface, mSurface, mContext))
+        return false;
+    return SucceededQuietly("%s failed4 (%x).\n");
+}
+
+/// Most drivers answer a request for version 2 with the highest version they have; others need to be asked.
+bool CCustomGPUDewarperVela::MakeUsableContextCurrent()
+{
+    if (CreateContext(2)) {
+        if (!MakeContextCurrent())
+            return false;
+        if (IsCurrentVersionUsable())
+            return true;
+        eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        eglDestroyContext(mDisplay, mContext);
+    }
+    if (!CreateContext(3))
+        return Fail("%s: Error creating surface");
+    if (!MakeContextCurrent())
+        return false;
+    return IsCurrentVersionUsable() || Fail("%s: Error creating surface");
+}
+
+bool CCustomGPUDewarperVela::StopGL()
+{
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Stop OpenGLES", "StopGL");
+    const SCurrentContext sBefore = GetCurrentContext();
+    // Names die under their own context; when it cannot be had on this thread, they die with it.
+    if (bGLStarted && !MakeOwnContextCurrent())
+        eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    ReinitializeOpenGLObjects();
+    if (!bGLStarted)
+        return true;
+    // The last frame destroyed it already, which does no harm.
+    if (mSync != EGL_NO_SYNC_KHR && sExtensions.eglDestroySyncKHR != nullptr)
+        sExtensions.eglDestroySyncKHR(mDisplay, mSync);
+    OSDependentFBO(true);
+    DestroyBufferImage(mInputImage);
+    ReleaseBufferImages(mContext);
+    const bool bOther = sBefore.pContext != mContext;
+    ReleaseEGL();
+    eglReleaseThread();
+    if (bOther)
+        RestoreCurrentContext(sBefore);
+    bGLStarted = false;
+    return true;
+}
+
+/// A start that failed leaves behind what it had made.
+void CCustomGPUDewarperVela::ReleaseFailedStart()
+{
+    if (mContext != EGL_NO_CONTEXT && eglGetCurrentContext() == mContext)
+        eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    ReleaseEGL();
+}
+
+void CCustomGPUDewarperVela::ReleaseEGL()
+{
+    if (mDisplay == EGL_NO_DISPLAY)
+        return;
+    if (mContext != EGL_NO_CONTEXT)
+        eglDestroyContext(mDisplay, mContext);
+    if (mSurface != EGL_NO_SURFACE)
+        eglDestroySurface(mDisplay, mSurface);
+    TerminateDisplay(mDisplay);
+    mContext = EGL_NO_CONTEXT;
+    mSurface = EGL_NO_SURFACE;
+    mDisplay = EGL_NO_DISPLAY;
+}
+
+bool CCustomGPUDewarperVela::MakeOwnContextCurrent() const
+{
+    return eglGetCurrentContext() == mContext || eglMakeCurrent(mDisplay, mSurface, mSurface, mContext);
+}
+
+bool CCustomGPUDewarperVela::CheckOSDependentDrawGLSceneInitialization()
+{
+    return bGLStarted && SetCurrentRenderingContext(&pRenderingContext);
+}
+
+bool CCustomGPUDewarperVela::SetCurrentRenderingContext(void** /*ppContext*/)
+{
+    // The context stays current on the thread that started it, unless somebody else drew there meanwhile.
+    if (!bGLStarted || MakeOwnContextCurrent())
+        return true;
+    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: the context is current on another thread",
+                        "SetCurrentRenderingContext");
+    return false;
+}
+
+bool CCustomGPUDewarperVela::GetTargetWidthHeight(int& nWidth, int& nHeight)
+{
+    nWidth = nTargetWidth;
+    nHeight = nTargetHeight;
+    return true;
+}
+
+bool CCustomGPUDewarperVela::InitializeScene()
+{
+    // Black, where channels are Y, U, V.
+    glClearColor(0.0f, 0.5f, 0.5f, 0.0f);
+    bSceneInitialized = true;
+    return true;
+}

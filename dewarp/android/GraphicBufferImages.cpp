@@ -1,0 +1,276 @@
+// Graphic buffers as input texture and as target; the texts and the fence that go with them.
+
+#include "dewarp/android/CustomGPUDewarperVela.h"
+
+#include "dewarp/pipeline/PlaneUpload.h"
+#include "dewarp/records/LogTag.h"
+#include "dewarp/shaders/YUVTargetText.h"
+#include "dewarp/views/GPUObjVCAM.h"
+#include "platform/ShaderDialect.h"
+
+#include <GLES3/gl31.h>
+#include <android/log.h>
+#include <ui/GraphicBuffer.h>
+
+#include <cstdint>
+
+namespace
+{
+
+// What a buffer's frame says of its colours. Nothing is converted, so nobody reads it.
+const EYUVSpace BUFFER_YUV_SPACE = static_cast<EYUVSpace>(6);
+const EYUVRange BUFFER_YUV_RANGE = static_cast<EYUVRange>(4);
+
+const EGLint IMAGE_ATTRIBUTES[] = {EGL_IMAGE_PRESERVED_KHR, EGL_TRUE, EGL_NONE};
+
+bool FailImage(const char* pFunction)
+{
+    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: Error creating egl image ", pFunction);
+    return false;
+}
+
+void LogNativeBuffer(const ANativeWindowBuffer& rBuffer)
+{
+    const native_handle_t sNone = {};
+    const native_handle_t& rHandle = rBuffer.handle != nullptr ? *rBuffer.handle : sNone;
+    const int nData = rHandle.numFds + rHandle.numInts > 0 ? rHandle.data[0] : 0;
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+                        "%s: Calling eglCreateImageKHR------ with magic 0x%x version %d %d %d 0x%x gaphicb "
+                        "width is: %d, height is: %d, stride: %d and format is: %d",
+                        "CreateImage", static_cast<unsigned int>(rBuffer.common.magic), rHandle.version,
+                        rHandle.numFds, rHandle.numInts, static_cast<unsigned int>(nData), rBuffer.width,
+                        rBuffer.height, rBuffer.stride, rBuffer.format);
+}
+
+} // namespace
+
+bool CCustomGPUDewarperVela::IsThere(bool bEntryPoint, const char* pFunction, const char* pName) const
+{
+    if (!bEntryPoint)
+        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: the driver has no %s", pFunction, pName);
+    return bEntryPoint;
+}
+
+EGLImageKHR CCustomGPUDewarperVela::CreateBufferImage(android::GraphicBuffer* pBuffer, const char* pFunction)
+{
+    if (!bGLStarted || pBuffer == nullptr || pBuffer->getNativeBuffer() == nullptr ||
+        !SetCurrentRenderingContext(&pRenderingContext) ||
+        !IsThere(sExtensions.eglCreateImageKHR != nullptr, pFunction, "eglCreateImageKHR"))
+        return EGL_NO_IMAGE_KHR;
+    return sExtensions.eglCreateImageKHR(mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
+                                         static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()),
+                                         IMAGE_ATTRIBUTES);
+}
+
+void CCustomGPUDewarperVela::DestroyBufferImage(EGLImageKHR& rImage)
+{
+    if (rImage != EGL_NO_IMAGE_KHR && sExtensions.eglDestroyImageKHR != nullptr)
+        sExtensions.eglDestroyImageKHR(mDisplay, rImage);
+    rImage = EGL_NO_IMAGE_KHR;
+}
+
+bool CCustomGPUDewarperVela::CreateImage(android::GraphicBuffer* pInput)
+{
+    DestroyBufferImage(mInputImage);
+    if (pInput != nullptr && pInput->getNativeBuffer() != nullptr)
+        LogNativeBuffer(*pInput->getNativeBuffer());
+    mInputImage = CreateBufferImage(pInput, "CreateImage");
+    if (mInputImage == EGL_NO_IMAGE_KHR) {
+        FailImage("CreateImage");
+        if (sExtensions.eglDestroyImageKHR != nullptr)
+            sExtensions.eglDestroyImageKHR(mDisplay, mInputImage);
+        return false;
+    }
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: eglCreateImageKHR sucessfull", "CreateImage");
+    return true;
+}
+
+bool CCustomGPUDewarperVela::CreateImageF(android::GraphicBuffer* pInput, android::GraphicBuffer* pOutput)
+{
+    // Those of a frame that was never let go of.
+    DestroyImage();
+    mInputImage = CreateBufferImage(pInput, "CreateImageF");
+    mOutputImage = CreateBufferImage(pOutput, "CreateImageF");
+    bool bTarget = mOutputImage != EGL_NO_IMAGE_KHR &&
+                   IsThere(sExtensions.glEGLImageTargetRenderbufferStorageOES != nullptr, "CreateImageF",
+                           "glEGLImageTargetRenderbufferStorageOES");
+    if (bTarget) {
+        sExtensions.glEGLImageTargetRenderbufferStorageOES(GL_RENDERBUFFER, mOutputImage);
+        SetOutputFormat(static_cast<int>(pOutput->getPixelFormat()));
+    }
+    if (pInput != nullptr)
+        DescribeInput(*pInput);
+    if (mInputImage != EGL_NO_IMAGE_KHR && bTarget)
+        return true;
+    FailImage("CreateImageF");
+    if (sExtensions.eglDestroyImageKHR != nullptr)
+        sExtensions.eglDestroyImageKHR(mDisplay, mInputImage);
+    mInputImage = EGL_NO_IMAGE_KHR;
+    return false;
+}
+
+/// Tells the dewarper of the frame; its pixels stay where they are.
+void CCustomGPUDewarperVela::DescribeInput(const android::GraphicBuffer& rInput)
+{
+    SImageProperties sImage;
+    sImage.nWidth = static_cast<int>(rInput.getWidth());
+    sImage.nHeight = static_cast<int>(rInput.getHeight());
+    sImage.nStride = static_cast<int>(rInput.getStride());
+    sImage.nFormat = IMAGE_FORMAT_NV12;
+    sImage.eYUVSpace = BUFFER_YUV_SPACE;
+    sImage.eYUVRange = BUFFER_YUV_RANGE;
+    SetTexture(&sImage, false, nullptr, 0);
+}
+
+/// Programs that draw into the output are written for YUV or for plain colours: a change has them made anew.
+void CCustomGPUDewarperVela::SetOutputFormat(int nPixelFormat)
+{
+    const bool bYUV = IsYUVImage(nPixelFormat);
+    if (bYUV == bYUVOutput)
+        return;
+    bYUVOutput = bYUV;
+    sMainShader.bForceReload = true;
+    for (SShaderProperties* pShader :
+         {&sOutputOverlayShader, &sStringCompositeShader, &sTextureToScreenShader})
+        pShader->Free();
+}
+
+void CCustomGPUDewarperVela::DestroyImage()
+{
+    DestroyBufferImage(mOutputImage);
+    DestroyBufferImage(mInputImage);
+}
+
+bool CCustomGPUDewarperVela::OSDependentFBO(bool bFree)
+{
+    if (bFree) {
+        if (nInputTexture != 0)
+            glDeleteTextures(1, &nInputTexture);
+        if (nRenderbuffer != 0)
+            glDeleteRenderbuffers(1, &nRenderbuffer);
+        if (nFramebuffer != 0)
+            glDeleteFramebuffers(1, &nFramebuffer);
+        nInputTexture = 0;
+        nRenderbuffer = 0;
+        nFramebuffer = 0;
+        DestroyBufferImage(mOutputImage);
+    } else if (!bExternalTarget) {
+        // Its storage comes with every output image.
+        glGenFramebuffers(1, &nFramebuffer);
+        glGenRenderbuffers(1, &nRenderbuffer);
+        BindDefaultFrameBuffer();
+    }
+    return true;
+}
+
+void CCustomGPUDewarperVela::BindDefaultFrameBuffer()
+{
+    glBindRenderbuffer(GL_RENDERBUFFER, nRenderbuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, nFramebuffer);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, nRenderbuffer);
+}
+
+bool CCustomGPUDewarperVela::InitializeTextures()
+{
+    glActiveTexture(GL_TEXTURE0);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, UnpackAlignment(pParams->nImageStride));
+    if (!OSDependentUploadTexture()) {
+        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: Error uploading texture", "InitializeTextures");
+        return false;
+    }
+    bTexturesNeedInit = false;
+    return true;
+}
+
+bool CCustomGPUDewarperVela::OSDependentUploadTexture()
+{
+    if (mInputImage == EGL_NO_IMAGE_KHR ||
+        !IsThere(sExtensions.glEGLImageTargetTexture2DOES != nullptr, "OSDependentUploadTexture",
+                 "glEGLImageTargetTexture2DOES"))
+        return false;
+    if (nInputTexture == 0)
+        glGenTextures(1, &nInputTexture);
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_EXTERNAL_OES, nInputTexture);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, UnpackAlignment(pParams->nImageStride));
+    sExtensions.glEGLImageTargetTexture2DOES(GL_TEXTURE_EXTERNAL_OES, mInputImage);
+    glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    return true;
+}
+
+bool CCustomGPUDewarperVela::OSDependentBindTextures()
+{
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_EXTERNAL_OES, nInputTexture);
+    return true;
+}
+
+bool CCustomGPUDewarperVela::OSDependentUnBindTextures()
+{
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_EXTERNAL_OES, 0);
+    return true;
+}
+
+void CCustomGPUDewarperVela::ExchangeOpenglFrontBackBuffers(void* /*pContext*/)
+{
+    const char* const pFunction = "ExchangeOpenglFrontBackBuffers";
+    if (!IsThere(sExtensions.eglCreateSyncKHR != nullptr, pFunction, "eglCreateSyncKHR") ||
+        !IsThere(sExtensions.eglClientWaitSyncKHR != nullptr, pFunction, "eglClientWaitSyncKHR") ||
+        !IsThere(sExtensions.eglDestroySyncKHR != nullptr, pFunction, "eglDestroySyncKHR")) {
+        glFinish();
+        return;
+    }
+    mSync = sExtensions.eglCreateSyncKHR(mDisplay, EGL_SYNC_FENCE_KHR, nullptr);
+    if (mSync == EGL_NO_SYNC_KHR)
+        return;
+    glFlush();
+    sExtensions.eglClientWaitSyncKHR(mDisplay, mSync, 0, EGL_FOREVER_KHR);
+    sExtensions.eglDestroySyncKHR(mDisplay, mSync);
+}
+
+void CCustomGPUDewarperVela::CheckSaveImage(int /*nWidth*/, int /*nHeight*/) {}
+
+int CCustomGPUDewarperVela::HandleStrings(int nWidth, int nHeight)
+{
+    const int nNoStrings = vStrings.empty() ? 1 : 0;
+    if (nNoStrings != nStringsState) {
+        nStringsState = nNoStrings;
+        // They are rebuilt for the right kind of target.
+        sStringShader.Free();
+        sStringCompositeShader.Free();
+    }
+    return CCustomGPUDewarper::HandleStrings(nWidth, nHeight);
+}
+
+int CCustomGPUDewarperVela::OSDependentCheckLoadShaders()
+{
+    if (bGLStarted) {
+        DriverTraits();
+        pDriverTraits->bYUVOutput = bYUVOutput;
+    }
+    const bool bDrawToTexture = NeedsFrameTexture();
+    if (pVCAM != nullptr)
+        pVCAM->m_bTopDownTarget = !bDrawToTexture;
+    if (bDrawToTexture == mDrawToTexture)
+        return 0;
+    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: bDrawToTexture=%d mDrawToTexture=%d mContext=%d",
+                        "OSDependentCheckLoadShaders", bDrawToTexture ? 1 : 0, mDrawToTexture ? 1 : 0,
+                        static_cast<int>(reinterpret_cast<std::intptr_t>(mContext)));
+    mDrawToTexture = bDrawToTexture;
+    return 1;
+}
+
+std::string CCustomGPUDewarperVela::GetVertexShaderCode()
+{
+    return YUVTargetVertexText(mDrawToTexture);
+}
+
+std::string CCustomGPUDewarperVela::GetFragShaderCode()
+{
+    sMainShader.bInputOverlayInShader = sMainShader.bInputOverlay;
+    return YUVTargetFragmentText(mDrawToTexture, sMainShader.bInputOverlay, GetFragShaderDiscardCode());
+}

@@ -1,0 +1,12 @@
+/// \file
+/// Colours for pictures that stay YUV.
+#pragma once
+
+#include "dewarp/records/Enumerations.h"
+
+/// Turns 0xRRGGBBAA into 0xYYUUVVAA: what masks, text and overlay pixels need when the dewarper draws YUV
+/// buffers, where their three channels are mixed into Y, U and V as they are.
+/// Units: bytes; the limited range is the one that the views' own conversion takes by default, luma 16..235
+/// and chroma 16..239. Automatic space and range count as BT.601 and full.
+/// Thread: any. Fails: never; unknown values count as automatic.
+unsigned int ConvertColourToYUV(unsigned int nRGBA, EYUVSpace eSpace, EYUVRange eRange);

@@ -1,0 +1,36 @@
+/// \file
+/// The extension functions that bind graphic buffers and wait for frames.
+#pragma once
+
+#include <EGL/egl.h>
+// clang-format off
+#include <EGL/eglext.h>
+#include <GLES2/gl2.h>
+#include <GLES2/gl2ext.h>
+// clang-format on
+
+/// Entry points under their own names; null where the driver has none.
+struct SEGLExtensions
+{
+    PFNEGLCREATEIMAGEKHRPROC eglCreateImageKHR = nullptr;
+    PFNEGLDESTROYIMAGEKHRPROC eglDestroyImageKHR = nullptr;
+    PFNGLEGLIMAGETARGETTEXTURE2DOESPROC glEGLImageTargetTexture2DOES = nullptr;
+    PFNGLEGLIMAGETARGETRENDERBUFFERSTORAGEOESPROC glEGLImageTargetRenderbufferStorageOES = nullptr;
+    PFNEGLCREATESYNCKHRPROC eglCreateSyncKHR = nullptr;
+    PFNEGLCLIENTWAITSYNCKHRPROC eglClientWaitSyncKHR = nullptr;
+    PFNEGLDESTROYSYNCKHRPROC eglDestroySyncKHR = nullptr;
+};
+
+/// The entry points as this platform offers them: the driver's own on Android; elsewhere those around the
+/// stand-in of android::GraphicBuffer, where eglCreateImageKHR takes such a buffer and eglClientWaitSyncKHR
+/// also brings the drawn picture into it. Thread: any.
+/// Fails: entry by entry, with null.
+SEGLExtensions LoadEGLExtensions();
+
+/// True when images of buffers of this pixel format are YUV to the driver, so that drawing into them takes
+/// YUV outputs; false when they are plain colours. Thread: any.
+bool IsYUVImage(int nPixelFormat);
+
+/// Lets go of what images of buffers keep in a context between frames. The context is about to be destroyed;
+/// where it is current its names are deleted, else they die with it. Thread: GL thread.
+void ReleaseBufferImages(EGLContext pContext);

@@ -1,0 +1,77 @@
+/// \file
+/// What a graphic buffer holds: planes for the CPU, texels for the driver.
+#pragma once
+
+#include <ui/GraphicBuffer.h>
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+/// Units: pixels, bytes. Owns: planes and texels.
+/// Thread: any; a mutex keeps the CPU's side and the GL thread's apart.
+/// Fails: never, once made.
+class CBufferContents
+{
+public:
+    /// True for sizes and formats that can be held.
+    static bool IsPossible(uint32_t nWidth, uint32_t nHeight, int nFormat);
+    CBufferContents(int nWidth, int nHeight, int nFormat);
+
+    int Width() const { return m_nWidth; }
+    int Height() const { return m_nHeight; }
+    int Stride() const { return m_nStride; }
+    int Format() const { return m_nFormat; }
+    bool IsYUV() const { return m_nFormat != HAL_PIXEL_FORMAT_RGBA_8888; }
+
+    /// Brings the planes up to date and hands them out; null while they are handed out already.
+    unsigned char* Lock(bool bWrite);
+    /// Brings the texels up to date after a lock for writing. False without a lock.
+    bool Unlock();
+    /// Interleaved chroma within the planes.
+    unsigned char* Chroma() { return m_vPlanes.data() + LumaSize(); }
+
+    /// Puts the contents into the bound 2D texture, unless it holds them already (nHeld, which is brought up
+    /// to date). Unpack state is changed. GL thread.
+    void Upload(unsigned long long& nHeld);
+    /// Takes the contents from the framebuffer bound for reading; nHeld as above. Pack state is changed. GL
+    /// thread.
+    void ReadBack(unsigned long long& nHeld);
+
+private:
+    std::size_t LumaSize() const;
+    void Expand();
+    void Pack();
+    /// Rows of texels as GL takes them, and the pixels from row to row.
+    unsigned char* Texels();
+    int TexelStride() const { return IsYUV() ? m_nWidth : m_nStride; }
+
+    const int m_nWidth;
+    const int m_nHeight;
+    const int m_nStride;
+    const int m_nFormat;
+    std::mutex m_oMutex;
+    std::vector<unsigned char> m_vPlanes;
+    std::vector<unsigned char> m_vTexels; ///< (Y, U, V, 255); empty for buffers of plain colours
+    bool m_bLocked = false;
+    bool m_bLockedForWriting = false;
+    bool m_bPlanesStale = false;       ///< the texels are newer
+    unsigned long long m_nVersion = 0; ///< of the contents; 0: nothing was put in yet
+};
+
+namespace android
+{
+
+/// The native buffer, and what belongs to it.
+struct SLinuxBuffer
+{
+    ANativeWindowBuffer sNative = {};
+    native_handle_t sHandle = {};
+    std::shared_ptr<CBufferContents> pContents; ///< null: the buffer could not be made
+};
+
+} // namespace android
+
+/// The contents behind a native buffer of this platform; null for anything else.
+std::shared_ptr<CBufferContents> ContentsOf(const void* pNativeBuffer);
