@@ -10,7 +10,7 @@ static void RunMask(benchmark::State& oState, const TPoints& vPoints)
     CCustomGPUGeometry oGeometry;
     SGPolygon sPolygon;
     sPolygon.vPoints = vPoints;
-    for (auto _ : oState) {
+    while (oState.KeepRunning()) {
         oGeometry.GenerateFisheyeMaskVertices(sPolygon, 1920, 1920);
         benchmark::DoNotOptimize(oGeometry.m_pVertices);
         benchmark::ClobberMemory();
