@@ -40,3 +40,9 @@ picture mask 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 \
     --mask "250,500 480,420 560,560 330,650 #808080FF" $sCeiling
 picture text 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 --text "Terrace  2026-11-21 09:41:07" \
     --text-at 16,16 --text-height 32 $sCeiling
+
+# All views at once, for the front page.
+[ -e out/contact-sheet.png ] || ./run >/dev/null
+ffmpeg -loglevel error -y -i out/contact-sheet.png -vf "scale=960:-2:flags=area,format=yuvj420p" -q:v 4 \
+    -frames:v 1 -bitexact docs/pictures/contact-sheet.jpg
+echo docs/pictures/contact-sheet.jpg
