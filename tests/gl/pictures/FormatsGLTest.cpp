@@ -127,6 +127,25 @@ INSTANTIATE_TEST_SUITE_P(Layouts, Formats, testing::ValuesIn(FORMATS), [](const 
            "_" + std::to_string(s.nStride);
 });
 
+TEST(Formats, TinyAndOddFramesDraw)
+{
+    CTestDewarper oDewarper(16, 16);
+    ASSERT_TRUE(oDewarper.Started());
+    for (const int nFormat :
+         {IMAGE_FORMAT_RGB24, IMAGE_FORMAT_BGR24, IMAGE_FORMAT_NV12, IMAGE_FORMAT_YUV420P,
+          IMAGE_FORMAT_RGBA32, IMAGE_FORMAT_BGRA32, IMAGE_FORMAT_GRAY8, IMAGE_FORMAT_NV21})
+        for (const int nSize : {2, 3, 5, 33})
+            for (const EViewType eView :
+                 {VIEW_FISHEYE, VIEW_VCAM, VIEW_PANORAMA_FULL, VIEW_PANORAMA_TRIPLE}) {
+                CTestFrame oFrame(BusyPicture(nSize, nSize - nSize / 3), nFormat);
+                oDewarper.SetViewType(eView);
+                EXPECT_TRUE(oDewarper.DrawFrame(oFrame))
+                    << NameOf(nFormat) << " " << nSize << " view " << eView;
+            }
+    for (const SGLErrorNote& sError : CGLRecorder::Get().TakeErrors())
+        EXPECT_EQ(sError.strCall, "glTexSubImage2D") << "only blue-first uploads may be refused";
+}
+
 TEST(Colours, EverySpaceAndRangeGivesTheColoursOfItsMatrix)
 {
     CTestDewarper oDewarper(48, 32);

@@ -316,6 +316,71 @@ TEST_F(Requests, QuantiserDataRebuildTheProgramOnceWhenTheyComeAndWhenTheyGo)
     ExpectNothing(DrawAndCount(oFrame));
 }
 
+TEST_F(Requests, QuantiserDataMayChangeTheirSizeOrLackTheirTypes)
+{
+    SQPInfo sQP;
+    for (const int nSize : {4, 7, 3}) {
+        SQPInfo sNext;
+        sNext.nWidth = nSize;
+        sNext.nHeight = nSize;
+        sNext.nStride = nSize + 1;
+        const std::size_t nBytes = static_cast<std::size_t>(nSize) * static_cast<std::size_t>(nSize + 1);
+        sNext.pQP = new unsigned char[nBytes]();
+        sNext.pMBType = new unsigned char[nBytes]();
+        sNext.pMotion = new unsigned int[nBytes]();
+        EXPECT_TRUE(oDewarper.SetTexture(oFrame.Image(), false, &sNext, 0));
+        EXPECT_TRUE(oDewarper.DrawGLScene(false));
+        EXPECT_EQ(oDewarper.anTextureUnitSize[3][0], nSize);
+        EXPECT_EQ(oDewarper.anTextureUnitSize[4][1], nSize);
+    }
+    sQP.nWidth = sQP.nHeight = sQP.nStride = 3;
+    sQP.pQP = new unsigned char[9]();
+    EXPECT_TRUE(oDewarper.SetTexture(oFrame.Image(), false, &sQP, 0));
+    EXPECT_TRUE(oDewarper.DrawGLScene(false));
+    EXPECT_EQ(CGLRecorder::Get().TakeErrorText(), "");
+}
+
+TEST_F(Requests, MovesInTheDualPanoramaRefillItsMesh)
+{
+    oDewarper.SetViewType(VIEW_PANORAMA_DUAL);
+    nNewMeshes = 1;
+    DrawAndCount(oFrame);
+    nNewMeshes = 0;
+    oDewarper.AbsolutePTZ(20.0f, 10.0f, 180.0f);
+    const SFrameWork s = DrawAndCount(oFrame);
+    EXPECT_EQ(s.nPrograms + s.nTexturesMade + s.nBuffersMade, 0);
+    EXPECT_EQ(s.nBuffersFilled, 2);
+    EXPECT_EQ(s.nMatrices, 1);
+    ExpectNothing(DrawAndCount(oFrame));
+}
+
+TEST_F(Requests, TheWallPanoramaRefillsItsMeshForPanAndInclinationButNotForTilt)
+{
+    oDewarper.SetViewType(VIEW_PANORAMA_FULL);
+    oDewarper.SetMountType(MOUNT_WALL);
+    nNewMeshes = 1;
+    DrawAndCount(oFrame);
+    nNewMeshes = 0;
+    oDewarper.AbsolutePTZ(0.0f, 20.0f, 180.0f);
+    ExpectOnlyMatrices(DrawAndCount(oFrame));
+    oDewarper.AbsolutePTZ(15.0f, 20.0f, 180.0f);
+    SFrameWork s = DrawAndCount(oFrame);
+    EXPECT_EQ(s.nPrograms + s.nBuffersMade, 0);
+    EXPECT_EQ(s.nBuffersFilled, 2);
+    // An inclined camera also cuts what lies behind it.
+    oDewarper.SetMountTilt(12.0f);
+    s = DrawAndCount(oFrame);
+    EXPECT_EQ(s.nPrograms, 1);
+    EXPECT_EQ(s.nBuffersMade, 0);
+    EXPECT_EQ(s.nBuffersFilled, 2);
+    EXPECT_NE(oDewarper.sMainShader.strFragmentShader.find("gl_FragCoord.z<0.475"), std::string::npos);
+    oDewarper.SetStrictTiltLimits(false);
+    s = DrawAndCount(oFrame);
+    EXPECT_EQ(s.nPrograms, 0);
+    EXPECT_EQ(s.nBuffersFilled, 2);
+    ExpectNothing(DrawAndCount(oFrame));
+}
+
 TEST_F(Requests, TheSpaceAndRangeOfTheFrameItselfAreFollowed)
 {
     CTestFrame oOther(AsymmetricPicture(64, 64), IMAGE_FORMAT_YUV420P, 0, YUV_SPACE_BT709, true);
@@ -329,11 +394,12 @@ TEST_F(Requests, TheSpaceAndRangeOfTheFrameItselfAreFollowed)
 
 TEST_F(Requests, ASecondStartDrawsTheSameSizeAgain)
 {
+    oDewarper.AbsolutePTZ(70.0f, 30.0f, 100.0f);
+    DrawAndCount(oFrame);
     const STestImage sBefore = oDewarper.Picture();
     ASSERT_TRUE(oDewarper.StopGL());
     ASSERT_TRUE(oDewarper.StartGL());
     EXPECT_TRUE(oDewarper.DrawFrame(oFrame));
-    // Lens and filter outlive the restart; the position is the view's own again.
     EXPECT_EQ(CompareImages(sBefore, oDewarper.Picture()).nMax, 0);
     EXPECT_EQ(CGLRecorder::Get().TakeErrorText(), "");
 }
