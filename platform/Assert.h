@@ -6,5 +6,6 @@
 /// Logs and prints "file:line: function: assertion "expression" failed" and aborts.
 /// Thread: any.
 /// Fails: never returns.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is given
 extern "C" [[noreturn]] void __assert2(const char* pFile, int nLine, const char* pFunction,
                                        const char* pExpression);

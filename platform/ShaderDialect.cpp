@@ -36,11 +36,11 @@ void DropPointsAfterExponents(VTokens& vTokens)
 {
     for (std::size_t i = 0; i + 1 < vTokens.size(); ++i) {
         const std::string& strNumber = vTokens[i].strText;
-        std::string& strNext = vTokens[i + 1].strText;
+        const std::string& strNext = vTokens[i + 1].strText;
         if (vTokens[i].eKind == SHADER_TOKEN_NUMBER && vTokens[i + 1].eKind == SHADER_TOKEN_NUMBER &&
             strNumber.find_first_of("eE") != std::string::npos && strNext[0] == '.' &&
             IsAllZeros(strNext.substr(1)))
-            strNext.clear();
+            vTokens[i + 1] = SShaderToken();
     }
 }
 
@@ -106,7 +106,7 @@ std::size_t MatchYUVLayout(const VTokens& vTokens, std::size_t nIndex)
 void ClearTokens(VTokens& vTokens, std::size_t nFirst, std::size_t nEnd)
 {
     for (std::size_t i = nFirst; i < nEnd; ++i)
-        vTokens[i].strText.clear();
+        vTokens[i] = SShaderToken();
 }
 
 bool HasYUVOutput(const VTokens& vTokens)
