@@ -1,0 +1,226 @@
+#include "IncludeRules.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+#include <set>
+#include <sstream>
+
+namespace
+{
+
+using VStrings = std::vector<std::string>;
+
+const VStrings CODE = {".h", ".cpp"};
+
+std::string Join(const VStrings& vLines)
+{
+    std::string strText;
+    for (const std::string& strLine : vLines)
+        strText += strLine + '\n';
+    return strText;
+}
+
+/// Folders with code directly below dewarp/, and platform.
+std::set<std::string> Rooms()
+{
+    std::set<std::string> oRooms = {"platform"};
+    for (const auto& [strPath, strSource] : ReadSources({"dewarp"}, CODE)) {
+        const std::size_t nSlash = strPath.find('/', std::string("dewarp/").size());
+        if (nSlash != std::string::npos)
+            oRooms.insert(strPath.substr(0, nSlash));
+    }
+    return oRooms;
+}
+
+/// Lines of a source, comments left out, that match.
+VStrings MatchingLines(const MSources& oSources, const char* pExpression)
+{
+    const std::regex oExpression(pExpression);
+    VStrings vFound;
+    for (const auto& [strPath, strSource] : oSources) {
+        std::istringstream oStream(WithoutComments(strSource));
+        std::string strLine;
+        while (std::getline(oStream, strLine)) {
+            if (std::regex_search(strLine, oExpression))
+                vFound.push_back(Concatenate({strPath, ": ", strLine}));
+        }
+    }
+    return vFound;
+}
+
+MSources Without(MSources oSources, const VStrings& vBeginnings)
+{
+    for (const std::string& strBeginning : vBeginnings)
+        std::erase_if(oSources, [&](const auto& oEntry) { return oEntry.first.rfind(strBeginning, 0) == 0; });
+    return oSources;
+}
+
+int NonBlankLines(const std::string& strText)
+{
+    std::istringstream oStream(strText);
+    std::string strLine;
+    int nLines = 0;
+    while (std::getline(oStream, strLine))
+        nLines += strLine.find_first_not_of(" \t\r") != std::string::npos;
+    return nLines;
+}
+
+} // namespace
+
+TEST(IncludeRules, EveryRoomIncludesOnlyWhatItMay)
+{
+    const MSources oSources = ReadSources({"dewarp", "platform"}, CODE);
+    ASSERT_GT(oSources.size(), 30u);
+    EXPECT_EQ(Join(BrokenIncludeRules(oSources, HouseRules())), "");
+}
+
+TEST(IncludeRules, OwnHeadersAreThere)
+{
+    const MSources oSources = ReadSources({"dewarp", "platform"}, {".h", ".cpp", ".inc"});
+    VStrings vMissing;
+    for (const auto& [strPath, strSource] : oSources) {
+        for (const std::string& strInclude : IncludesOf(strSource)) {
+            if (strInclude[0] == '"' && oSources.count(strInclude.substr(1, strInclude.size() - 2)) == 0)
+                vMissing.push_back(Concatenate({strPath, ": ", strInclude}));
+        }
+    }
+    EXPECT_EQ(Join(vMissing), "");
+}
+
+TEST(IncludeRules, UsersOfTheLibraryKeepToInstalledHeaders)
+{
+    // Headers are installed, sources and folders above are not; pipeline and shader text are nobody's
+    // business.
+    VStrings vBroken;
+    for (const auto& [strPath, strSource] : ReadSources({"tools", "viewer", "gst", "python"}, CODE)) {
+        for (const std::string& strInclude : IncludesOf(strSource)) {
+            const std::string strName = strInclude.substr(1, strInclude.size() - 2);
+            if (strName.find("..") != std::string::npos || strName.find(".cpp") != std::string::npos ||
+                strName.rfind("dewarp/pipeline/", 0) == 0 || strName.rfind("dewarp/shaders/", 0) == 0)
+                vBroken.push_back(Concatenate({strPath, ": ", strInclude}));
+        }
+    }
+    EXPECT_EQ(Join(vBroken), "");
+}
+
+TEST(IncludeRules, EGLIsCalledOnlyByHostsAndPlatform)
+{
+    const MSources oSources =
+        Without(ReadSources({"dewarp"}, CODE), {"dewarp/android/", "dewarp/offscreen/"});
+    EXPECT_EQ(Join(MatchingLines(oSources, "\\begl[A-Z]\\w*\\s*\\(")), "");
+}
+
+TEST(IncludeRules, RoomsWithoutGLCallNoGL)
+{
+    MSources oSources =
+        ReadSources({"dewarp/records", "dewarp/geometry", "dewarp/tables", "dewarp/shaders"}, CODE);
+    oSources.erase("dewarp/records/SShaderProperties.cpp");
+    EXPECT_EQ(Join(MatchingLines(oSources, "\\bgl[A-Z]\\w*\\s*\\(")), "");
+}
+
+TEST(IncludeRules, TheLibraryHasNoCodeForOneSystemOnly)
+{
+    EXPECT_EQ(Join(MatchingLines(ReadSources({"dewarp"}, {".h", ".cpp", ".inc"}),
+                                 "#\\s*(if|elif).*(ANDROID|linux|LINUX|_WIN32|__APPLE__|__unix)")),
+              "");
+}
+
+TEST(IncludeRules, FilesStayBelowFourHundredLines)
+{
+    VStrings vLong;
+    for (const auto& [strPath, strSource] : ReadSources({"dewarp", "platform", "tools"}, CODE)) {
+        if (CountLines(strSource) > 400)
+            vLong.push_back(Concatenate({strPath, ": ", std::to_string(CountLines(strSource))}));
+    }
+    EXPECT_EQ(Join(vLong), "");
+}
+
+TEST(IncludeRules, EveryRoomSaysWhatItMayInclude)
+{
+    MSources oReadmes = ReadSources({"dewarp", "platform"}, {"README.md"});
+    for (const std::string& strRoom : Rooms()) {
+        const std::string strReadme = oReadmes[strRoom + "/README.md"];
+        EXPECT_GT(NonBlankLines(strReadme), 0) << strRoom << " has no README.md";
+        EXPECT_LE(NonBlankLines(strReadme), 10) << strRoom << " says too much";
+        EXPECT_NE(strReadme.find("May include"), std::string::npos) << strRoom;
+        EXPECT_NE(strReadme.find("Must not include"), std::string::npos) << strRoom;
+    }
+}
+
+// The rules themselves, tried on sources that break them.
+
+namespace
+{
+
+VStrings Broken(const MSources& oSources)
+{
+    return BrokenIncludeRules(oSources, HouseRules());
+}
+
+} // namespace
+
+TEST(BrokenIncludeRules, GLInGeometryIsFoundThroughOtherFiles)
+{
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <GLES3/gl31.h>\n"}}),
+              VStrings{"dewarp/geometry/A.cpp may not reach <GLES3/gl31.h>"});
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/CustomGPUGeometry.h\"\n"},
+                      {"dewarp/CustomGPUGeometry.h", "#include <GLES3/gl31.h>\n"}}),
+              (VStrings{"dewarp/CustomGPUGeometry.h may not reach <GLES3/gl31.h>",
+                        "dewarp/geometry/A.cpp may not reach <GLES3/gl31.h>"}));
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <chrono>\n#include <android/log.h>\n"}}).size(),
+              2u);
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/views/B.h\"\n"}}).size(), 2u);
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <cmath>\n#include \"dewarp/geometry/B.h\"\n"}}),
+              VStrings{});
+}
+
+TEST(BrokenIncludeRules, OnlyTheShaderRecordKnowsGL)
+{
+    EXPECT_EQ(Broken({{"dewarp/records/SShaderProperties.cpp", "#include <GLES3/gl31.h>\n"}}), VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/records/SShaderProperties.h", "#include <GLES3/gl31.h>\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/records/A.h", "#include \"dewarp/geometry/B.h\"\n"}}).size(), 1u);
+}
+
+TEST(BrokenIncludeRules, ShaderTextKnowsNoDewarper)
+{
+    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/CustomGPUDewarper.h\"\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/records/SShaderProperties.h\"\n"}}).size(),
+              1u);
+    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/records/Enumerations.h\"\n"}}), VStrings{});
+}
+
+TEST(BrokenIncludeRules, ThePipelineKnowsNoHost)
+{
+    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include <EGL/egl.h>\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include <ui/GraphicBuffer.h>\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include \"dewarp/offscreen/B.h\"\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include \"platform/Display.h\"\n"},
+                      {"platform/Display.h", "#include <EGL/egl.h>\n"}}),
+              VStrings{"dewarp/pipeline/A.cpp may not reach <EGL/egl.h>"});
+}
+
+TEST(BrokenIncludeRules, ViewsKnowNoShaderText)
+{
+    EXPECT_EQ(Broken({{"dewarp/views/A.cpp", "#include \"dewarp/shaders/B.h\"\n"}}).size(), 2u);
+    EXPECT_EQ(Broken({{"dewarp/views/A.cpp", "#include <GLES3/gl31.h>\n"}}), VStrings{});
+}
+
+TEST(BrokenIncludeRules, ParsersKnowNoGL)
+{
+    EXPECT_EQ(Broken({{"dewarp/overlays/StringFormat.cpp", "#include \"dewarp/overlays/B.h\"\n"},
+                      {"dewarp/overlays/B.h", "#include <GLES3/gl31.h>\n"}}),
+              VStrings{"dewarp/overlays/StringFormat.cpp may not reach <GLES3/gl31.h>"});
+}
+
+TEST(BrokenIncludeRules, ThePlatformKnowsNoDewarper)
+{
+    EXPECT_EQ(Broken({{"platform/A.cpp", "#include \"dewarp/records/LogTag.h\"\n"}}).size(), 2u);
+    EXPECT_EQ(Broken({{"platform/A.cpp", "#include \"platform/linux/B.h\"\n"}}).size(), 1u);
+}
+
+TEST(BrokenIncludeRules, FilesOutsideEveryRoomAreReported)
+{
+    EXPECT_EQ(Broken({{"elsewhere/A.cpp", ""}}), VStrings{"elsewhere/A.cpp belongs to no room"});
+}
