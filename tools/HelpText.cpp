@@ -29,7 +29,7 @@ View
                           panorama (4)          the whole strip
                           panorama-half (5)     half of the strip
                           panorama-quarter (2)  the strip in two rows
-                          dual (6), triple (7)  two or three panes
+                          dual (6), triple (7)  two or three panes, for ceilings
                           fisheye (3)           the whole input picture, flat
                           circular (9)          the lens circle only, flat
   --mount NAME          how the camera hangs: ceiling (default), floor or wall
@@ -72,7 +72,8 @@ of OUTPUT)
   --strings-file FILE   texts in the library's byte form
 
 Reports
-  --stats               milliseconds spent in each stage
+  --stats               milliseconds spent in each stage; one more frame is drawn to
+                        tell the cost of a frame from that of the first
   --verbose             what the library and FFmpeg log, shader texts included, on
                         stderr
   --version

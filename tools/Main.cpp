@@ -34,6 +34,21 @@ void PrintNotes(const std::vector<std::string>& vNotes)
         PrintLine("note: ", strNote);
 }
 
+/// The cost of one frame of a video: programs, meshes and textures exist already.
+SPicture MeasureFrame(CDewarpSession& oSession, SFrame& sFrame, CStats& oStats)
+{
+    // Drawing may still go on when its call has returned, but not when the picture has been read back. Read
+    // once more, the picture costs the read-back alone.
+    oSession.Draw(sFrame);
+    oSession.ReadBack();
+    const double fDrawAndRead = oStats.Lap();
+    const SPicture sPicture = oSession.ReadBack();
+    const double fRead = oStats.Lap();
+    oStats.AddStage("upload and draw", fDrawAndRead - fRead);
+    oStats.AddStage("read back", fRead);
+    return sPicture;
+}
+
 void Dewarp(const SToolOptions& sOptions)
 {
     const EOutputKind eKind = GetOutputKind(sOptions.strOutput);
@@ -52,15 +67,10 @@ void Dewarp(const SToolOptions& sOptions)
     CDewarpSession oSession(sOptions, oLog, {sFrame.nWidth, sFrame.nHeight});
     oStats.EndStage("set up: context");
     oSession.DrawFirst(sFrame, sOverlays);
-    if (sOptions.bStats) {
-        // Programs, meshes and textures exist now: what follows is the cost of a frame in a video.
-        oSession.ReadBack();
-        oStats.EndStage("set up: first frame");
-        oSession.Draw(sFrame);
-        oStats.EndStage("upload and draw");
-    }
-    const SPicture sPicture = oSession.ReadBack();
-    oStats.EndStage("read back");
+    SPicture sPicture = oSession.ReadBack();
+    oStats.EndStage("set up: first frame");
+    if (sOptions.bStats)
+        sPicture = MeasureFrame(oSession, sFrame, oStats);
     PrintNotes(oSession.GetNotes());
 
     const std::vector<unsigned char> vBytes = EncodePicture(sPicture, eKind);

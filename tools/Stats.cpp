@@ -14,11 +14,12 @@ std::string FormatLine(const char* pName, double fMilliseconds)
 
 } // namespace
 
-void CStats::EndStage(const char* pName)
+double CStats::Lap()
 {
     const TClock::time_point oNow = TClock::now();
-    m_vStages.emplace_back(pName, std::chrono::duration<double, std::milli>(oNow - m_oBegin).count());
+    const double fMilliseconds = std::chrono::duration<double, std::milli>(oNow - m_oBegin).count();
     m_oBegin = oNow;
+    return fMilliseconds;
 }
 
 std::string CStats::Format() const

@@ -12,7 +12,10 @@ class CStats
 {
 public:
     /// Ends a stage that began at the end of the one before, or at construction.
-    void EndStage(const char* pName);
+    void EndStage(const char* pName) { AddStage(pName, Lap()); }
+    /// Milliseconds since the end of the stage before; begins the next.
+    double Lap();
+    void AddStage(const char* pName, double fMilliseconds) { m_vStages.emplace_back(pName, fMilliseconds); }
     /// One line a stage and the sum.
     std::string Format() const;
 
