@@ -115,12 +115,14 @@ void CCustomGPUGeometry::AddVertex(int nIndex, float x, float y)
     float fY = 0.0f;
     float fZ = 0.0f;
     Fisheye2Sphere(fImageX, fImageY, fX, fY, fZ);
+    const int nHalfWidth = m_nImageWidth / 2;
+    const int nHalfHeight = m_nImageHeight / 2;
     float* pVertex = m_pVCAMVertices + static_cast<std::size_t>(nIndex) * nGridFloats;
     pVertex[0] = fX;
     pVertex[1] = fY;
     pVertex[2] = -fZ;
-    pVertex[3] = PartOf(fImageX + static_cast<float>(m_nImageWidth / 2) + 1.0f, fWidth);
-    pVertex[4] = PartOf(static_cast<float>(m_nImageHeight / 2) - fImageY, fHeight);
+    pVertex[3] = PartOf(fImageX + static_cast<float>(nHalfWidth) + 1.0f, fWidth);
+    pVertex[4] = PartOf(static_cast<float>(nHalfHeight) - fImageY, fHeight);
 }
 
 void CCustomGPUGeometry::AddTriangle(float x1, float y1, float x2, float y2, int& nIndex)
