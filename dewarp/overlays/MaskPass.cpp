@@ -141,6 +141,9 @@ void CCustomGPUDewarper::PrepareInputOverlayForMasks(int nWidth, int nHeight)
     if (rOverlay.nWidth == nWidth && rOverlay.nHeight == nHeight && rOverlay.nTexture != 0 &&
         rOverlay.pData == nullptr)
         return;
+    // A program that was built while the overlay had no size does not look at its unit.
+    if (rOverlay.nWidth < 1)
+        sMainShader.bForceReload = true;
     rOverlay.Reset();
     rOverlay.nWidth = nWidth;
     rOverlay.nHeight = nHeight;
