@@ -17,6 +17,7 @@ namespace
 {
 
 const std::size_t PIXEL_BYTES = 4;
+const std::size_t MAX_WAITING_RECTS = 256; ///< of several sets together
 
 std::size_t Offset(int x, int y, int nWidth)
 {
@@ -50,6 +51,22 @@ void CopyRects(SGOverlay& rOverlay, const unsigned char* pData, const std::vecto
                         static_cast<std::size_t>(rRect.width) * PIXEL_BYTES);
         }
     }
+}
+
+/// Pixels that still wait for their upload must not be lost: a whole image stays whole, rectangles add up.
+/// Too many of them, while no frame is drawn, become the whole image.
+void AddDirtyRects(SGOverlay& rOverlay, const std::vector<SGRect>& vRects)
+{
+    std::vector<SGRect>& rDirty = rOverlay.vDirtyRects;
+    const bool bWholePending = rOverlay.bDirty && rDirty.empty();
+    if (!rOverlay.bDirty)
+        rDirty.clear();
+    if (bWholePending)
+        return;
+    if (!rDirty.empty() && rDirty.size() + vRects.size() > MAX_WAITING_RECTS)
+        rDirty.clear();
+    else
+        rDirty.insert(rDirty.end(), vRects.begin(), vRects.end());
 }
 
 } // namespace
@@ -87,13 +104,7 @@ int CCustomGPUDewarper::SetOverlay(SGOverlay& sOverlay, unsigned char* pData, in
             DrawRequired();
             return 1;
         }
-        // Pixels that still wait for their upload must not be lost: a whole image stays whole, rectangles add
-        // up.
-        const bool bWholePending = sOverlay.bDirty && sOverlay.vDirtyRects.empty();
-        if (!sOverlay.bDirty)
-            sOverlay.vDirtyRects.clear();
-        if (!bWholePending)
-            sOverlay.vDirtyRects.insert(sOverlay.vDirtyRects.end(), vClipped.begin(), vClipped.end());
+        AddDirtyRects(sOverlay, vClipped);
     }
     sOverlay.bDirty = true;
     DrawRequired();
@@ -103,8 +114,12 @@ int CCustomGPUDewarper::SetOverlay(SGOverlay& sOverlay, unsigned char* pData, in
 int CCustomGPUDewarper::SetInputOverlay(unsigned char* pData, int nWidth, int nHeight, int nUnused)
 {
     CLockScope oScope(*this);
+    const bool bHadSize = sInputOverlay.nWidth > 0;
     const int nResult = SetOverlay(sInputOverlay, pData, nWidth, nHeight, nUnused, GL_TEXTURE5, {});
     sMainShader.bInputOverlay = pData != nullptr;
+    // A program that was built while the overlay had no size does not look at its unit.
+    if (!bHadSize && sInputOverlay.nWidth > 0)
+        sMainShader.bForceReload = true;
     // Privacy masks live in the input overlay: they are painted again, over whatever was put there.
     if (!vMaskPolygons.empty())
         bMaskPolygonsChanged = true;
