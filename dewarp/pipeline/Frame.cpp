@@ -3,6 +3,7 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/pipeline/LockScope.h"
+#include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/views/GPUObjFisheye.h"
 #include "dewarp/views/GPUObjPanorama.h"
@@ -21,11 +22,31 @@ bool IsMountSet(EMountType eMount)
     return eMount != MOUNT_UNSET && static_cast<int>(eMount) != -1;
 }
 
+/// True when an overlay was painted from masks for frames of this size.
+bool HoldsMasks(const SGOverlay& rOverlay, const SDewarpParams& rParams)
+{
+    return rOverlay.pData == nullptr && rOverlay.nTexture != 0 && rOverlay.nWidth == rParams.nImageWidth &&
+           rOverlay.nHeight == rParams.nImageHeight;
+}
+
 } // namespace
 
 bool CCustomGPUDewarper::DrawGLScene(bool bExchangeBuffers)
 {
     CLockScope oScope(*this);
+    bool bDrawn = false;
+    const bool bWhole = GuardMemory("DrawGLScene", false, [&] {
+        bDrawn = DrawFrame(bExchangeBuffers);
+        return true;
+    });
+    // A frame that ran out of memory half way leaves its marks: the next one begins anew.
+    if (!bWhole)
+        RequestEverything();
+    return bWhole && bDrawn;
+}
+
+bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
+{
     int nWidth = 0;
     int nHeight = 0;
     if (!PrepareTarget(nWidth, nHeight) || !ApplyRequests(nWidth, nHeight) ||
@@ -43,6 +64,17 @@ bool CCustomGPUDewarper::DrawGLScene(bool bExchangeBuffers)
     UnbindTextures();
     FinishFrame();
     return true;
+}
+
+/// Asks for all that a frame can build.
+void CCustomGPUDewarper::RequestEverything()
+{
+    bResetObjects = true;
+    bViewSetupRequired = true;
+    sMainShader.bForceReload = true;
+    pBoundViewObject = nullptr;
+    bMaskPolygonsChanged = bMaskPolygonsChanged || !vMaskPolygons.empty();
+    bStringsChanged = bStringsChanged || !vStrings.empty();
 }
 
 bool CCustomGPUDewarper::PrepareTarget(int& nWidth, int& nHeight)
@@ -199,14 +231,18 @@ ELensType CCustomGPUDewarper::ApplyAbsolutePTZ()
 
 void CCustomGPUDewarper::ApplyAnalogPTZ()
 {
-    if (fAnalogSpeed[0] == 0.0f && fAnalogSpeed[1] == 0.0f && fAnalogSpeed[2] == 0.0f)
+    float fPanSpeed = 0.0f;
+    float fTiltSpeed = 0.0f;
+    float fZoomSpeed = 0.0f;
+    GetPTZAnalog(fPanSpeed, fTiltSpeed, fZoomSpeed);
+    if (fPanSpeed == 0.0f && fTiltSpeed == 0.0f && fZoomSpeed == 0.0f)
         return;
     const float fPan = pParams->fPan;
     const float fTilt = pParams->fTilt;
     const float fZoom = pParams->fZoom;
-    pParams->fPan -= fAnalogSpeed[0] * 4.0f;
-    pParams->fTilt += fAnalogSpeed[1] * 4.0f;
-    pParams->fZoom += fAnalogSpeed[2] * 4.0f;
+    pParams->fPan -= fPanSpeed * 4.0f;
+    pParams->fTilt += fTiltSpeed * 4.0f;
+    pParams->fZoom += fZoomSpeed * 4.0f;
     KeepFinitePTZ(fPan, fTilt, fZoom);
     pActiveViewObject->CheckPTZ(pParams);
 }
@@ -230,6 +266,9 @@ void CCustomGPUDewarper::ApplyLensRequest(ELensType eMeshLens)
 
 bool CCustomGPUDewarper::ApplyMaskRequest(int nWidth, int nHeight)
 {
+    // Masks count in pixels of the frame: one of another size gets them painted anew.
+    if (!vMaskPolygons.empty() && !(sMainShader.bInputOverlay && HoldsMasks(sInputOverlay, *pParams)))
+        bMaskPolygonsChanged = true;
     if (!bMaskPolygonsChanged)
         return true;
     // A mask that could not be painted must be tried again: it may not stay open.
