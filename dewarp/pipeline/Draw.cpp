@@ -70,8 +70,11 @@ void CCustomGPUDewarper::DrawCompositionPasses(int nWidth, int nHeight)
         if (HandleStrings(nWidth, nHeight) < 0)
             nResult = -1;
     }
-    if (bOverlay && HandleOutputOverlay(nWidth, nHeight) < 0)
+    // Without the overlay's program the view is shown without the overlay, not the frame before.
+    if (bOverlay && HandleOutputOverlay(nWidth, nHeight) < 0) {
+        HandleTextureToScreen(nWidth, nHeight, 0);
         nResult = -1;
+    }
     // A pass that could not run leaves its own target bound.
     if (nResult < 0)
         BindDefaultFrameBuffer();
