@@ -1,0 +1,23 @@
+/// \file
+/// Keeps a lack of memory inside the library.
+#pragma once
+
+#include "dewarp/records/LogTag.h"
+
+#include <android/log.h>
+
+#include <new>
+#include <utility>
+
+/// Runs a piece of work. Memory that cannot be had becomes one log line and the given result: the library's
+/// operations throw nothing.
+template <class R, class F>
+R GuardMemory(const char* pFunction, R tFailed, F&& fWork)
+{
+    try {
+        return std::forward<F>(fWork)();
+    } catch (const std::bad_alloc&) {
+        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: out of memory", pFunction);
+        return tFailed;
+    }
+}
