@@ -35,7 +35,7 @@ void LimitExtent(long long& nStart, long long& nLength)
     if (nLength <= MAX_VIEWPORT)
         return;
     const long long nEnd = std::min<long long>(nStart + nLength, MAX_VIEWPORT * 2);
-    nStart = std::max<long long>(nStart, -1);
+    nStart = std::max<long long>(nStart, 0);
     nLength = std::max<long long>(nEnd - nStart, 0);
 }
 
@@ -188,10 +188,12 @@ std::vector<std::size_t> CCGPUObjString::FindChanged(const std::vector<SGPUStrin
     std::sort(vGroups.begin(), vGroups.end());
     std::vector<std::size_t> vChanged;
     for (std::size_t i = 0; i < m_vStrings.size(); ++i) {
-        if (std::binary_search(vGroups.begin(), vGroups.end(), m_vStrings[i].nOverlapGroup))
-            m_vStrings[i].strText.clear();
-        if (m_vStrings[i] != vStrings[i])
+        // Asked for before the text is cleared: a string that becomes empty has changed, too.
+        const bool bInGroup = std::binary_search(vGroups.begin(), vGroups.end(), m_vStrings[i].nOverlapGroup);
+        if (bInGroup || m_vStrings[i] != vStrings[i])
             vChanged.push_back(i);
+        if (bInGroup)
+            m_vStrings[i].strText.clear();
     }
     return vChanged;
 }
@@ -202,6 +204,9 @@ void CCGPUObjString::Erase(const std::vector<std::size_t>& vChanged, const SShad
 {
     SetTextColor(rShader, 0x000000FF);
     glUniform1f(rShader.nMultLocation, 0.0f);
+    // The program takes the alpha away; what is left of the colour would brighten the edges of later letters.
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ZERO, GL_ZERO);
     for (const std::size_t i : vChanged) {
         const SGRect sRect = DrawnRect(m_vStrings[i]);
         if (sRect.width < 1 || sRect.height < 1)
@@ -214,6 +219,8 @@ void CCGPUObjString::Erase(const std::vector<std::size_t>& vChanged, const SShad
         AttachTexture(nTextureB);
         glDrawArrays(m_nPrimitiveMode, SOLID_GLYPH * GLYPH_VERTICES, GLYPH_VERTICES);
     }
+    glBlendFunc(GL_ONE, GL_ZERO);
+    glDisable(GL_BLEND);
     glUniform1f(rShader.nMultLocation, 1.0f);
 }
 
