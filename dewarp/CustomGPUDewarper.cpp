@@ -117,6 +117,26 @@ void CCustomGPUDewarper::FreeTextures()
     DeleteParkedTextures();
 }
 
+void CCustomGPUDewarper::ForgetGLNames()
+{
+    for (unsigned int* pName :
+         {&nTextureY, &nTextureUV, &nTextureU, &nTextureV, &nTextureQP, &nTextureMBType, &nTextureRGB,
+          &nFrameBuffer, &nFrameTexture, &nFrameTexture2, &nMaskTextureA, &nMaskTextureB, &nStringTextureA,
+          &nStringTextureB, &nFontTexture, &sInputOverlay.nTexture, &sOutputOverlay.nTexture})
+        *pName = 0;
+    vParkedTextures.clear();
+    for (SShaderProperties* pShader :
+         {&sMainShader, &sOutputOverlayShader, &sStringShader, &sStringCompositeShader, &sMaskShader,
+          &sTextureToScreenShader, &sTextureToTextureShader})
+        pShader->bNamesDeleted = true;
+    for (CCGPUObjBase* pObject : std::initializer_list<CCGPUObjBase*>{
+             pFisheye, pFisheyeCircular, pVCAM, pPanorama, pPanoramaWall, pPanoramaDual, pPanoramaTriple,
+             pStringObject, pAuxFisheye, pAuxFisheye2}) {
+        if (pObject != nullptr)
+            pObject->Forget();
+    }
+}
+
 void CCustomGPUDewarper::FreeOpenGLObjects()
 {
     FreeTextures();

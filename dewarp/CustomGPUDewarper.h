@@ -290,6 +290,8 @@ protected:
     };
 
     // Named steps of DrawGLScene; false: the frame cannot be drawn.
+    bool DrawFrame(bool bExchangeBuffers);
+    void RequestEverything();
     bool PrepareTarget(int& nWidth, int& nHeight);
     bool ApplyRequests(int nWidth, int nHeight);
     void ApplyDefaultPTZ();
@@ -316,6 +318,8 @@ protected:
     void CreateViewObjects();
     void DeleteViewObjects();
     void FreeTextures();
+    /// Forgets every GL name without touching GL: their context is gone.
+    void ForgetGLNames();
 
     // Input planes.
     struct SPlaneUpload;
@@ -325,6 +329,9 @@ protected:
     bool UploadPlanes();
     void UploadPlane(const SPlaneUpload& rPlane, bool bCreate);
     void UploadRedBlue(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
+    void UploadWidened(const SPlaneUpload& rPlane);
+    void PreferRGBA(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
+    unsigned char* RepackRows(const SPlaneUpload& rPlane, int& nRowBytes);
     void CreateQPTextures();
     void UploadQPTextures();
 
@@ -363,9 +370,11 @@ protected:
     int nMaxTextureSize = 0; ///< of the context in use; 0: not asked for yet
     bool bReadBGRA = true;   ///< the driver reads back BGRA; else RGBA is exchanged here
     bool bReadBGRAProven = false;
-    bool bStringsToTexture = false;            ///< the string programs were made to draw into a texture
-    bool bFrameInTextures = false;             ///< the input textures hold a whole frame
-    std::vector<unsigned char> vRepack;        ///< rows of a plane whose stride GL cannot express
+    bool bStringsToTexture = false;     ///< the string programs were made to draw into a texture
+    bool bFrameInTextures = false;      ///< the input textures hold a whole frame
+    bool bUploadDecided = false;        ///< a plane went up as it is: the driver's likes were considered
+    bool bWidenPixels = false;          ///< frames of 3 bytes a pixel go up as RGBA
+    std::vector<unsigned char> vRepack; ///< a plane's rows in a form the driver takes
     std::vector<unsigned int> vParkedTextures; ///< to be deleted on the GL thread
     float fEyeDistance = 0.0f;
 };

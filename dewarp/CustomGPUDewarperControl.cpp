@@ -7,6 +7,7 @@
 
 #include <android/log.h>
 
+#include <atomic>
 #include <cmath>
 
 namespace
@@ -247,7 +248,7 @@ bool CCustomGPUDewarper::GetDewarperVersion(int& nMajor, int& nMinor)
 
 int CCustomGPUDewarper::GetFisheyeRadius()
 {
-    return static_cast<int>(pGeometry->m_fRadius);
+    return static_cast<int>(std::atomic_ref<float>(pGeometry->m_fRadius).load(std::memory_order_relaxed));
 }
 
 unsigned long long CCustomGPUDewarper::GetLastDisplayedTextureTimestamp()

@@ -5,6 +5,7 @@
 #include "dewarp/pipeline/LockScope.h"
 #include "dewarp/views/GPUObjBase.h"
 
+#include <atomic>
 #include <cmath>
 
 namespace
@@ -57,16 +58,17 @@ void CCustomGPUDewarper::RelativePTZ(float fPan, float fTilt, float fZoom)
 
 void CCustomGPUDewarper::AnaloguePTZ(float fPan, float fTilt, float fZoom)
 {
-    fAnalogSpeed[0] = fPan;
-    fAnalogSpeed[1] = fTilt;
-    fAnalogSpeed[2] = fZoom;
+    // No lock: each speed is exchanged whole.
+    std::atomic_ref<float>(fAnalogSpeed[0]).store(fPan, std::memory_order_relaxed);
+    std::atomic_ref<float>(fAnalogSpeed[1]).store(fTilt, std::memory_order_relaxed);
+    std::atomic_ref<float>(fAnalogSpeed[2]).store(fZoom, std::memory_order_relaxed);
 }
 
 void CCustomGPUDewarper::GetPTZAnalog(float& fPan, float& fTilt, float& fZoom)
 {
-    fPan = fAnalogSpeed[0];
-    fTilt = fAnalogSpeed[1];
-    fZoom = fAnalogSpeed[2];
+    fPan = std::atomic_ref<float>(fAnalogSpeed[0]).load(std::memory_order_relaxed);
+    fTilt = std::atomic_ref<float>(fAnalogSpeed[1]).load(std::memory_order_relaxed);
+    fZoom = std::atomic_ref<float>(fAnalogSpeed[2]).load(std::memory_order_relaxed);
 }
 
 void CCustomGPUDewarper::GetPTZ(float& fPan, float& fTilt, float& fZoom)

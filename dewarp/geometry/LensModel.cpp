@@ -7,6 +7,7 @@
 #include "platform/Assert.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -95,7 +96,8 @@ float CCustomGPUGeometry::DetermineRadius(int nLensType, int nWidth, int nHeight
         nDiameter = nWidth;
     else if (nLensType == LENS_DSL418 || nLensType == LENS_DSL419)
         nDiameter = nHeight;
-    m_fRadius = 0.5f * static_cast<float>(nDiameter);
+    // Another thread may ask for the radius in pixels while a frame is drawn.
+    std::atomic_ref<float>(m_fRadius).store(0.5f * static_cast<float>(nDiameter), std::memory_order_relaxed);
     return m_fRadius;
 }
 

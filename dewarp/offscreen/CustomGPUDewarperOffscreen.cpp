@@ -137,9 +137,11 @@ bool CCustomGPUDewarperOffscreen::StopGL()
     if (!pState->bStarted)
         return true;
     const SCurrentContext sBefore = GetCurrentContext();
-    // Names die under their own context; when it cannot be had here, they die with it.
-    if (!pState->MakeCurrent())
-        eglMakeCurrent(sBefore.pDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    // Names die under their own context; when it is lost, or cannot be had here, they die with it.
+    if (!pState->MakeCurrent()) {
+        ForgetGLNames();
+        pState->oTarget.Forget();
+    }
     bHasOldView = bHasOldView || pParams->eViewType != VIEW_UNSET;
     ReinitializeOpenGLObjects();
     pState->oTarget.Free();
@@ -189,7 +191,8 @@ bool CCustomGPUDewarperOffscreen::SetCurrentRenderingContext(void** ppContext)
     if (!pState->bStarted)
         return false;
     if (!pState->MakeCurrent())
-        return Fail("SetCurrentRenderingContext", "the context is current on another thread");
+        return Fail("SetCurrentRenderingContext",
+                    "the context cannot be made current: it is lost, or current on another thread");
     if (!pState->oTarget.Create(pState->nTargetWidth, pState->nTargetHeight))
         return Fail("SetCurrentRenderingContext", "the driver has no target of that size");
     *ppContext = pState->pContext;
@@ -198,6 +201,7 @@ bool CCustomGPUDewarperOffscreen::SetCurrentRenderingContext(void** ppContext)
 
 bool CCustomGPUDewarperOffscreen::GetTargetWidthHeight(int& nWidth, int& nHeight)
 {
+    CLockScope oScope(*this);
     nWidth = pState->nTargetWidth;
     nHeight = pState->nTargetHeight;
     return true;

@@ -81,6 +81,11 @@ void COffscreenTarget::Free()
         glDeleteTextures(1, &m_nTexture);
     if (m_nRenderbuffer != 0)
         glDeleteRenderbuffers(1, &m_nRenderbuffer);
+    Forget();
+}
+
+void COffscreenTarget::Forget()
+{
     m_nFrameBuffer = m_nTexture = m_nRenderbuffer = 0;
     m_nWidth = m_nHeight = 0;
 }

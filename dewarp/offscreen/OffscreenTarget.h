@@ -12,6 +12,8 @@ public:
     /// Makes the buffer anew if the size differs from the one there is. Leaves the framebuffer bound then.
     bool Create(int nWidth, int nHeight);
     void Free();
+    /// Forgets the names without touching GL: their context is gone.
+    void Forget();
     void Bind() const;
 
 private:

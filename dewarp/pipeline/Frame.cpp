@@ -3,6 +3,7 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/pipeline/LockScope.h"
+#include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/views/GPUObjFisheye.h"
 #include "dewarp/views/GPUObjPanorama.h"
@@ -33,6 +34,19 @@ bool HoldsMasks(const SGOverlay& rOverlay, const SDewarpParams& rParams)
 bool CCustomGPUDewarper::DrawGLScene(bool bExchangeBuffers)
 {
     CLockScope oScope(*this);
+    bool bDrawn = false;
+    const bool bWhole = GuardMemory("DrawGLScene", false, [&] {
+        bDrawn = DrawFrame(bExchangeBuffers);
+        return true;
+    });
+    // A frame that ran out of memory half way leaves its marks: the next one begins anew.
+    if (!bWhole)
+        RequestEverything();
+    return bWhole && bDrawn;
+}
+
+bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
+{
     int nWidth = 0;
     int nHeight = 0;
     if (!PrepareTarget(nWidth, nHeight) || !ApplyRequests(nWidth, nHeight) ||
@@ -50,6 +64,17 @@ bool CCustomGPUDewarper::DrawGLScene(bool bExchangeBuffers)
     UnbindTextures();
     FinishFrame();
     return true;
+}
+
+/// Asks for all that a frame can build.
+void CCustomGPUDewarper::RequestEverything()
+{
+    bResetObjects = true;
+    bViewSetupRequired = true;
+    sMainShader.bForceReload = true;
+    pBoundViewObject = nullptr;
+    bMaskPolygonsChanged = bMaskPolygonsChanged || !vMaskPolygons.empty();
+    bStringsChanged = bStringsChanged || !vStrings.empty();
 }
 
 bool CCustomGPUDewarper::PrepareTarget(int& nWidth, int& nHeight)
@@ -206,14 +231,18 @@ ELensType CCustomGPUDewarper::ApplyAbsolutePTZ()
 
 void CCustomGPUDewarper::ApplyAnalogPTZ()
 {
-    if (fAnalogSpeed[0] == 0.0f && fAnalogSpeed[1] == 0.0f && fAnalogSpeed[2] == 0.0f)
+    float fPanSpeed = 0.0f;
+    float fTiltSpeed = 0.0f;
+    float fZoomSpeed = 0.0f;
+    GetPTZAnalog(fPanSpeed, fTiltSpeed, fZoomSpeed);
+    if (fPanSpeed == 0.0f && fTiltSpeed == 0.0f && fZoomSpeed == 0.0f)
         return;
     const float fPan = pParams->fPan;
     const float fTilt = pParams->fTilt;
     const float fZoom = pParams->fZoom;
-    pParams->fPan -= fAnalogSpeed[0] * 4.0f;
-    pParams->fTilt += fAnalogSpeed[1] * 4.0f;
-    pParams->fZoom += fAnalogSpeed[2] * 4.0f;
+    pParams->fPan -= fPanSpeed * 4.0f;
+    pParams->fTilt += fTiltSpeed * 4.0f;
+    pParams->fZoom += fZoomSpeed * 4.0f;
     KeepFinitePTZ(fPan, fTilt, fZoom);
     pActiveViewObject->CheckPTZ(pParams);
 }

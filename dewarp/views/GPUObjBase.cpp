@@ -37,6 +37,14 @@ void CCGPUObjBase::Reset()
     m_fGeometryAspect = 1.0f;
 }
 
+void CCGPUObjBase::Forget()
+{
+    m_nVertexBuffer = 0;
+    m_nTexCoordBuffer = 0;
+    m_nVertexCount = 0;
+    m_fGeometryAspect = 1.0f;
+}
+
 void CCGPUObjBase::CheckPTZ(SDewarpParams* /*pParams*/) {}
 
 void CCGPUObjBase::AdjustPTZ(CCustomGPUGeometry* /*pGeometry*/, SDewarpParams* /*pParams*/,

@@ -50,6 +50,8 @@ public:
 
     /// Deletes the mesh. The primitive mode stays.
     void Reset();
+    /// Drops the mesh without touching GL: its context is gone.
+    void Forget();
 
     GLuint m_nVertexBuffer = 0;   ///< 3 floats a vertex
     GLuint m_nTexCoordBuffer = 0; ///< 2 floats a vertex
