@@ -5,14 +5,15 @@
 
 #include <string>
 
-/// What a driver and the target in use offer to shader text. A fresh record lacks nothing: with it every text
-/// goes to the driver as it is.
+/// What a driver and the target in use offer to shader text and uploads. A fresh record lacks nothing: with
+/// it every text and every plane goes to the driver as it is.
 struct SDriverTraits
 {
     bool bKnown = false;       ///< filled in by QueryDriverTraits
     bool bYUVTarget = true;    ///< GL_EXT_YUV_target: YUV outputs and samplers that deliver YUV
     bool bYUVOutput = true;    ///< the target holds YUV; the caller clears it for a target of plain colours
     bool bPreferHighp = false; ///< single precision is faster here than the precision the texts ask for
+    bool bPreferRGBA = false;  ///< RGBA uploads are several times faster here than BGRA, RGB and BGR ones
 };
 
 /// Asks the current context for its traits; bYUVOutput stays true, for it is the caller's to say.

@@ -14,7 +14,6 @@
 #include <android/log.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
@@ -23,15 +22,6 @@ namespace
 const unsigned int GL_BGR_UPLOAD = 0x80E0;
 
 } // namespace
-
-int UnpackAlignment(int nRowBytes)
-{
-    for (const int nAlignment : {8, 4, 2}) {
-        if (nRowBytes % nAlignment == 0)
-            return nAlignment;
-    }
-    return 1;
-}
 
 bool CCustomGPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInfo* pQP,
                                     unsigned long long nTimestamp)
@@ -132,6 +122,8 @@ bool CCustomGPUDewarper::InitializeTextures()
     SPlaneUpload aPlanes[MAX_PLANES];
     const int nPlanes = FitsTexture() ? ListPlanes(aPlanes) : 0;
     eRedBlueUpload = RED_BLUE_UNDECIDED;
+    bUploadDecided = false;
+    bWidenPixels = false;
     bFrameInTextures = false;
     for (int i = 0; i < nPlanes; ++i) {
         // Planes of an earlier frame may be gone already: then the texture starts without contents.
@@ -194,51 +186,6 @@ bool CCustomGPUDewarper::UploadPlanes()
     if (nImageFormat == IMAGE_FORMAT_YUV420P && sMainShader.bQPTextures)
         UploadQPTextures();
     return nPlanes > 0;
-}
-
-void CCustomGPUDewarper::UploadPlane(const SPlaneUpload& rPlane, bool bCreate)
-{
-    int nRowBytes = rPlane.nRowBytes;
-    unsigned char* pPixels = rPlane.IsComplete() ? rPlane.pPixels : nullptr;
-    if (pPixels != nullptr && nRowBytes % rPlane.nPixelBytes != 0) {
-        // GL counts a row's length in pixels: such rows are laid side by side first.
-        const std::size_t nPacked =
-            static_cast<std::size_t>(rPlane.nWidth) * static_cast<std::size_t>(rPlane.nPixelBytes);
-        vRepack.resize(nPacked * static_cast<std::size_t>(rPlane.nHeight));
-        for (std::size_t y = 0; y < static_cast<std::size_t>(rPlane.nHeight); ++y)
-            std::memcpy(vRepack.data() + y * nPacked, pPixels + y * static_cast<std::size_t>(nRowBytes),
-                        nPacked);
-        pPixels = vRepack.data();
-        nRowBytes = static_cast<int>(nPacked);
-    }
-    glPixelStorei(GL_UNPACK_ALIGNMENT, UnpackAlignment(nRowBytes));
-    const int nRowLength = nRowBytes / rPlane.nPixelBytes;
-    if (bCreate)
-        GenerateTexture(*rPlane.pTexture, rPlane.nUnit, rPlane.nFormat, rPlane.nWidth, rPlane.nHeight,
-                        nRowLength, pPixels);
-    else if (rPlane.nUploadFormat != rPlane.nFormat)
-        UploadRedBlue(rPlane, pPixels, nRowLength);
-    else
-        UpdateTexture(*rPlane.pTexture, rPlane.nUnit, rPlane.nFormat, rPlane.nWidth, rPlane.nHeight,
-                      nRowLength, pPixels);
-}
-
-/// Uploads a plane whose bytes start with blue. What the driver does with the format shows at the first try.
-void CCustomGPUDewarper::UploadRedBlue(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength)
-{
-    if (eRedBlueUpload != RED_BLUE_BY_SWIZZLE) {
-        UpdateTexture(*rPlane.pTexture, rPlane.nUnit, rPlane.nUploadFormat, rPlane.nWidth, rPlane.nHeight,
-                      nRowLength, pPixels);
-        if (eRedBlueUpload == RED_BLUE_BY_FORMAT)
-            return;
-        eRedBlueUpload = glGetError() == GL_NO_ERROR ? RED_BLUE_BY_FORMAT : RED_BLUE_BY_SWIZZLE;
-        if (eRedBlueUpload == RED_BLUE_BY_FORMAT)
-            return;
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_R, GL_BLUE);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_B, GL_RED);
-    }
-    UpdateTexture(*rPlane.pTexture, rPlane.nUnit, rPlane.nFormat, rPlane.nWidth, rPlane.nHeight, nRowLength,
-                  pPixels);
 }
 
 void CCustomGPUDewarper::CreateQPTextures()
