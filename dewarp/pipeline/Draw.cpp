@@ -67,8 +67,9 @@ void CCustomGPUDewarper::DrawCompositionPasses(int nWidth, int nHeight)
     if (!vStrings.empty()) {
         nResult =
             bOverlay ? HandleTextureToTexture(nWidth, nHeight, 1) : HandleTextureToScreen(nWidth, nHeight, 0);
-        if (HandleStrings(nWidth, nHeight) < 0)
-            nResult = -1;
+        // Text reads the copy: without one it would stand on whatever the copy's texture holds.
+        if (nResult >= 0)
+            nResult = HandleStrings(nWidth, nHeight);
     }
     // Without the overlay's program the view is shown without the overlay, not the frame before.
     if (bOverlay && HandleOutputOverlay(nWidth, nHeight) < 0) {
