@@ -186,13 +186,15 @@ bool CCustomGPUDewarperVela::MakeUsableContextCurrent()
 bool CCustomGPUDewarperVela::StopGL()
 {
     __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Stop OpenGLES", "StopGL");
+    if (!bGLStarted) {
+        ReinitializeOpenGLObjects();
+        return true;
+    }
     const SCurrentContext sBefore = GetCurrentContext();
     // Names die under their own context; when it cannot be had on this thread, they die with it.
-    if (bGLStarted && !MakeOwnContextCurrent())
+    if (!MakeOwnContextCurrent())
         eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     ReinitializeOpenGLObjects();
-    if (!bGLStarted)
-        return true;
     // The last frame destroyed it already, which does no harm.
     if (mSync != EGL_NO_SYNC_KHR && sExtensions.eglDestroySyncKHR != nullptr)
         sExtensions.eglDestroySyncKHR(mDisplay, mSync);

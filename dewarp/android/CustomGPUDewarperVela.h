@@ -95,5 +95,4 @@ private:
     void ReleaseEGL();
 
     SEGLExtensions sExtensions;
-    bool bYUVOutput = true; ///< the driver takes output buffers for YUV
 };

@@ -31,15 +31,17 @@ bool FailImage(const char* pFunction)
 
 void LogNativeBuffer(const ANativeWindowBuffer& rBuffer)
 {
-    const native_handle_t sNone = {};
-    const native_handle_t& rHandle = rBuffer.handle != nullptr ? *rBuffer.handle : sNone;
-    const int nData = rHandle.numFds + rHandle.numInts > 0 ? rHandle.data[0] : 0;
+    const native_handle_t* const pHandle = rBuffer.handle;
+    const int nVersion = pHandle != nullptr ? pHandle->version : 0;
+    const int nFds = pHandle != nullptr ? pHandle->numFds : 0;
+    const int nInts = pHandle != nullptr ? pHandle->numInts : 0;
+    const int nFirst = nFds + nInts > 0 ? pHandle->data[0] : 0;
     __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
                         "%s: Calling eglCreateImageKHR------ with magic 0x%x version %d %d %d 0x%x gaphicb "
                         "width is: %d, height is: %d, stride: %d and format is: %d",
-                        "CreateImage", static_cast<unsigned int>(rBuffer.common.magic), rHandle.version,
-                        rHandle.numFds, rHandle.numInts, static_cast<unsigned int>(nData), rBuffer.width,
-                        rBuffer.height, rBuffer.stride, rBuffer.format);
+                        "CreateImage", static_cast<unsigned int>(rBuffer.common.magic), nVersion, nFds, nInts,
+                        static_cast<unsigned int>(nFirst), rBuffer.width, rBuffer.height, rBuffer.stride,
+                        rBuffer.format);
 }
 
 } // namespace
@@ -54,8 +56,11 @@ bool CCustomGPUDewarperVela::IsThere(bool bEntryPoint, const char* pFunction, co
 EGLImageKHR CCustomGPUDewarperVela::CreateBufferImage(android::GraphicBuffer* pBuffer, const char* pFunction)
 {
     if (!bGLStarted || pBuffer == nullptr || pBuffer->getNativeBuffer() == nullptr ||
-        !SetCurrentRenderingContext(&pRenderingContext) ||
-        !IsThere(sExtensions.eglCreateImageKHR != nullptr, pFunction, "eglCreateImageKHR"))
+        !SetCurrentRenderingContext(&pRenderingContext))
+        return EGL_NO_IMAGE_KHR;
+    // What could not be destroyed is not made.
+    if (!IsThere(sExtensions.eglCreateImageKHR != nullptr, pFunction, "eglCreateImageKHR") ||
+        !IsThere(sExtensions.eglDestroyImageKHR != nullptr, pFunction, "eglDestroyImageKHR"))
         return EGL_NO_IMAGE_KHR;
     return sExtensions.eglCreateImageKHR(mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
                                          static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()),
@@ -129,6 +134,7 @@ void CCustomGPUDewarperVela::SetOutputFormat(int nPixelFormat)
     if (bYUV == bYUVOutput)
         return;
     bYUVOutput = bYUV;
+    pDriverTraits->bYUVOutput = bYUV;
     sMainShader.bForceReload = true;
     for (SShaderProperties* pShader :
          {&sOutputOverlayShader, &sStringCompositeShader, &sTextureToScreenShader})
@@ -248,10 +254,6 @@ int CCustomGPUDewarperVela::HandleStrings(int nWidth, int nHeight)
 
 int CCustomGPUDewarperVela::OSDependentCheckLoadShaders()
 {
-    if (bGLStarted) {
-        DriverTraits();
-        pDriverTraits->bYUVOutput = bYUVOutput;
-    }
     const bool bDrawToTexture = NeedsFrameTexture();
     if (pVCAM != nullptr)
         pVCAM->m_bTopDownTarget = !bDrawToTexture;

@@ -146,13 +146,13 @@ unsigned int CBufferTextures::Prepare(const std::shared_ptr<CBufferContents>& pC
 void CBufferTextures::Remember(void* pImage, const std::shared_ptr<CBufferContents>& pContents)
 {
     const std::lock_guard<std::mutex> oLock(m_oMutex);
-    m_mImages[pImage] = pContents;
+    m_vImages.push_back({pImage, pContents});
 }
 
 void CBufferTextures::Forget(void* pImage)
 {
     const std::lock_guard<std::mutex> oLock(m_oMutex);
-    m_mImages.erase(pImage);
+    std::erase_if(m_vImages, [pImage](const SImage& rImage) { return rImage.pImage == pImage; });
 }
 
 void CBufferTextures::SetTarget(void* pImage)
@@ -161,9 +161,10 @@ void CBufferTextures::SetTarget(void* pImage)
     if (pContext == EGL_NO_CONTEXT)
         return;
     const std::lock_guard<std::mutex> oLock(m_oMutex);
-    const auto pFound = m_mImages.find(pImage);
+    const auto pFound = std::find_if(m_vImages.begin(), m_vImages.end(),
+                                     [pImage](const SImage& rImage) { return rImage.pImage == pImage; });
     m_mContexts[pContext].pTarget =
-        pFound == m_mImages.end() ? std::weak_ptr<CBufferContents>() : pFound->second;
+        pFound == m_vImages.end() ? std::weak_ptr<CBufferContents>() : pFound->pContents;
 }
 
 void CBufferTextures::FetchTarget()

@@ -40,6 +40,11 @@ private:
         unsigned int nTexture = 0;
         unsigned long long nHeld = 0; ///< version of the contents it holds; 0: none
     };
+    struct SImage
+    {
+        void* pImage = nullptr;
+        std::weak_ptr<CBufferContents> pContents;
+    };
     struct SContext
     {
         std::vector<STexture> vTextures;
@@ -53,5 +58,5 @@ private:
 
     std::mutex m_oMutex; ///< of the maps; a context's record belongs to its thread
     std::map<EGLContext, SContext> m_mContexts;
-    std::map<void*, std::weak_ptr<CBufferContents>> m_mImages;
+    std::vector<SImage> m_vImages; ///< a few: those of the frames in flight
 };
