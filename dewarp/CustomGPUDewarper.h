@@ -336,6 +336,7 @@ protected:
     void UploadQPTextures();
 
     // Programs.
+    bool CheckMainProgram();
     void SetFormatSamplers();
     bool CompileShader(unsigned int& nShader, unsigned int nKind, const std::string& strText,
                        const char* pMessage);

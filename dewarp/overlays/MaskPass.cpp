@@ -5,6 +5,7 @@
 #include "dewarp/overlays/GPUObjPolygon.h"
 #include "dewarp/overlays/MaskPolygonFormat.h"
 #include "dewarp/pipeline/LockScope.h"
+#include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/shaders/PassTexts.h"
 
 #include <GLES3/gl31.h>
@@ -32,7 +33,11 @@ void AttachTexture(unsigned int nTexture)
 
 void CCustomGPUDewarper::SetMaskPolygons(unsigned char* pData, int nLength)
 {
-    SetMaskPolygons(ParseMaskPolygons(pData, nLength));
+    // A list that cannot be held leaves the masks there are: they must not fall away.
+    GuardMemory("SetMaskPolygons", false, [&] {
+        SetMaskPolygons(ParseMaskPolygons(pData, nLength));
+        return true;
+    });
 }
 
 void CCustomGPUDewarper::SetMaskPolygons(std::vector<SGPolygon> vPolygons)

@@ -3,6 +3,7 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/pipeline/LockScope.h"
+#include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/pipeline/PlaneUpload.h"
 #include "dewarp/shaders/PassTexts.h"
 #include "dewarp/views/GPUObjFisheye.h"
@@ -115,7 +116,9 @@ int CCustomGPUDewarper::SetInputOverlay(unsigned char* pData, int nWidth, int nH
 {
     CLockScope oScope(*this);
     const bool bHadSize = sInputOverlay.nWidth > 0;
-    const int nResult = SetOverlay(sInputOverlay, pData, nWidth, nHeight, nUnused, GL_TEXTURE5, {});
+    const int nResult = GuardMemory("SetInputOverlay", 0, [&] {
+        return SetOverlay(sInputOverlay, pData, nWidth, nHeight, nUnused, GL_TEXTURE5, {});
+    });
     sMainShader.bInputOverlay = pData != nullptr;
     // A program that was built while the overlay had no size does not look at its unit.
     if (!bHadSize && sInputOverlay.nWidth > 0)
@@ -131,8 +134,9 @@ int CCustomGPUDewarper::SetOutputOverlay(unsigned char* pData, int nWidth, int n
                                          std::vector<SGRect> vRects)
 {
     CLockScope oScope(*this);
-    const int nResult =
-        SetOverlay(sOutputOverlay, pData, nWidth, nHeight, nUnused, GL_TEXTURE7, std::move(vRects));
+    const int nResult = GuardMemory("SetOutputOverlay", 0, [&] {
+        return SetOverlay(sOutputOverlay, pData, nWidth, nHeight, nUnused, GL_TEXTURE7, std::move(vRects));
+    });
     DrawRequired();
     return nResult;
 }

@@ -27,9 +27,10 @@ void SGOverlay::Reset()
 
 bool SGOverlay::Initialize(unsigned char* /*pPixels*/, int nNewWidth, int nNewHeight)
 {
+    delete[] pData;
+    pData = nullptr;
+    pData = new unsigned char[static_cast<std::size_t>(nNewWidth) * static_cast<std::size_t>(nNewHeight) * 4];
     nWidth = nNewWidth;
     nHeight = nNewHeight;
-    delete[] pData;
-    pData = new unsigned char[static_cast<std::size_t>(nNewWidth) * static_cast<std::size_t>(nNewHeight) * 4];
     return true;
 }

@@ -5,6 +5,7 @@
 #include "dewarp/overlays/GPUObjString.h"
 #include "dewarp/overlays/StringFormat.h"
 #include "dewarp/pipeline/LockScope.h"
+#include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/pipeline/PlaneUpload.h"
 #include "dewarp/shaders/PassTexts.h"
 #include "dewarp/tables/GPUFont.h"
@@ -15,16 +16,22 @@
 
 void CCustomGPUDewarper::SetStrings(unsigned char* pData, int nLength)
 {
-    SetStrings(ParseStrings(pData, nLength));
+    GuardMemory("SetStrings", false, [&] {
+        SetStrings(ParseStrings(pData, nLength));
+        return true;
+    });
 }
 
 void CCustomGPUDewarper::SetStrings(std::vector<SGPUString> vNewStrings)
 {
     CLockScope oScope(*this);
     // Element by element: a string that was there keeps the rectangle it was drawn in.
-    vStrings.resize(vNewStrings.size());
-    for (std::size_t i = 0; i < vNewStrings.size(); ++i)
-        vStrings[i] = vNewStrings[i];
+    GuardMemory("SetStrings", false, [&] {
+        vStrings.resize(vNewStrings.size());
+        for (std::size_t i = 0; i < vNewStrings.size(); ++i)
+            vStrings[i] = vNewStrings[i];
+        return true;
+    });
     bStringsChanged = true;
     DrawRequired();
 }

@@ -108,7 +108,7 @@ bool CCustomGPUDewarper::ApplyRequests(int nWidth, int nHeight)
     if (pRequestedViewObject == nullptr && pActiveViewObject == nullptr)
         __assert2("dewarp/CustomGPUDewarper", __LINE__, "virtual bool CCustomGPUDewarper::DrawGLScene(bool)",
                   "0");
-    if (CheckLoadShaders() < 0 || !sMainShader.IsUsable())
+    if (!CheckMainProgram())
         return false;
     if (bResetPTZ)
         ApplyDefaultPTZ();
@@ -277,7 +277,7 @@ bool CCustomGPUDewarper::ApplyMaskRequest(int nWidth, int nHeight)
     if (nResult < 0)
         bMaskPolygonsChanged = true;
     glViewport(0, 0, nWidth, nHeight);
-    return nResult >= 0 && CheckLoadShaders() >= 0 && sMainShader.IsUsable();
+    return nResult >= 0 && CheckMainProgram();
 }
 
 void CCustomGPUDewarper::FinishFrame()

@@ -3,6 +3,7 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/pipeline/LockScope.h"
+#include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/pipeline/PlaneUpload.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/FragmentText.h"
@@ -36,8 +37,11 @@ bool CCustomGPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
     pInputPlanes[1] = pImage->pPlane1;
     pInputPlanes[2] = pImage->pPlane2;
     sMainShader.bGainRequested = bGain;
-    if (pQP != nullptr)
-        *pQPInfo = *pQP;
+    if (pQP != nullptr && !GuardMemory("SetTexture", false, [&] {
+            *pQPInfo = *pQP;
+            return true;
+        }))
+        return false;
     if (pImage->nWidth != pParams->nImageWidth || pImage->nHeight != pParams->nImageHeight ||
         pImage->nFormat != nImageFormat) {
         bTexturesNeedInit = true;

@@ -82,6 +82,15 @@ int CCustomGPUDewarper::CheckLoadShaders()
     return 1;
 }
 
+/// Brings the main program up to date. One that could not be built is asked for again with the next frame.
+bool CCustomGPUDewarper::CheckMainProgram()
+{
+    if (CheckLoadShaders() >= 0 && sMainShader.IsUsable())
+        return true;
+    sMainShader.bForceReload = true;
+    return false;
+}
+
 void CCustomGPUDewarper::FreeProgramAndShaders()
 {
     for (SShaderProperties* pShader :

@@ -41,7 +41,7 @@ bool CCustomGPUDewarper::SetUpProjection(int nWidth, int nHeight)
     if (bNewBands)
         pActiveViewObject->CheckClipPlanes(pParams, pMatrices, &sMainShader);
     ComputeProjection(nWidth, nHeight);
-    if (CheckLoadShaders() < 0 || !sMainShader.IsUsable())
+    if (!CheckMainProgram())
         return false;
     SetIdentityMatrix(pMatrices->fView);
     pVCAM->m_fEyeDistance = fEyeDistance;

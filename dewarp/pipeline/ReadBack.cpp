@@ -3,6 +3,7 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/pipeline/LockScope.h"
+#include "dewarp/pipeline/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
 // clang-format off
@@ -28,7 +29,10 @@ unsigned char* CCustomGPUDewarper::GetImage(int* pSize, int* pWidth, int* pHeigh
         delete[] pReadBack;
         pReadBack = nullptr;
         nReadBackCapacity = 0;
-        pReadBack = new unsigned char[2 * nHalf];
+        pReadBack =
+            GuardMemory<unsigned char*>("GetImage", nullptr, [&] { return new unsigned char[2 * nHalf]; });
+        if (pReadBack == nullptr)
+            return nullptr;
         nReadBackCapacity = 2 * nHalf;
     }
     *pWidth = w;

@@ -17,6 +17,8 @@
 static thread_local int g_nDriverDepth = 0;
 static thread_local bool g_bCounting = false;
 static thread_local int g_nAllocations = 0;
+static thread_local int g_nAllocationsUntilFailure = -1;
+static thread_local bool g_bAllocationFailed = false;
 
 CDriverScope::CDriverScope()
 {
@@ -32,6 +34,17 @@ static void CountAllocation()
 {
     if (g_bCounting && g_nDriverDepth == 0)
         ++g_nAllocations;
+}
+
+void FailAllocation(int nSkip)
+{
+    g_nAllocationsUntilFailure = nSkip;
+    g_bAllocationFailed = false;
+}
+
+bool AllocationHasFailed()
+{
+    return g_bAllocationFailed;
 }
 
 int CHeapCounter::Count() const
@@ -57,6 +70,11 @@ static void OnMalloc(const volatile void* /*pBlock*/, std::size_t /*nSize*/)
 
 static void OnFree(const volatile void* /*pBlock*/) {}
 
+bool CanFailAllocations()
+{
+    return false;
+}
+
 CHeapCounter::CHeapCounter()
 {
     static const int INSTALLED = __sanitizer_install_malloc_and_free_hooks(OnMalloc, OnFree);
@@ -67,6 +85,19 @@ CHeapCounter::CHeapCounter()
 
 #else
 
+bool CanFailAllocations()
+{
+    return true;
+}
+
+static bool MustFail()
+{
+    if (g_nAllocationsUntilFailure < 0 || g_nDriverDepth != 0)
+        return false;
+    g_bAllocationFailed = g_nAllocationsUntilFailure-- == 0;
+    return g_bAllocationFailed;
+}
+
 CHeapCounter::CHeapCounter()
 {
     g_nAllocations = 0;
@@ -76,6 +107,8 @@ CHeapCounter::CHeapCounter()
 void* operator new(std::size_t nSize)
 {
     CountAllocation();
+    if (MustFail())
+        throw std::bad_alloc();
     void* pBlock = std::malloc(nSize == 0 ? 1 : nSize);
     if (pBlock == nullptr)
         throw std::bad_alloc();

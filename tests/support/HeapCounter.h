@@ -24,3 +24,13 @@ public:
     /// Allocations so far.
     int Count() const;
 };
+
+/// True where FailAllocation works: a sanitizer keeps operator new to itself.
+bool CanFailAllocations();
+
+/// Makes one allocation of this thread, counted as CHeapCounter counts, fail with std::bad_alloc: the next
+/// one after nSkip others. Below 0: none.
+void FailAllocation(int nSkip);
+
+/// True when the allocation that was to fail has failed.
+bool AllocationHasFailed();
