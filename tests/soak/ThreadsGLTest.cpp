@@ -7,6 +7,7 @@
 
 TEST(Threads, ControlThreadAndRenderingThreadShareOneDewarper)
 {
+    CGLRecorder::Get().Stop();
     CTestFrame oFrame(AsymmetricPicture(64, 64), IMAGE_FORMAT_NV12);
     CTestDewarper oDewarper(40, 30);
     ASSERT_TRUE(oDewarper.Started());
