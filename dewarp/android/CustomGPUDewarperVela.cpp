@@ -198,6 +198,7 @@ bool CCustomGPUDewarperVela::StopGL()
     // The last frame destroyed it already, which does no harm.
     if (mSync != EGL_NO_SYNC_KHR && sExtensions.eglDestroySyncKHR != nullptr)
         sExtensions.eglDestroySyncKHR(mDisplay, mSync);
+    // From the destructor it is this class's own, as it should be. NOLINTNEXTLINE
     OSDependentFBO(true);
     DestroyBufferImage(mInputImage);
     ReleaseBufferImages(mContext);

@@ -123,7 +123,7 @@ void CBufferTextures::DeleteOrphans(SContext& rContext)
 
 unsigned int CBufferTextures::Prepare(const std::shared_ptr<CBufferContents>& pContents)
 {
-    const EGLContext pContext = eglGetCurrentContext();
+    EGLContext pContext = eglGetCurrentContext();
     if (pContext == EGL_NO_CONTEXT)
         return 0;
     SContext& rContext = Context(pContext);
@@ -157,7 +157,7 @@ void CBufferTextures::Forget(void* pImage)
 
 void CBufferTextures::SetTarget(void* pImage)
 {
-    const EGLContext pContext = eglGetCurrentContext();
+    EGLContext pContext = eglGetCurrentContext();
     if (pContext == EGL_NO_CONTEXT)
         return;
     const std::lock_guard<std::mutex> oLock(m_oMutex);
@@ -169,7 +169,7 @@ void CBufferTextures::SetTarget(void* pImage)
 
 void CBufferTextures::FetchTarget()
 {
-    const EGLContext pContext = eglGetCurrentContext();
+    EGLContext pContext = eglGetCurrentContext();
     if (pContext == EGL_NO_CONTEXT)
         return;
     SContext& rContext = Context(pContext);

@@ -3,6 +3,7 @@
 #include "platform/linux/BufferTextures.h"
 
 #include <atomic>
+#include <bit>
 #include <cstdint>
 
 namespace
@@ -30,8 +31,8 @@ EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay pDisplay, EGLContext pContext, EG
     if (nTexture == 0)
         return EGL_NO_IMAGE_KHR;
     const EGLint aAttributes[] = {EGL_GL_TEXTURE_LEVEL_KHR, 0, EGL_IMAGE_PRESERVED_KHR, EGL_TRUE, EGL_NONE};
-    const EGLImageKHR pImage = pCreateImage.load()(pDisplay, eglGetCurrentContext(), EGL_GL_TEXTURE_2D_KHR,
-                                                   reinterpret_cast<EGLClientBuffer>(nTexture), aAttributes);
+    EGLImageKHR pImage = pCreateImage.load()(pDisplay, eglGetCurrentContext(), EGL_GL_TEXTURE_2D_KHR,
+                                             std::bit_cast<EGLClientBuffer>(nTexture), aAttributes);
     if (pImage != EGL_NO_IMAGE_KHR)
         CBufferTextures::Get().Remember(pImage, pContents);
     return pImage;

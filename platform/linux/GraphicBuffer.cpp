@@ -53,7 +53,7 @@ namespace android
 {
 
 GraphicBuffer::GraphicBuffer(uint32_t nWidth, uint32_t nHeight, PixelFormat nFormat, uint32_t nLayerCount,
-                             uint64_t nUsage, std::string /*strRequestor*/)
+                             uint64_t nUsage, const std::string& /*rRequestor*/)
     : m_pBuffer(std::make_unique<SLinuxBuffer>())
 {
     if (nLayerCount > 1 || !CBufferContents::IsPossible(nWidth, nHeight, nFormat))

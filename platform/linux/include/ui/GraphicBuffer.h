@@ -98,7 +98,7 @@ public:
     };
 
     GraphicBuffer(uint32_t nWidth, uint32_t nHeight, PixelFormat nFormat, uint32_t nLayerCount,
-                  uint64_t nUsage, std::string strRequestor = "<Unknown>");
+                  uint64_t nUsage, const std::string& rRequestor = "<Unknown>");
     ~GraphicBuffer();
     GraphicBuffer(const GraphicBuffer&) = delete;
     GraphicBuffer& operator=(const GraphicBuffer&) = delete;
