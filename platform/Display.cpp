@@ -54,7 +54,7 @@ bool IsUsable(EGLDisplay pDisplay)
     if (pDisplay == EGL_NO_DISPLAY || !InitializeDisplay(pDisplay, &nMajor, &nMinor))
         return false;
     EGLConfig pConfig = nullptr;
-    const EGLContext pContext = CreateOffscreenContext(pDisplay, &pConfig);
+    EGLContext pContext = CreateOffscreenContext(pDisplay, &pConfig);
     if (pContext != EGL_NO_CONTEXT) {
         eglDestroyContext(pDisplay, pContext);
         return true;
@@ -72,7 +72,7 @@ EGLDisplay FirstUsableDevice()
     if (pQueryDevices == nullptr || !pQueryDevices(16, aDevices, &nDevices))
         return EGL_NO_DISPLAY;
     for (EGLint i = 0; i < nDevices; ++i) {
-        const EGLDisplay pDisplay = PlatformDisplay(EGL_PLATFORM_DEVICE_EXT, aDevices[i]);
+        EGLDisplay pDisplay = PlatformDisplay(EGL_PLATFORM_DEVICE_EXT, aDevices[i]);
         if (IsUsable(pDisplay))
             return pDisplay;
     }
@@ -115,12 +115,12 @@ void TerminateDisplay(EGLDisplay pDisplay)
 
 EGLDisplay OpenOffscreenDisplay()
 {
-    const EGLDisplay pDefault = eglGetDisplay(EGL_DEFAULT_DISPLAY);
+    EGLDisplay pDefault = eglGetDisplay(EGL_DEFAULT_DISPLAY);
     if (IsUsable(pDefault))
         return pDefault;
     const char* pExtensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
     if (HasExtension(pExtensions, "EGL_MESA_platform_surfaceless")) {
-        const EGLDisplay pSurfaceless = PlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY);
+        EGLDisplay pSurfaceless = PlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY);
         if (IsUsable(pSurfaceless))
             return pSurfaceless;
     }

@@ -47,8 +47,8 @@ std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP)
         return "stride of " + std::to_string(pImage->nStride) + " bytes does not fit rows of " +
                std::to_string(pImage->nWidth * pFormat->nPixelBytes) + " bytes";
     const unsigned char* const aPlanes[] = {pImage->pPlane0, pImage->pPlane1, pImage->pPlane2};
-    for (int i = 0; i < pFormat->nPlanes; ++i) {
-        if (aPlanes[i] == nullptr)
+    for (int i = 0; i < 3; ++i) {
+        if (i < pFormat->nPlanes && aPlanes[i] == nullptr)
             return "plane " + std::to_string(i) + " is missing";
     }
     if (pQP != nullptr && pQP->pQP != nullptr &&

@@ -72,8 +72,11 @@ void AddDirtyRects(SGOverlay& rOverlay, const std::vector<SGRect>& vRects)
 
 } // namespace
 
+// The list comes by value as it does in the setters.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 int CCustomGPUDewarper::SetOverlay(SGOverlay& sOverlay, unsigned char* pData, int nWidth, int nHeight,
                                    int /*nUnused*/, unsigned int nTextureUnit, std::vector<SGRect> vRects)
+// NOLINTEND(performance-unnecessary-value-param)
 {
     if (pData == nullptr) {
         ParkOverlayTexture(sOverlay);

@@ -106,6 +106,7 @@ __android_log_print(int nPriority, const char* pTag, const char* pFormat, ...)
     va_start(vArguments, pFormat);
     std::va_list vAgain;
     va_copy(vAgain, vArguments);
+    // The analyser does not see that va_start filled it in. NOLINTNEXTLINE
     const int nLength = std::vsnprintf(szText, sizeof szText, pFormat, vArguments);
     va_end(vArguments);
 
