@@ -73,8 +73,8 @@ std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nI
          "only the views fisheye and circular turn");
     Note(sOptions.oEyeDistance && !IsCameraView(sOptions.eView), "--projection",
          "only the views vcam and quad have one");
-    Note(sOptions.eView == VIEW_VCAM_QUAD && sOptions.eMount == MOUNT_WALL, "quad",
-         "on a wall mount this view shows one camera");
+    if (sOptions.eView == VIEW_VCAM_QUAD && sOptions.eMount == MOUNT_WALL)
+        vNotes.push_back("--view quad shows one camera only: the mount is a wall");
     Note(sOptions.oGains && nInputFormat == IMAGE_FORMAT_GRAY8, "--gain", "the input is gray");
     const std::string strNotYUV = "the input is not YUV";
     Note(sOptions.oYUVSpace && !IsYUVFormat(nInputFormat), "--yuv-space", strNotYUV);
