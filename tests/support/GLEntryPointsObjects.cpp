@@ -17,7 +17,8 @@ static void DiedAll(EGLKind eKind, GLsizei nCount, const GLuint* pNames)
         CGLRecorder::Get().Died(eKind, pNames[i]);
 }
 
-/// Recorded with the first name, so that a test can follow it.
+/// Deletions are recorded with their first name, so that a test can follow it.
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are names
 #define GL_NAMES(KIND, GEN, DEL)                                                                             \
     extern "C" void GEN(GLsizei nCount, GLuint* pNames)                                                      \
     {                                                                                                        \
@@ -31,6 +32,8 @@ static void DiedAll(EGLKind eKind, GLsizei nCount, const GLuint* pNames)
         ForwardCall<void>(true, CallOf(#DEL, nCount, nCount > 0 ? pNames[0] : 0u), fReal, nCount, pNames);   \
         DiedAll(KIND, nCount, pNames);                                                                       \
     }
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 GL_NAMES(GL_KIND_TEXTURE, glGenTextures, glDeleteTextures)
 GL_NAMES(GL_KIND_BUFFER, glGenBuffers, glDeleteBuffers)

@@ -18,6 +18,7 @@ void CheckGLErrorAfter(const char* pName);
 template <typename F>
 F RealFunction(const char* pName)
 {
+    CDriverScope oScope;
     return reinterpret_cast<F>(dlsym(RTLD_NEXT, pName));
 }
 
@@ -38,7 +39,7 @@ R ResultOf(double fValue)
     if constexpr (std::is_void_v<R>)
         return;
     else if constexpr (std::is_pointer_v<R>)
-        return reinterpret_cast<R>(static_cast<std::uintptr_t>(fValue));
+        return reinterpret_cast<R>(static_cast<std::uintptr_t>(fValue)); // NOLINT(performance-no-int-to-ptr)
     else
         return static_cast<R>(fValue);
 }

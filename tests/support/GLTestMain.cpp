@@ -12,7 +12,9 @@
 #include <link.h>
 
 /// What the driver keeps for itself until the program ends is not ours to judge.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is the leak checker's
 extern "C" const char* __lsan_default_suppressions();
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:libLLVM\nleak:swrast_dri\nleak:libgallium\nleak:libEGL_mesa\nleak:libGLdispatch\n"

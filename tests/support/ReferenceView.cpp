@@ -204,7 +204,7 @@ SReferencePixel CReferenceView::Camera(double fEyeX, double fEyeY, double fExtra
     const double fShare = std::min(1.0, std::abs(y) / m_fRadius);
     const double fStretch = 0.75 + 0.5 * std::sqrt(2.25 - 2.0 * fShare);
     const double fCell = fStretch * std::min(0.5 * nWidth, m_fRadius) / 30.0;
-    const double fNearer = (nWidth / 2 + 1.0 - 0.5 * nWidth) * std::min(1.0, std::abs(x) / fCell);
+    const double fNearer = (nWidth % 2 == 0 ? 1.0 : 0.5) * std::min(1.0, std::abs(x) / fCell);
     sPixel.fU = 0.5 + (x < 0.0 ? x + fNearer : x - fNearer) / nWidth;
     const double fOddRow = nHeight % 2 == 0 ? 0.0 : 0.5;
     sPixel.fV = 0.5 - (y > 0.0 ? y + fOddRow : y - fOddRow) / nHeight;

@@ -151,7 +151,7 @@ std::string WritePicture(const std::string& strName, const STestImage& sImage)
 
     const std::filesystem::path oFolder = PICTURES_DIR;
     std::filesystem::create_directories(oFolder);
-    const std::string strPath = (oFolder / (strName + ".png")).string();
+    std::string strPath = (oFolder / (strName + ".png")).string();
     if (std::FILE* pFile = std::fopen(strPath.c_str(), "wb")) {
         std::fwrite(vFile.data(), 1, vFile.size(), pFile);
         std::fclose(pFile);

@@ -1,0 +1,1 @@
+// Owner of the precompiled header of the tests.
