@@ -1,6 +1,9 @@
 #include "bench/BareQuad.h"
 
 #include <GLES3/gl31.h>
+// clang-format off
+#include <GLES2/gl2ext.h>
+// clang-format on
 
 #include <cstdio>
 #include <cstdlib>
@@ -58,22 +61,31 @@ void CBareQuad::ListPlanes(const SImageProperties& rImage)
 {
     const int w = rImage.nWidth;
     const int h = rImage.nHeight;
-    const SPlane sLuma{0, GL_LUMINANCE, w, h, rImage.nStride, rImage.pPlane0, "samplerY"};
+    const int nStride = rImage.nStride;
+    const auto Plane = [](unsigned int nFormat, int nWidth, int nHeight, int nRowLength,
+                          const unsigned char* pPixels, const char* pSampler) {
+        return SPlane{0, nFormat, nFormat, nWidth, nHeight, nRowLength, pPixels, pSampler};
+    };
+    m_nPlanes = 1;
     switch (rImage.nFormat) {
     case IMAGE_FORMAT_NV12:
-        m_aPlanes[0] = sLuma;
-        m_aPlanes[1] = {0, GL_LUMINANCE_ALPHA, w / 2, h / 2, rImage.nStride / 2, rImage.pPlane1, "samplerUV"};
+        m_aPlanes[0] = Plane(GL_LUMINANCE, w, h, nStride, rImage.pPlane0, "samplerY");
+        m_aPlanes[1] = Plane(GL_LUMINANCE_ALPHA, w / 2, h / 2, nStride / 2, rImage.pPlane1, "samplerUV");
         m_nPlanes = 2;
         break;
     case IMAGE_FORMAT_YUV420P:
-        m_aPlanes[0] = sLuma;
-        m_aPlanes[1] = {0, GL_LUMINANCE, w / 2, h / 2, rImage.nStride / 2, rImage.pPlane1, "samplerU"};
-        m_aPlanes[2] = {0, GL_LUMINANCE, w / 2, h / 2, rImage.nStride / 2, rImage.pPlane2, "samplerV"};
+        m_aPlanes[0] = Plane(GL_LUMINANCE, w, h, nStride, rImage.pPlane0, "samplerY");
+        m_aPlanes[1] = Plane(GL_LUMINANCE, w / 2, h / 2, nStride / 2, rImage.pPlane1, "samplerU");
+        m_aPlanes[2] = Plane(GL_LUMINANCE, w / 2, h / 2, nStride / 2, rImage.pPlane2, "samplerV");
         m_nPlanes = 3;
         break;
+    case IMAGE_FORMAT_RGB24:
+        m_aPlanes[0] = Plane(GL_RGB, w, h, nStride / 3, rImage.pPlane0, "samplerRGB");
+        break;
     default:
-        m_aPlanes[0] = {0, GL_RGBA, w, h, rImage.nStride / 4, rImage.pPlane0, "samplerRGB"};
-        m_nPlanes = 1;
+        m_aPlanes[0] = Plane(GL_RGBA, w, h, nStride / 4, rImage.pPlane0, "samplerRGB");
+        if (rImage.nFormat == IMAGE_FORMAT_BGRA32)
+            m_aPlanes[0].nUpload = GL_BGRA_EXT;
         break;
     }
 }
@@ -136,7 +148,7 @@ void CBareQuad::Upload()
         glActiveTexture(GL_TEXTURE0 + static_cast<unsigned int>(i));
         glBindTexture(GL_TEXTURE_2D, rPlane.nTexture);
         glPixelStorei(GL_UNPACK_ROW_LENGTH, rPlane.nRowLength);
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, rPlane.nWidth, rPlane.nHeight, rPlane.nFormat,
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, rPlane.nWidth, rPlane.nHeight, rPlane.nUpload,
                         GL_UNSIGNED_BYTE, rPlane.pPixels);
     }
 }

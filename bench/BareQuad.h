@@ -23,7 +23,8 @@ private:
     struct SPlane
     {
         unsigned int nTexture = 0;
-        unsigned int nFormat = 0;
+        unsigned int nFormat = 0; ///< of the texture
+        unsigned int nUpload = 0; ///< of the pixels
         int nWidth = 0;
         int nHeight = 0;
         int nRowLength = 0;

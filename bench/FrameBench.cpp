@@ -43,6 +43,9 @@ struct SFormat
 const SFormat FORMATS[] = {
     {"nv12", IMAGE_FORMAT_NV12}, {"yuv420p", IMAGE_FORMAT_YUV420P}, {"rgba", IMAGE_FORMAT_RGBA32}};
 
+// Layouts that some drivers convert; the quad uploads them as they are.
+const SFormat CONVERTED_FORMATS[] = {{"rgb24", IMAGE_FORMAT_RGB24}, {"bgra", IMAGE_FORMAT_BGRA32}};
+
 struct SSize
 {
     const char* pName;
@@ -88,8 +91,8 @@ void FrameBesideQuad(benchmark::State& rState, const SView& rView, const SFormat
     CBareQuad oQuad(*oScene.oFrame.Image(),
                     PreferredShaderText(oScene.oDewarper.sMainShader.strFragmentShader, QueryDriverTraits()),
                     rSize.nWidth, rSize.nHeight);
-    std::vector<double> vFrame;
-    std::vector<double> vQuad;
+    SBenchTimes sFrame;
+    SBenchTimes sQuad;
     std::vector<double> vUpload;
     std::vector<double> vReadBack;
     float fPan = 90.0f;
@@ -100,11 +103,11 @@ void FrameBesideQuad(benchmark::State& rState, const SView& rView, const SFormat
         // The quad changed bindings: the view binds its own again.
         oScene.oDewarper.pBoundViewObject = nullptr;
         glFinish();
-        vFrame.push_back(MillisecondsOf([&] {
+        sFrame.Add([&] {
             oScene.Frame();
             glFinish();
-        }));
-        rState.SetIterationTime(vFrame.back() / 1000.0);
+        });
+        rState.SetIterationTime(sFrame.vWall.back() / 1000.0);
         vReadBack.push_back(MillisecondsOf([&] {
             int nSize = 0;
             int nWidth = 0;
@@ -116,20 +119,21 @@ void FrameBesideQuad(benchmark::State& rState, const SView& rView, const SFormat
             oQuad.Upload();
             glFinish();
         }));
-        vQuad.push_back(MillisecondsOf([&] {
+        sQuad.Add([&] {
             oQuad.Upload();
             oQuad.Draw();
             glFinish();
-        }));
+        });
     }
-    const double fFrame = Median(vFrame);
+    const double fFrame = Median(sFrame.vWall);
     const double fUpload = Median(vUpload);
     rState.counters["frame_ms"] = fFrame;
     rState.counters["upload_ms"] = fUpload;
     rState.counters["draw_ms"] = fFrame - fUpload;
     rState.counters["readback_ms"] = Median(vReadBack);
-    rState.counters["quad_ms"] = Median(vQuad);
-    rState.counters["ratio"] = fFrame / Median(vQuad);
+    rState.counters["quad_ms"] = Median(sQuad.vWall);
+    rState.counters["ratio"] = fFrame / Median(sQuad.vWall);
+    rState.counters["cpu_ratio"] = Median(sFrame.vProcessor) / Median(sQuad.vProcessor);
 }
 
 void Register(const SView& rView, const SFormat& rFormat, const SSize& rSize, bool bMoving)
@@ -158,6 +162,8 @@ int main(int nArguments, char** ppArguments)
         Register(VIEWS[0], rFormat, SIZES[2], false);
         Register(VIEWS[0], rFormat, SIZES[1], true);
     }
+    for (const SFormat& rFormat : CONVERTED_FORMATS)
+        Register(VIEWS[0], rFormat, SIZES[1], false);
     benchmark::Initialize(&nArguments, ppArguments);
     if (benchmark::ReportUnrecognizedArguments(nArguments, ppArguments))
         return 2;

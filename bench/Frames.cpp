@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <ctime>
 
 CBenchFrame::CBenchFrame(int nFormat, int nWidth, int nHeight)
 {
@@ -43,4 +44,11 @@ double Median(std::vector<double> vTimes)
     const auto pMiddle = vTimes.begin() + static_cast<std::ptrdiff_t>(vTimes.size() / 2);
     std::nth_element(vTimes.begin(), pMiddle, vTimes.end());
     return *pMiddle;
+}
+
+double ProcessorMilliseconds()
+{
+    timespec sTime{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &sTime);
+    return static_cast<double>(sTime.tv_sec) * 1e3 + static_cast<double>(sTime.tv_nsec) * 1e-6;
 }

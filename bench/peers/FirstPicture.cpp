@@ -54,7 +54,7 @@ void ComparePrograms(const std::string& strProgram, int nRounds)
         for (const char* pContender : CONTENDERS)
             mTimes[pContender].push_back(FirstPictureOf(strProgram, pContender));
     }
-    std::printf("\nFirst view of a process, %s\n", "1920x1920 NV12/yuv420p to 1920x1080");
+    std::printf("\n1920x1920 NV12/yuv420p to 1920x1080, first view of a process\n");
     for (const char* pContender : CONTENDERS)
         std::printf("  %-22s %9.1f ms %12.3f\n", pContender, Median(mTimes[pContender]),
                     MedianRatio(mTimes["lumor"], mTimes[pContender]));
