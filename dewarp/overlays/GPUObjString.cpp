@@ -226,23 +226,28 @@ void CCGPUObjString::Erase(const std::vector<std::size_t>& vChanged, const SShad
 
 void CCGPUObjString::RecomputeOverlapGroups()
 {
-    for (SGPUString& rString : m_vStrings)
+    // Strings that cover nothing overlap nothing: however many there are, they take no time.
+    std::vector<SGPUString*> vVisible;
+    for (SGPUString& rString : m_vStrings) {
         rString.nOverlapGroup = 0;
+        if (rString.nDrawnW > 0 && rString.nDrawnH > 0)
+            vVisible.push_back(&rString);
+    }
     int nGroups = 0;
-    for (std::size_t i = 0; i < m_vStrings.size(); ++i) {
-        for (std::size_t j = i + 1; j < m_vStrings.size(); ++j) {
-            if (!DrawnRect(m_vStrings[i]).Intersect(DrawnRect(m_vStrings[j])))
+    for (std::size_t i = 0; i < vVisible.size(); ++i) {
+        for (std::size_t j = i + 1; j < vVisible.size(); ++j) {
+            if (!DrawnRect(*vVisible[i]).Intersect(DrawnRect(*vVisible[j])))
                 continue;
-            int& rFirst = m_vStrings[i].nOverlapGroup;
-            int& rSecond = m_vStrings[j].nOverlapGroup;
+            int& rFirst = vVisible[i]->nOverlapGroup;
+            int& rSecond = vVisible[j]->nOverlapGroup;
             if (rFirst == 0)
                 rFirst = rSecond != 0 ? rSecond : ++nGroups;
             if (rSecond != 0 && rSecond != rFirst) {
                 // Two groups meet: they become one.
                 const int nOld = rSecond;
-                for (SGPUString& rString : m_vStrings) {
-                    if (rString.nOverlapGroup == nOld)
-                        rString.nOverlapGroup = rFirst;
+                for (SGPUString* pString : vVisible) {
+                    if (pString->nOverlapGroup == nOld)
+                        pString->nOverlapGroup = rFirst;
                 }
             }
             rSecond = rFirst;
