@@ -209,3 +209,23 @@ TEST(Blending, TheOutputOverlayLiesOverTheText)
     Blend(sWanted, sOverlay);
     EXPECT_LE(CompareImages(oView.Draw(), sWanted).nMax, 1);
 }
+
+TEST(Blending, TheFilterChangesNothingWherePixelsLieOnTexels)
+{
+    const STestImage sFrame = AsymmetricPicture(150, 90);
+    const TStrings vStrings = {Text("Wq", 9, 2, 64, 0xFFC040D0), Text("5:07", 70, 55, 32, 0x80FFFFFF)};
+    const TPolygons vMasks = {{{{20, 10}, {90, 30}, {40, 80}}, 0x20E0A0FF}};
+    for (const bool bOutput : {false, true}) {
+        STestImage aPictures[2];
+        for (const bool bLinear : {false, true}) {
+            SFlatView oView(sFrame);
+            oView.oDewarper.SetInterpolationType(bLinear ? INTERPOLATION_LINEAR : INTERPOLATION_NEAREST);
+            oView.oDewarper.SetMaskPolygons(vMasks);
+            oView.oDewarper.SetStrings(vStrings);
+            if (bOutput)
+                SetOutput(oView.oDewarper, PatternPicture(150, 90, 120));
+            aPictures[bLinear] = oView.Draw();
+        }
+        EXPECT_LE(CompareImages(aPictures[0], aPictures[1]).nMax, 1);
+    }
+}

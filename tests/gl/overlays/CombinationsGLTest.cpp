@@ -202,7 +202,12 @@ TEST(QuadView, LeavesTheSameRowAndColumnFreeInEveryCombination)
         oDewarper.SetStrings((i & 1) != 0 ? TStrings{Text(" ", 10, 10, 16)} : TStrings());
         if ((i & 2) != 0)
             SetOutput(oDewarper, PlainPicture(81, 61, 0));
+        CGLRecorder::Get().Start();
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+        const SGLCall sViewport = CGLRecorder::Get().Named("glViewport").back();
+        EXPECT_EQ((std::vector<int>{sViewport.Int(0), sViewport.Int(1), sViewport.Int(2), sViewport.Int(3)}),
+                  (std::vector<int>{0, 0, 81, 61}))
+            << "what a frame leaves behind";
         const STestImage sPicture = oDewarper.Picture();
         for (int x = 0; x < 81; ++x)
             ASSERT_EQ(sPicture.At(x, 0)[0], 0) << i << ": the top row, column " << x;
@@ -211,5 +216,39 @@ TEST(QuadView, LeavesTheSameRowAndColumnFreeInEveryCombination)
         for (const int y : {1, 30, 31, 60})
             for (const int x : {0, 39, 40, 79})
                 ASSERT_EQ(sPicture.At(x, y)[0], 0xC0) << i << ": " << x << ", " << y;
+    }
+}
+
+TEST(TurnedViews, TurnsAndFlipsMoveInputAndMasksButNeitherTextNorOutputOverlay)
+{
+    const STestImage sFrame = AsymmetricPicture(FRAME, FRAME);
+    STestImage sMasked = sFrame;
+    FillRect(sMasked, {14, 20, 34, 26}, MASK_COLOR);
+    CTestFrame oFrame(sFrame, IMAGE_FORMAT_RGB24);
+    CTestFrame oMasked(sMasked, IMAGE_FORMAT_RGB24);
+    STestImage sOutput = PlainPicture(FRAME, FRAME, 0);
+    FillRect(sOutput, {0, 0, FRAME, 3}, 0xFF00FF90);
+    const TStrings vStrings = {Text("L", 12, 5, 64, 0xFFFFFFFF)};
+    CTestDewarper oDewarper(FRAME, FRAME);
+    CTestDewarper oPlain(FRAME, FRAME);
+    oDewarper.SetMaskPolygons({{{{14, 20}, {48, 20}, {48, 46}, {14, 46}}, MASK_COLOR}});
+    for (int i = 0; i < 64; ++i) {
+        SCOPED_TRACE(i);
+        for (CTestDewarper* pEach : {&oDewarper, &oPlain}) {
+            pEach->SetViewType(VIEW_FISHEYE);
+            pEach->SetRotation(i % 4 * 90);
+            pEach->SetFlip((i & 4) != 0, (i & 8) != 0);
+        }
+        ASSERT_TRUE(oPlain.DrawFrame(oMasked));
+        STestImage sWanted = oPlain.Picture();
+        oDewarper.SetStrings((i & 16) != 0 ? vStrings : TStrings());
+        if ((i & 16) != 0)
+            DrawText(sWanted, vStrings);
+        if ((i & 32) != 0) {
+            SetOutput(oDewarper, sOutput);
+            Blend(sWanted, sOutput);
+        }
+        ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+        ASSERT_LE(CompareImages(oDewarper.Picture(), sWanted).nMax, 1);
     }
 }

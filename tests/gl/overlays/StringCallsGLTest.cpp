@@ -299,3 +299,14 @@ TEST_F(StringCalls, AHundredThousandHiddenCharactersAreNoWork)
     Draw(vStrings);
     EXPECT_LE(Written().size(), 16u * 5u);
 }
+
+TEST_F(StringCalls, AHundredThousandHiddenStringsAreNoWorkEither)
+{
+    TStrings vStrings(100000, Text("x", 0, HEIGHT, 64));
+    vStrings[5] = Text("A", -10, 0, 64); // an empty rectangle at 0, 0 would lie inside
+    Draw(vStrings);
+    vStrings[5].strText = "B";
+    Draw(vStrings);
+    EXPECT_EQ(Written(), (std::vector<SGlyphDraw>{{570, -10, 0, 38, 64}, {34 * 6, -10, 0, 38, 64}}));
+    EXPECT_EQ(oDewarper.vStrings[5].nOverlapGroup, 0);
+}
