@@ -8,32 +8,32 @@
 namespace
 {
 
-const std::size_t GROUP = 4; ///< pixels that fill whole words on both sides
+// Two pixels a lane; a register of any 64-bit processor.
+using VLanes = std::uint64_t __attribute__((vector_size(16)));
 
-std::uint32_t LoadWord(const unsigned char* pBytes)
+const std::size_t GROUP = 4;  ///< pixels at a time
+const std::size_t REACH = 14; ///< bytes that a group reads, two of them the next pixel's
+
+std::uint64_t LoadLane(const unsigned char* pBytes)
 {
-    std::uint32_t nWord = 0;
-    std::memcpy(&nWord, pBytes, sizeof nWord);
-    return nWord;
+    std::uint64_t nLane = 0;
+    std::memcpy(&nLane, pBytes, sizeof nLane);
+    return nLane;
 }
 
-/// Four pixels: three words become four. The shifts hold where a word's first byte is its lowest.
+/// The shifts hold where a lane's first byte is its lowest.
 void WidenGroup(const unsigned char* pFrom, unsigned char* pTo)
 {
-    const std::uint32_t nOpaque = 0xFF000000u;
-    const std::uint32_t a = LoadWord(pFrom);
-    const std::uint32_t b = LoadWord(pFrom + 4);
-    const std::uint32_t c = LoadWord(pFrom + 8);
-    const std::uint32_t anWide[GROUP] = {a | nOpaque, a >> 24 | b << 8 | nOpaque, b >> 16 | c << 16 | nOpaque,
-                                         c >> 8 | nOpaque};
-    std::memcpy(pTo, anWide, sizeof anWide);
+    const VLanes vPairs = {LoadLane(pFrom), LoadLane(pFrom + 6)};
+    const VLanes vWide = (vPairs & 0xFFFFFFu) | ((vPairs & 0xFFFFFF000000u) << 8) | 0xFF000000FF000000u;
+    std::memcpy(pTo, &vWide, sizeof vWide);
 }
 
 void WidenRow(const unsigned char* pFrom, std::size_t nPixels, unsigned char* pTo)
 {
     std::size_t i = 0;
     if constexpr (std::endian::native == std::endian::little) {
-        for (; i + GROUP <= nPixels; i += GROUP)
+        for (; 3 * i + REACH <= 3 * nPixels; i += GROUP)
             WidenGroup(pFrom + 3 * i, pTo + 4 * i);
     }
     for (; i < nPixels; ++i) {
