@@ -7,6 +7,9 @@ BUILD_PACKAGES="g++ cmake ninja-build pkg-config libegl-dev libgles-dev libegl1 
 # To test them as well.
 TEST_PACKAGES="$BUILD_PACKAGES git clang-format-14 clang-tidy-14 libgtest-dev libgmock-dev libbenchmark-dev"
 
+# To build for arm64 and to run that.
+ARM64_PACKAGES="g++-aarch64-linux-gnu qemu-user"
+
 # install_missing PACKAGE...: installs what is not there; says nothing when everything is.
 install_missing() {
     local sMissing="" sPackage
