@@ -36,8 +36,19 @@ picture wall-vcam 320x180 --mount wall --view vcam --zoom 140 $sWall
 for sProjection in rectilinear 0.5 stereographic; do
     picture eye-$sProjection 320x180 --view vcam --pan 70 --tilt 50 --zoom 150 --projection $sProjection $sCeiling
 done
+
+# Overlays: a grid over the fisheye picture, a bar and a cross over the result.
+overlay() {
+    ffmpeg -loglevel error -y -f lavfi -i "color=s=$2,format=rgba,geq=$3" -frames:v 1 "$sWork/$1"
+}
+overlay grid.png 960x960 \
+    "r=255:g=225:b=0:a='180*gt(lt(mod(X\,96)\,4)+lt(mod(Y\,96)\,4)\,0)'"
+overlay cross.png 640x360 "r='255*gt(Y\,44)':g='255*gt(Y\,44)':b='255*gt(Y\,44)':a='150*lt(Y\,44)
+    +230*gt(lt(abs(X-320)\,1.5)*lt(abs(Y-180)\,40)+lt(abs(Y-180)\,1.5)*lt(abs(X-320)\,40)\,0)'"
+picture input-overlay 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 --input-overlay "$sWork/grid.png" $sCeiling
+picture output-overlay 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 --output-overlay "$sWork/cross.png" $sCeiling
 picture mask 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 \
-    --mask "250,500 480,420 560,560 330,650 #808080FF" $sCeiling
+    --mask "790,150 1010,140 1000,400 740,390 #606060FF" $sCeiling
 picture text 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 --text "Terrace  2026-11-21 09:41:07" \
     --text-at 16,16 --text-height 32 $sCeiling
 
