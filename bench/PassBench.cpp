@@ -39,12 +39,14 @@ std::vector<SGPolygon> Masks(int nShift)
     for (int i = 0; i < 8; ++i) {
         SGPolygon sMask;
         sMask.nColor = 0x404040FF;
+        const int nColumn = i % 4;
+        const int nRow = i / 4;
         for (int k = 0; k < 12; ++k) {
             const double fAngle = 6.283185 * k / 12;
             const double fRadius = k % 2 == 0 ? 150.0 : 90.0;
             sMask.vPoints.push_back(
-                {static_cast<int>(400 + i % 4 * 300 + fRadius * std::cos(fAngle)) + nShift,
-                 static_cast<int>(500 + i / 4 * 600 + fRadius * std::sin(fAngle))});
+                {static_cast<int>(400 + nColumn * 300 + fRadius * std::cos(fAngle)) + nShift,
+                 static_cast<int>(500 + nRow * 600 + fRadius * std::sin(fAngle))});
         }
         vMasks.push_back(sMask);
     }
