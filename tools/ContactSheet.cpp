@@ -80,9 +80,10 @@ void DrawSheet(const std::vector<STile>& vTiles, const std::string& strOutput)
     }
 
     const CLogCollector oLog(false);
-    CDewarpSession oSession(sOptions, oLog, {sSheet.nWidth, sSheet.nHeight});
-    oSession.DrawFirst(sSheet, sOverlays);
-    const std::vector<unsigned char> vBytes = EncodePicture(oSession.ReadBack(), GetOutputKind(strOutput));
+    const std::unique_ptr<CDewarpSession> pSession =
+        StartSession(sOptions, oLog, {sSheet.nWidth, sSheet.nHeight});
+    pSession->DrawFirst(sSheet, sOverlays);
+    const std::vector<unsigned char> vBytes = EncodePicture(pSession->ReadBack(), GetOutputKind(strOutput));
     WriteFile(strOutput, vBytes.data(), vBytes.size());
 }
 

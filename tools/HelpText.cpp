@@ -71,6 +71,11 @@ of OUTPUT)
                         or right; top (default), middle or bottom
   --strings-file FILE   texts in the library's byte form
 
+The way of a camera's frame
+  --buffers             draws from graphic buffer to graphic buffer, NV12 in and
+                        out, as the library does on Android. The picture stays
+                        YUV; --interpolation, --flip and --gain have no effect
+
 Reports
   --stats               milliseconds spent in each stage; one more frame is drawn to
                         tell the cost of a frame from that of the first

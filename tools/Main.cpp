@@ -14,6 +14,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <memory>
 
 namespace
 {
@@ -64,7 +65,9 @@ void Dewarp(const SToolOptions& sOptions)
     PrintNotes(ListIgnoredOptions(sOptions, sFrame.nFormat));
     PrintNotes(ListUndrawableTexts(sOverlays.vTexts));
 
-    CDewarpSession oSession(sOptions, oLog, {sFrame.nWidth, sFrame.nHeight});
+    const std::unique_ptr<CDewarpSession> pSession =
+        StartSession(sOptions, oLog, {sFrame.nWidth, sFrame.nHeight});
+    CDewarpSession& oSession = *pSession;
     oStats.EndStage("set up: context");
     oSession.DrawFirst(sFrame, sOverlays);
     SPicture sPicture = oSession.ReadBack();

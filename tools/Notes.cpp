@@ -77,8 +77,14 @@ std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nI
         vNotes.push_back("--view quad shows one camera only: the mount is a wall");
     Note(sOptions.oGains && nInputFormat == IMAGE_FORMAT_GRAY8, "--gain", "the input is gray");
     const std::string strNotYUV = "the input is not YUV";
-    Note(sOptions.oYUVSpace && !IsYUVFormat(nInputFormat), "--yuv-space", strNotYUV);
-    Note(sOptions.oYUVRange && !IsYUVFormat(nInputFormat), "--yuv-range", strNotYUV);
+    const bool bYUV = IsYUVFormat(nInputFormat) || sOptions.bBuffers;
+    Note(sOptions.oYUVSpace && !bYUV, "--yuv-space", strNotYUV);
+    Note(sOptions.oYUVRange && !bYUV, "--yuv-range", strNotYUV);
+    const std::string strBuffers = "graphic buffers pass as they are";
+    Note(sOptions.bBuffers && sOptions.eInterpolation == INTERPOLATION_NEAREST, "--interpolation nearest",
+         "graphic buffers are always filtered");
+    Note(sOptions.bBuffers && (sOptions.bFlipHorizontal || sOptions.bFlipVertical), "--flip", strBuffers);
+    Note(sOptions.bBuffers && sOptions.oGains, "--gain", strBuffers);
     const bool bMasks = !sOptions.vMasks.empty() || !sOptions.strMaskFile.empty();
     Note(bMasks && !sOptions.strInputOverlay.empty(), "--input-overlay", "masks take its place");
     return vNotes;

@@ -22,6 +22,7 @@ struct SOptionTexts
     TText oInputOverlay, oOutputOverlay, oMaskFile, oStringsFile;
     TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns;
     bool bNoStrictTilt = false;
+    bool bBuffers = false;
     bool bStats = false;
     bool bVerbose = false;
     bool bHelp = false;
@@ -33,6 +34,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
     oApp.set_help_flag();
     oApp.add_flag("-h,--help", sTexts.bHelp);
     oApp.add_flag("--version", sTexts.bVersion);
+    oApp.add_flag("--buffers", sTexts.bBuffers);
     oApp.add_flag("--stats", sTexts.bStats);
     oApp.add_flag("--verbose", sTexts.bVerbose);
     oApp.add_flag("--no-strict-tilt", sTexts.bNoStrictTilt);
@@ -207,6 +209,7 @@ SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
     ReadViewOptions(sTexts, sLine.sOptions);
     ReadPictureOptions(sTexts, sLine.sOptions);
     ReadOverlayOptions(sTexts, sLine.sOptions);
+    sLine.sOptions.bBuffers = sTexts.bBuffers;
     sLine.sOptions.bStats = sTexts.bStats;
     sLine.sOptions.bVerbose = sTexts.bVerbose;
     return sLine;

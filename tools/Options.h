@@ -63,6 +63,7 @@ struct SToolOptions
     std::vector<SGPolygon> vMasks;
     std::vector<SGPUString> vTexts;
 
+    bool bBuffers = false; ///< through graphic buffers
     bool bStats = false;
     bool bVerbose = false;
 };

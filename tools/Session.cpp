@@ -1,7 +1,10 @@
 #include "Session.h"
 
+#include "BufferSession.h"
 #include "Notes.h"
 #include "ToolError.h"
+
+#include "dewarp/offscreen/CustomGPUDewarperOffscreen.h"
 
 #include <cstddef>
 
@@ -27,56 +30,56 @@ SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput)
     }
 }
 
-CDewarpSession::CDewarpSession(const SToolOptions& sOptions, const CLogCollector& oLog, SSize sInput)
-    : m_sOptions(sOptions), m_oLog(oLog)
+void CDewarpSession::ThrowUnstarted() const
 {
-    const SSize sSize = sOptions.oSize.value_or(GetDefaultSize(sOptions.eView, sOptions.eMount, sInput));
-    if (!m_oDewarper.InitGL(sSize.nWidth, sSize.nHeight) || !m_oDewarper.StartGL())
-        ThrowFailure("OpenGL ES 3.1 cannot be started" + m_oLog.GetReason() +
-                     "; install a driver (on Debian: libegl1 and libgl1-mesa-dri) or try a smaller --size");
+    ThrowFailure("OpenGL ES 3.1 cannot be started" + m_oLog.GetReason() +
+                 "; install a driver (on Debian: libegl1 and libgl1-mesa-dri) or try a smaller --size");
 }
 
-CDewarpSession::~CDewarpSession()
+void CDewarpSession::ThrowUndrawn() const
 {
-    m_oDewarper.StopGL();
+    ThrowFailure("the frame could not be drawn" + m_oLog.GetReason() + "; --verbose shows the whole log");
 }
 
 void CDewarpSession::ApplyView()
 {
-    m_oDewarper.SetLogGLErrors(m_sOptions.bVerbose);
-    m_oDewarper.SetLogShaderCode(m_sOptions.bVerbose);
-    m_oDewarper.SetViewType(m_sOptions.eView);
-    m_oDewarper.SetMountType(m_sOptions.eMount);
-    m_oDewarper.SetLensType(m_sOptions.eLens);
-    m_oDewarper.SetInterpolationType(m_sOptions.eInterpolation);
-    m_oDewarper.SetYUVparams(m_sOptions.oYUVSpace.value_or(YUV_SPACE_AUTO),
-                             m_sOptions.oYUVRange.value_or(YUV_RANGE_AUTO));
-    m_oDewarper.SetFlip(m_sOptions.bFlipHorizontal, m_sOptions.bFlipVertical);
-    m_oDewarper.SetStrictTiltLimits(m_sOptions.bStrictTilt);
-    m_oDewarper.SetMountTilt(m_sOptions.oMountTilt.value_or(0.0f));
+    CCustomGPUDewarper& rDewarper = GetDewarper();
+    rDewarper.SetLogGLErrors(m_sOptions.bVerbose);
+    rDewarper.SetLogShaderCode(m_sOptions.bVerbose);
+    rDewarper.SetViewType(m_sOptions.eView);
+    rDewarper.SetMountType(m_sOptions.eMount);
+    rDewarper.SetLensType(m_sOptions.eLens);
+    rDewarper.SetInterpolationType(m_sOptions.eInterpolation);
+    rDewarper.SetYUVparams(m_sOptions.oYUVSpace.value_or(YUV_SPACE_AUTO),
+                           m_sOptions.oYUVRange.value_or(YUV_RANGE_AUTO));
+    rDewarper.SetFlip(m_sOptions.bFlipHorizontal, m_sOptions.bFlipVertical);
+    rDewarper.SetStrictTiltLimits(m_sOptions.bStrictTilt);
+    rDewarper.SetMountTilt(m_sOptions.oMountTilt.value_or(0.0f));
     if (m_sOptions.oRotation && IsFlatView(m_sOptions.eView))
-        m_oDewarper.SetRotation(*m_sOptions.oRotation);
+        rDewarper.SetRotation(*m_sOptions.oRotation);
     if (m_sOptions.oGains)
-        m_oDewarper.SetGains(m_sOptions.oGains->fLuma, m_sOptions.oGains->fChroma);
+        rDewarper.SetGains(m_sOptions.oGains->fLuma, m_sOptions.oGains->fChroma);
     if (m_sOptions.oEyeDistance)
-        m_oDewarper.SetEyeDistance(*m_sOptions.oEyeDistance);
+        rDewarper.SetEyeDistance(*m_sOptions.oEyeDistance);
 }
 
 void CDewarpSession::ApplyPTZ()
 {
+    CCustomGPUDewarper& rDewarper = GetDewarper();
     // The frame drawn before put the view's own defaults in force; they stay where nothing was asked for.
     float fPan = 0.0f;
     float fTilt = 0.0f;
     float fZoom = 0.0f;
-    m_oDewarper.GetPTZ(fPan, fTilt, fZoom);
-    m_oDewarper.AbsolutePTZ(m_sOptions.oPan.value_or(fPan), m_sOptions.oTilt.value_or(fTilt),
-                            m_sOptions.oZoom.value_or(fZoom));
+    rDewarper.GetPTZ(fPan, fTilt, fZoom);
+    rDewarper.AbsolutePTZ(m_sOptions.oPan.value_or(fPan), m_sOptions.oTilt.value_or(fTilt),
+                          m_sOptions.oZoom.value_or(fZoom));
 }
 
 void CDewarpSession::DrawFirst(SFrame& sFrame, SOverlays& sOverlays)
 {
     ApplyView();
-    ApplyOverlays(m_oDewarper, sOverlays);
+    PrepareOverlays(sFrame, sOverlays);
+    ApplyOverlays(GetDewarper(), sOverlays);
     Draw(sFrame);
     if (m_sOptions.oPan || m_sOptions.oTilt || m_sOptions.oZoom) {
         ApplyPTZ();
@@ -84,16 +87,43 @@ void CDewarpSession::DrawFirst(SFrame& sFrame, SOverlays& sOverlays)
     }
 }
 
-void CDewarpSession::Draw(SFrame& sFrame)
+namespace
+{
+
+/// CPU planes in, pixels out.
+class CPlaneSession : public CDewarpSession
+{
+public:
+    CPlaneSession(const SToolOptions& sOptions, const CLogCollector& oLog, SSize sSize)
+        : CDewarpSession(sOptions, oLog)
+    {
+        if (!m_oDewarper.InitGL(sSize.nWidth, sSize.nHeight) || !m_oDewarper.StartGL())
+            ThrowUnstarted();
+    }
+    ~CPlaneSession() override { m_oDewarper.StopGL(); }
+    CPlaneSession(const CPlaneSession&) = delete;
+    CPlaneSession& operator=(const CPlaneSession&) = delete;
+
+    void Draw(SFrame& sFrame) override;
+    SPicture ReadBack() override;
+
+protected:
+    CCustomGPUDewarper& GetDewarper() override { return m_oDewarper; }
+
+private:
+    CCustomGPUDewarperOffscreen m_oDewarper;
+};
+
+void CPlaneSession::Draw(SFrame& sFrame)
 {
     SImageProperties sImage = sFrame.Describe();
     if (!m_oDewarper.SetTexture(&sImage, m_sOptions.oGains.has_value(), nullptr, 0))
         ThrowFailure("the frame was refused" + m_oLog.GetReason() + "; check --raw or try another picture");
     if (!m_oDewarper.DrawGLScene(true))
-        ThrowFailure("the frame could not be drawn" + m_oLog.GetReason() + "; --verbose shows the whole log");
+        ThrowUndrawn();
 }
 
-SPicture CDewarpSession::ReadBack()
+SPicture CPlaneSession::ReadBack()
 {
     int nSize = 0;
     SPicture sPicture;
@@ -109,11 +139,22 @@ SPicture CDewarpSession::ReadBack()
     return sPicture;
 }
 
+} // namespace
+
 std::vector<std::string> CDewarpSession::GetNotes()
 {
     float fPan = 0.0f;
     float fTilt = 0.0f;
     float fZoom = 0.0f;
-    m_oDewarper.GetPTZ(fPan, fTilt, fZoom);
+    GetDewarper().GetPTZ(fPan, fTilt, fZoom);
     return ListLimitedPTZ(m_sOptions, fPan, fTilt, fZoom);
+}
+
+std::unique_ptr<CDewarpSession> StartSession(const SToolOptions& sOptions, const CLogCollector& oLog,
+                                             SSize sInput)
+{
+    const SSize sSize = sOptions.oSize.value_or(GetDefaultSize(sOptions.eView, sOptions.eMount, sInput));
+    if (sOptions.bBuffers)
+        return std::make_unique<CBufferSession>(sOptions, oLog, sSize);
+    return std::make_unique<CPlaneSession>(sOptions, oLog, sSize);
 }

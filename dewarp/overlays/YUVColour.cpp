@@ -47,6 +47,24 @@ unsigned int Byte(float fValue)
 
 } // namespace
 
+unsigned int ConvertYUVToColour(unsigned int nYUVA, EYUVSpace eSpace, EYUVRange eRange)
+{
+    const SMatrix& rMatrix = MatrixOf(eSpace);
+    float y = Channel(nYUVA, 24);
+    float u = Channel(nYUVA, 16) - 0.5f;
+    float v = Channel(nYUVA, 8) - 0.5f;
+    if (eRange == YUV_RANGE_LIMITED) {
+        y = std::clamp((y * 255.0f - 16.0f) / 219.0f, 0.0f, 1.0f);
+        u = std::clamp(u * 255.0f / 223.0f, -0.5f, 0.5f);
+        v = std::clamp(v * 255.0f / 223.0f, -0.5f, 0.5f);
+    }
+    const float fRed = y + rMatrix.fRedV * v;
+    const float fGreen = y - rMatrix.fGreenU * u - rMatrix.fGreenV * v;
+    const float fBlue = y + rMatrix.fBlueU * u;
+    return Byte(255.0f * fRed) << 24 | Byte(255.0f * fGreen) << 16 | Byte(255.0f * fBlue) << 8 |
+           (nYUVA & 255);
+}
+
 unsigned int ConvertColourToYUV(unsigned int nRGBA, EYUVSpace eSpace, EYUVRange eRange)
 {
     const SMatrix& rMatrix = MatrixOf(eSpace);

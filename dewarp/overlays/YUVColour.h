@@ -10,3 +10,7 @@
 /// and chroma 16..239. Automatic space and range count as BT.601 and full.
 /// Thread: any. Fails: never; unknown values count as automatic.
 unsigned int ConvertColourToYUV(unsigned int nRGBA, EYUVSpace eSpace, EYUVRange eRange);
+
+/// The way back, as a view would show it: 0xYYUUVVAA to 0xRRGGBBAA. What YUV has beyond the colours is
+/// limited. Thread: any. Fails: never.
+unsigned int ConvertYUVToColour(unsigned int nYUVA, EYUVSpace eSpace, EYUVRange eRange);

@@ -62,6 +62,7 @@ const std::pair<const char*, const char*> OPTIONS[] = {
     {"--text-height", "20"},
     {"--text-color", "#FF0000"},
     {"--text-align", "center"},
+    {"--buffers", nullptr},
     {"--stats", nullptr},
     {"--verbose", nullptr},
 };
@@ -104,7 +105,7 @@ TEST(Options, EveryOptionIsTakenAndExplained)
     EXPECT_EQ(sOptions.strStringsFile, "s");
     EXPECT_EQ(sOptions.vMasks.size(), 1u);
     EXPECT_EQ(sOptions.vTexts.size(), 1u);
-    EXPECT_TRUE(sOptions.bStats && sOptions.bVerbose);
+    EXPECT_TRUE(sOptions.bBuffers && sOptions.bStats && sOptions.bVerbose);
 }
 
 TEST(Options, HelpNamesNoOptionThatIsNotTaken)

@@ -44,6 +44,25 @@ TEST(YUVColour, GreysHaveChromaInTheMiddle)
     }
 }
 
+TEST(YUVColour, TheWayBackIsTheViewsOwn)
+{
+    for (const EYUVSpace eSpace : SPACES)
+        for (const EYUVRange eRange : {YUV_RANGE_FULL, YUV_RANGE_LIMITED})
+            for (unsigned int i = 0; i < 6 * 6 * 6; ++i) {
+                const unsigned int y = i % 6 * 51;
+                const unsigned int u = i / 6 % 6 * 51;
+                const unsigned int v = i / 36 * 51;
+                const unsigned int nColour =
+                    ConvertYUVToColour(y << 24 | u << 16 | v << 8 | 9, eSpace, eRange);
+                const FColour aExpected =
+                    ColourOfYUV({static_cast<int>(y), static_cast<int>(u), static_cast<int>(v)}, eSpace,
+                                eRange == YUV_RANGE_LIMITED);
+                for (unsigned int k = 0; k < 3; ++k)
+                    EXPECT_NEAR(nColour >> (24 - 8 * k) & 255, aExpected[k] * 255.0, 0.51) << y << u << v;
+                EXPECT_EQ(nColour & 255, 9u);
+            }
+}
+
 TEST(YUVColour, UnknownSpacesAndRangesAreBT601AndFull)
 {
     const unsigned int nRed = 0xFF0000FF;

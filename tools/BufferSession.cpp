@@ -1,0 +1,113 @@
+#include "BufferSession.h"
+
+#include "BufferFrames.h"
+#include "Notes.h"
+#include "ToolError.h"
+
+#include "dewarp/overlays/YUVColour.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+using android::GraphicBuffer;
+
+const uint64_t USAGE = GraphicBuffer::USAGE_SW_READ_OFTEN | GraphicBuffer::USAGE_SW_WRITE_OFTEN;
+
+bool IsSet(const char* pName)
+{
+    return std::getenv(pName) != nullptr;
+}
+
+/// The default display is asked for; without a window system Mesa has one by name only.
+void ChooseDisplay()
+{
+    if (!IsSet("EGL_PLATFORM") && !IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY"))
+        setenv("EGL_PLATFORM", "surfaceless", 0);
+}
+
+void ConvertPixels(std::optional<SFrame>& oImage, EYUVSpace eSpace, EYUVRange eRange)
+{
+    if (!oImage)
+        return;
+    std::vector<unsigned char>& rBytes = oImage->avPlanes[0];
+    for (std::size_t i = 0; i + 3 < rBytes.size(); i += 4) {
+        const unsigned int nColour = static_cast<unsigned int>(rBytes[i]) << 24 |
+                                     static_cast<unsigned int>(rBytes[i + 1]) << 16 |
+                                     static_cast<unsigned int>(rBytes[i + 2]) << 8;
+        const unsigned int nYUV = ConvertColourToYUV(nColour, eSpace, eRange);
+        for (std::size_t k = 0; k < 3; k++)
+            rBytes[i + k] = static_cast<unsigned char>(nYUV >> (24 - 8 * k));
+    }
+}
+
+} // namespace
+
+CBufferSession::CBufferSession(const SToolOptions& sOptions, const CLogCollector& oLog, SSize sSize)
+    : CDewarpSession(sOptions, oLog),
+      m_oOutput(static_cast<uint32_t>(sSize.nWidth), static_cast<uint32_t>(sSize.nHeight),
+                HAL_PIXEL_FORMAT_YCBCR_420_888, 1, USAGE, "lumor-dewarp")
+{
+    ChooseDisplay();
+    m_oDewarper.InitGL(sSize.nWidth, sSize.nHeight);
+    if (m_oOutput.initCheck() != 0 || !m_oDewarper.StartGL())
+        ThrowUnstarted();
+    ApplyDefaultPTZ();
+}
+
+CBufferSession::~CBufferSession()
+{
+    m_oDewarper.StopGL();
+}
+
+/// This class starts at rest, not where the views do.
+void CBufferSession::ApplyDefaultPTZ()
+{
+    if (!IsCameraView(m_sOptions.eView))
+        return;
+    const float fTilt = m_sOptions.eMount == MOUNT_WALL    ? 90.0f
+                        : m_sOptions.eMount == MOUNT_FLOOR ? 180.0f
+                                                           : 0.0f;
+    m_oDewarper.AbsolutePTZ(90.0f, fTilt, 180.0f);
+}
+
+void CBufferSession::PrepareOverlays(const SFrame& sFrame, SOverlays& sOverlays)
+{
+    // What was asked for, what the frame says, and what the library takes otherwise.
+    m_eSpace = m_sOptions.oYUVSpace.value_or(YUV_SPACE_AUTO);
+    m_eRange = m_sOptions.oYUVRange.value_or(YUV_RANGE_AUTO);
+    if (m_eSpace == YUV_SPACE_AUTO && sFrame.GetPlaneCount() > 1)
+        m_eSpace = sFrame.eYUVSpace;
+    if (m_eRange == YUV_RANGE_AUTO && sFrame.GetPlaneCount() > 1)
+        m_eRange = sFrame.eYUVRange;
+    ConvertPixels(sOverlays.oInput, m_eSpace, m_eRange);
+    ConvertPixels(sOverlays.oOutput, m_eSpace, m_eRange);
+    for (SGPolygon& rMask : sOverlays.vMasks)
+        rMask.nColor = ConvertColourToYUV(rMask.nColor, m_eSpace, m_eRange);
+    for (SGPUString& rText : sOverlays.vTexts)
+        rText.nColor = ConvertColourToYUV(rText.nColor, m_eSpace, m_eRange);
+}
+
+void CBufferSession::Draw(SFrame& sFrame)
+{
+    if (m_pInput == nullptr)
+        m_pInput = std::make_unique<GraphicBuffer>(static_cast<uint32_t>(sFrame.nWidth),
+                                                   static_cast<uint32_t>(sFrame.nHeight),
+                                                   HAL_PIXEL_FORMAT_YCBCR_420_888, 1, USAGE, "lumor-dewarp");
+    FillBuffer(*m_pInput, sFrame, m_eSpace, m_eRange);
+    if (!m_oDewarper.CreateImageF(m_pInput.get(), &m_oOutput) || !m_oDewarper.DrawGLScene(true))
+        ThrowUndrawn();
+    m_oDewarper.DestroyImage();
+}
+
+SPicture CBufferSession::ReadBack()
+{
+    m_vPixels = ReadBuffer(m_oOutput, m_eSpace, m_eRange);
+    SPicture sPicture;
+    sPicture.pPixels = m_vPixels.data();
+    sPicture.nWidth = static_cast<int>(m_oOutput.getWidth());
+    sPicture.nHeight = static_cast<int>(m_oOutput.getHeight());
+    sPicture.nStride = sPicture.nWidth * 4;
+    return sPicture;
+}
