@@ -1,5 +1,5 @@
 // Frame times of this library and of what people use for the same task, on the same frames in memory:
-//     lumor-bench-peers [--rounds N] [--only TEXT] [--json FILE]
+//     lumor-bench-peers [--rounds N] [--patience SECONDS] [--only TEXT] [--json FILE]
 // bench/peers/run.sh installs what is needed, builds and runs it.
 
 #include "bench/peers/FirstPicture.h"
@@ -107,6 +107,8 @@ int Run(int nArguments, char** ppArguments)
     CLI::App oApp(
         "Frame times of this library beside FFmpeg's v360, OpenCV's remap and GStreamer's GL fisheye.");
     oApp.add_option("--rounds", sPlan.nRounds, "rounds that count (7)")->check(CLI::Range(1, 1000));
+    oApp.add_option("--patience", sPlan.fPatience,
+                    "seconds to go on while others disturb every round (60); then the quietest rounds count");
     oApp.add_option("--only", strOnly, "run what has this text in its title, such as 'first view'");
     oApp.add_option("--json", strJSON, "write all figures to this file");
     oApp.add_option("--first-picture-of", strFirstPicture)->group("");
@@ -114,7 +116,6 @@ int Run(int nArguments, char** ppArguments)
     if (!strFirstPicture.empty())
         return PrintFirstPicture(strFirstPicture) ? 0 : 2;
 
-    sPlan.nTries = 4 * sPlan.nRounds;
     std::vector<SPeerReport> vReports;
     for (const SPeerCase& rCase : ListCases()) {
         if (CaseTitle(rCase).find(strOnly) != std::string::npos)

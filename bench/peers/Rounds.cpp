@@ -54,9 +54,15 @@ SRoundsResult RunRounds(const std::vector<CPeer*>& vPeers, bool bMoving, const S
     const std::vector<int> vSizes = BlockSizes(vPeers, bMoving, rPlan.fBlock);
     std::vector<SRound> vRounds;
     int nQuiet = 0;
-    while (nQuiet < rPlan.nRounds && static_cast<int>(vRounds.size()) < rPlan.nTries) {
-        vRounds.push_back(RunRound(vPeers, vSizes, bMoving, vRounds.size()));
-        nQuiet += vRounds.back().fOthers <= rPlan.fDisturbed ? 1 : 0;
+    double fLost = 0.0;
+    while (nQuiet < rPlan.nRounds &&
+           (static_cast<int>(vRounds.size()) < rPlan.nRounds || fLost < rPlan.fPatience * 1000.0)) {
+        fLost +=
+            MillisecondsOf([&] { vRounds.push_back(RunRound(vPeers, vSizes, bMoving, vRounds.size())); });
+        if (vRounds.back().fOthers <= rPlan.fDisturbed) {
+            ++nQuiet;
+            fLost = 0.0;
+        }
     }
     std::stable_sort(vRounds.begin(), vRounds.end(),
                      [](const SRound& rA, const SRound& rB) { return rA.fOthers < rB.fOthers; });

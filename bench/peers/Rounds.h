@@ -22,7 +22,7 @@ struct SRoundsResult
 struct SRoundsPlan
 {
     int nRounds = 7;
-    int nTries = 28;          ///< rounds at most; then the quietest count
+    double fPatience = 60.0;  ///< seconds for disturbed rounds; then the quietest count
     double fDisturbed = 0.04; ///< share of the machine from which a round counts as disturbed
     double fBlock = 60.0;     ///< milliseconds that a contender works at a time, at least one frame
 };

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs FFmpeg's, OpenCV's and GStreamer's packages where they are missing (as root), builds the comparison
-# and runs it: bench/peers/run.sh [--rounds N] [--only TEXT] [--json FILE]
+# and runs it: bench/peers/run.sh [--rounds N] [--patience SECONDS] [--only TEXT] [--json FILE]
 set -eu
 sHere=$PWD
 cd "$(dirname "$0")/../.."
