@@ -191,9 +191,13 @@ bool CCustomGPUDewarperVela::StopGL()
         return true;
     }
     const SCurrentContext sBefore = GetCurrentContext();
-    // Names die under their own context; when it cannot be had on this thread, they die with it.
-    if (!MakeOwnContextCurrent())
-        eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    // Names die under their own context; when it is lost, or cannot be had on this thread, they die with it.
+    if (!MakeOwnContextCurrent()) {
+        ForgetGLNames();
+        nInputTexture = 0;
+        nRenderbuffer = 0;
+        nFramebuffer = 0;
+    }
     ReinitializeOpenGLObjects();
     // The last frame destroyed it already, which does no harm.
     if (mSync != EGL_NO_SYNC_KHR && sExtensions.eglDestroySyncKHR != nullptr)
@@ -248,7 +252,8 @@ bool CCustomGPUDewarperVela::SetCurrentRenderingContext(void** /*ppContext*/)
     // The context stays current on the thread that started it, unless somebody else drew there meanwhile.
     if (!bGLStarted || MakeOwnContextCurrent())
         return true;
-    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: the context is current on another thread",
+    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG,
+                        "%s: the context cannot be made current: it is lost, or current on another thread",
                         "SetCurrentRenderingContext");
     return false;
 }

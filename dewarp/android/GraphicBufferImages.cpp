@@ -2,6 +2,7 @@
 
 #include "dewarp/android/CustomGPUDewarperVela.h"
 
+#include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/pipeline/PlaneUpload.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/YUVTargetText.h"
@@ -62,9 +63,11 @@ EGLImageKHR CCustomGPUDewarperVela::CreateBufferImage(android::GraphicBuffer* pB
     if (!IsThere(sExtensions.eglCreateImageKHR != nullptr, pFunction, "eglCreateImageKHR") ||
         !IsThere(sExtensions.eglDestroyImageKHR != nullptr, pFunction, "eglDestroyImageKHR"))
         return EGL_NO_IMAGE_KHR;
-    return sExtensions.eglCreateImageKHR(mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
-                                         static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()),
-                                         IMAGE_ATTRIBUTES);
+    return GuardMemory(pFunction, EGL_NO_IMAGE_KHR, [&] {
+        return sExtensions.eglCreateImageKHR(mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
+                                             static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()),
+                                             IMAGE_ATTRIBUTES);
+    });
 }
 
 void CCustomGPUDewarperVela::DestroyBufferImage(EGLImageKHR& rImage)
@@ -76,6 +79,7 @@ void CCustomGPUDewarperVela::DestroyBufferImage(EGLImageKHR& rImage)
 
 bool CCustomGPUDewarperVela::CreateImage(android::GraphicBuffer* pInput)
 {
+    // One of a frame that was never let go of.
     DestroyBufferImage(mInputImage);
     if (pInput != nullptr && pInput->getNativeBuffer() != nullptr)
         LogNativeBuffer(*pInput->getNativeBuffer());

@@ -32,8 +32,12 @@ bool CBufferContents::IsPossible(uint32_t nWidth, uint32_t nHeight, int nFormat)
 CBufferContents::CBufferContents(int nWidth, int nHeight, int nFormat)
     : m_nWidth(nWidth), m_nHeight(nHeight), m_nStride(AlignedStride(nWidth)), m_nFormat(nFormat)
 {
-    m_vPlanes.resize(IsYUV() ? LumaSize() + Rows((nHeight + 1) / 2, m_nStride)
-                             : Rows(nHeight, m_nStride * 4));
+    if (IsYUV()) {
+        m_vPlanes.resize(LumaSize() + Rows((nHeight + 1) / 2, m_nStride));
+        m_vTexels.resize(Rows(nHeight, nWidth * 4));
+    } else {
+        m_vPlanes.resize(Rows(nHeight, m_nStride * 4));
+    }
 }
 
 std::size_t CBufferContents::LumaSize() const
@@ -82,8 +86,6 @@ void CBufferContents::Upload(unsigned long long& nHeld)
 void CBufferContents::ReadBack(unsigned long long& nHeld)
 {
     const std::lock_guard<std::mutex> oLock(m_oMutex);
-    if (IsYUV())
-        m_vTexels.resize(Rows(m_nHeight, m_nWidth * 4));
     glPixelStorei(GL_PACK_ALIGNMENT, 4);
     glPixelStorei(GL_PACK_ROW_LENGTH, TexelStride());
     glReadPixels(0, 0, m_nWidth, m_nHeight, GL_RGBA, GL_UNSIGNED_BYTE, Texels());
@@ -98,7 +100,6 @@ unsigned char* CBufferContents::Texels()
 
 void CBufferContents::Expand()
 {
-    m_vTexels.resize(Rows(m_nHeight, m_nWidth * 4));
     for (int y = 0; y < m_nHeight; ++y)
         ExpandRow(m_vPlanes.data() + Rows(y, m_nStride), Chroma() + Rows(y / 2, m_nStride),
                   m_nFormat == HAL_PIXEL_FORMAT_YCRCB_420_SP, m_nWidth,

@@ -11,7 +11,7 @@
 
 /// Units: pixels, bytes. Owns: planes and texels.
 /// Thread: any; a mutex keeps the CPU's side and the GL thread's apart.
-/// Fails: never, once made.
+/// Fails: never, once made; all memory is taken then.
 class CBufferContents
 {
 public:
@@ -69,6 +69,7 @@ struct SLinuxBuffer
     ANativeWindowBuffer sNative = {};
     native_handle_t sHandle = {};
     std::shared_ptr<CBufferContents> pContents; ///< null: the buffer could not be made
+    status_t nStatus = 0;
 };
 
 } // namespace android

@@ -3,11 +3,13 @@
 #include "platform/linux/BufferContents.h"
 
 #include <atomic>
+#include <new>
 
 namespace
 {
 
 const android::status_t BUFFER_OK = 0;
+const android::status_t BUFFER_NO_MEMORY = -12;
 const android::status_t BUFFER_BAD_VALUE = -22;
 const android::status_t BUFFER_INVALID_OPERATION = -38;
 
@@ -56,18 +58,24 @@ GraphicBuffer::GraphicBuffer(uint32_t nWidth, uint32_t nHeight, PixelFormat nFor
                              uint64_t nUsage, const std::string& /*rRequestor*/)
     : m_pBuffer(std::make_unique<SLinuxBuffer>())
 {
+    m_pBuffer->nStatus = BUFFER_BAD_VALUE;
     if (nLayerCount > 1 || !CBufferContents::IsPossible(nWidth, nHeight, nFormat))
         return;
-    m_pBuffer->pContents =
-        std::make_shared<CBufferContents>(static_cast<int>(nWidth), static_cast<int>(nHeight), nFormat);
-    FillNative(*m_pBuffer, nUsage);
+    try {
+        m_pBuffer->pContents =
+            std::make_shared<CBufferContents>(static_cast<int>(nWidth), static_cast<int>(nHeight), nFormat);
+        FillNative(*m_pBuffer, nUsage);
+        m_pBuffer->nStatus = BUFFER_OK;
+    } catch (const std::bad_alloc&) {
+        m_pBuffer->nStatus = BUFFER_NO_MEMORY;
+    }
 }
 
 GraphicBuffer::~GraphicBuffer() = default;
 
 status_t GraphicBuffer::initCheck() const
 {
-    return m_pBuffer->pContents ? BUFFER_OK : BUFFER_BAD_VALUE;
+    return m_pBuffer->nStatus;
 }
 
 uint32_t GraphicBuffer::getWidth() const

@@ -211,8 +211,39 @@ TEST(VelaContexts, TheContextIsNotTakenFromAnotherThread)
     std::thread oThread([&] { bDrawn = oDewarper.DrawGLScene(true); });
     oThread.join();
     EXPECT_FALSE(bDrawn);
-    EXPECT_TRUE(oLog.Contains("SetCurrentRenderingContext: the context is current on another thread"));
+    EXPECT_TRUE(oLog.Contains("SetCurrentRenderingContext: the context cannot be made current"));
     EXPECT_TRUE(oDewarper.DrawGLScene(true));
+}
+
+TEST(VelaContexts, StoppingOnAnotherThreadTouchesNoForeignNames)
+{
+    CTestFrame oFrame(AsymmetricPicture(32, 32), IMAGE_FORMAT_NV12);
+    CTestBuffer oInput(32, 32);
+    CTestBuffer oOutput(16, 16);
+    oInput.Fill(oFrame);
+    const int nContexts = CGLRecorder::Get().Living(EGL_KIND_CONTEXT);
+    CTestVela oStopped(16, 16);
+    ASSERT_TRUE(oStopped.DrawFrame(oInput, oOutput));
+    std::thread oThread([&] {
+        // The context cannot be had here: its names die with it, those of the one that is current here do
+        // not.
+        CTestVela oOther(16, 16);
+        CTestBuffer oOtherOutput(16, 16);
+        ASSERT_TRUE(oOther.DrawFrame(oInput, oOtherOutput));
+        CGLRecorder::Get().Start();
+        EXPECT_TRUE(oStopped.StopGL());
+        EXPECT_EQ(CGLRecorder::Get().CountPrefix("glDelete"), 0) << CGLRecorder::Get().Dump();
+        EXPECT_EQ(eglGetCurrentContext(), oOther.mContext);
+        ASSERT_TRUE(oOther.DrawFrame(oInput, oOtherOutput));
+        EXPECT_EQ(oOtherOutput.Texels().vPixels, oOutput.Texels().vPixels);
+    });
+    oThread.join();
+    eglReleaseThread();
+    EXPECT_EQ(CGLRecorder::Get().Living(EGL_KIND_CONTEXT), nContexts);
+    EXPECT_EQ(CGLRecorder::Get().LivingGLNames(), 0);
+    // It starts again where its thread may have it.
+    ASSERT_TRUE(oStopped.StartGL());
+    EXPECT_TRUE(oStopped.DrawFrame(oInput, oOutput));
 }
 
 TEST(VelaContexts, StartAndStopTwoHundredTimesLeaveNothing)
