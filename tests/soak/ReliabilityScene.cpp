@@ -82,7 +82,8 @@ void RandomSetting(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
         oDewarper.SetStrictTiltLimits(oRandom() % 2 == 0);
         break;
     case 7:
-        oDewarper.SetRotation(AnyInt(oRandom, 0, 4) * 90);
+        oDewarper.SetRotation(oRandom() % 8 == 0 ? AnyInt(oRandom, -400, 400)
+                                                 : static_cast<int>(oRandom() % 5) * 90);
         break;
     case 8:
         oDewarper.SetFlip(oRandom() % 2 == 0, oRandom() % 2 == 0);
