@@ -1,5 +1,5 @@
 /// \file
-/// What a graphic buffer holds: planes for the CPU, texels for the driver.
+/// What a graphic buffer holds.
 #pragma once
 
 #include <ui/GraphicBuffer.h>
@@ -9,7 +9,8 @@
 #include <mutex>
 #include <vector>
 
-/// Units: pixels, bytes. Owns: planes and texels.
+/// The planes are what the CPU sees. The driver sees texels, (Y, U, V, 255) for YUV: they are made on the
+/// way, a few rows at a time, so that they stay in the processor's cache. Units: pixels, bytes. Owns: planes.
 /// Thread: any; a mutex keeps the CPU's side and the GL thread's apart.
 /// Fails: never, once made; all memory is taken then.
 class CBufferContents
@@ -25,9 +26,9 @@ public:
     int Format() const { return m_nFormat; }
     bool IsYUV() const { return m_nFormat != HAL_PIXEL_FORMAT_RGBA_8888; }
 
-    /// Brings the planes up to date and hands them out; null while they are handed out already.
+    /// Hands out the planes; null while they are handed out already.
     unsigned char* Lock(bool bWrite);
-    /// Brings the texels up to date after a lock for writing. False without a lock.
+    /// After a lock for writing the contents count as new. False without a lock.
     bool Unlock();
     /// Interleaved chroma within the planes.
     unsigned char* Chroma() { return m_vPlanes.data() + LumaSize(); }
@@ -41,11 +42,11 @@ public:
 
 private:
     std::size_t LumaSize() const;
-    void Expand();
-    void Pack();
-    /// Rows of texels as GL takes them, and the pixels from row to row.
-    unsigned char* Texels();
-    int TexelStride() const { return IsYUV() ? m_nWidth : m_nStride; }
+    unsigned char* LumaRow(int y);
+    unsigned char* ChromaRow(int y);
+    unsigned char* StripRow(int y);
+    void UploadStrip(int nFirstRow, int nRows);
+    void ReadStrip(int nFirstRow, int nRows);
 
     const int m_nWidth;
     const int m_nHeight;
@@ -53,10 +54,9 @@ private:
     const int m_nFormat;
     std::mutex m_oMutex;
     std::vector<unsigned char> m_vPlanes;
-    std::vector<unsigned char> m_vTexels; ///< (Y, U, V, 255); empty for buffers of plain colours
+    std::vector<unsigned char> m_vStrip; ///< rows of texels on their way
     bool m_bLocked = false;
     bool m_bLockedForWriting = false;
-    bool m_bPlanesStale = false;       ///< the texels are newer
     unsigned long long m_nVersion = 0; ///< of the contents; 0: nothing was put in yet
 };
 
