@@ -4,7 +4,6 @@
 
 #include <cstring>
 #include <map>
-#include <mutex>
 
 namespace
 {
@@ -17,7 +16,7 @@ struct SDisplayUse
 
 struct SRegistry
 {
-    std::mutex oMutex;
+    std::recursive_mutex oMutex;
     std::map<EGLDisplay, SDisplayUse> mUses;
 };
 
@@ -81,10 +80,15 @@ EGLDisplay FirstUsableDevice()
 
 } // namespace
 
+std::unique_lock<std::recursive_mutex> LockDisplays()
+{
+    return std::unique_lock<std::recursive_mutex>(Registry().oMutex);
+}
+
 bool InitializeDisplay(EGLDisplay pDisplay, EGLint* pMajor, EGLint* pMinor)
 {
     SRegistry& rRegistry = Registry();
-    const std::lock_guard<std::mutex> oLock(rRegistry.oMutex);
+    const std::lock_guard<std::recursive_mutex> oLock(rRegistry.oMutex);
     const auto pFound = rRegistry.mUses.find(pDisplay);
     bool bForeign = false;
     if (pFound == rRegistry.mUses.end()) {
@@ -101,13 +105,18 @@ bool InitializeDisplay(EGLDisplay pDisplay, EGLint* pMajor, EGLint* pMinor)
     return true;
 }
 
-void TerminateDisplay(EGLDisplay pDisplay)
+void TerminateDisplay(EGLDisplay pDisplay, bool bReleaseThread)
 {
     SRegistry& rRegistry = Registry();
-    const std::lock_guard<std::mutex> oLock(rRegistry.oMutex);
+    const std::lock_guard<std::recursive_mutex> oLock(rRegistry.oMutex);
     const auto pFound = rRegistry.mUses.find(pDisplay);
-    if (pFound == rRegistry.mUses.end() || --pFound->second.nUsers > 0)
+    if (pFound == rRegistry.mUses.end())
         return;
+    if (--pFound->second.nUsers > 0) {
+        if (bReleaseThread)
+            eglReleaseThread();
+        return;
+    }
     if (!pFound->second.bForeign)
         eglTerminate(pDisplay);
     rRegistry.mUses.erase(pFound);

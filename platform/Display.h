@@ -4,6 +4,8 @@
 
 #include <EGL/egl.h>
 
+#include <mutex>
+
 /// Initialises a display for one more user. Displays are shared by all dewarpers of the process, and some
 /// drivers do not count how often they were initialised: the count is kept here. A display that the host
 /// itself initialised before is never terminated. Thread: any. Fails: false when the driver cannot initialise
@@ -11,7 +13,13 @@
 bool InitializeDisplay(EGLDisplay pDisplay, EGLint* pMajor, EGLint* pMinor);
 
 /// Ends one use of a display; the last one terminates it.
-void TerminateDisplay(EGLDisplay pDisplay);
+/// \param bReleaseThread a destroyed context is still current on this thread: while the display has other
+/// users it is let go here, for one of them may be about to terminate the display.
+void TerminateDisplay(EGLDisplay pDisplay, bool bReleaseThread = false);
+
+/// Held while a context is started or stopped: some drivers do not stand a display being terminated on one
+/// thread while another one sets up on it. Nests on one thread.
+std::unique_lock<std::recursive_mutex> LockDisplays();
 
 /// An initialised display that needs no window system: the default one, else Mesa's surfaceless platform,
 /// else the first EGL device. EGL_NO_DISPLAY when none works. End with TerminateDisplay.

@@ -84,6 +84,7 @@ bool CCustomGPUDewarperVela::InitGL(int nWidth, int nHeight)
 
 bool CCustomGPUDewarperVela::StartGL()
 {
+    const auto oDisplays = LockDisplays();
     if (bGLStarted)
         StopGL();
     ReleaseFailedStart();
@@ -185,6 +186,7 @@ bool CCustomGPUDewarperVela::MakeUsableContextCurrent()
 
 bool CCustomGPUDewarperVela::StopGL()
 {
+    const auto oDisplays = LockDisplays();
     __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Stop OpenGLES", "StopGL");
     if (!bGLStarted) {
         ReinitializeOpenGLObjects();
@@ -218,6 +220,7 @@ bool CCustomGPUDewarperVela::StopGL()
 /// A start that failed leaves behind what it had made.
 void CCustomGPUDewarperVela::ReleaseFailedStart()
 {
+    const auto oDisplays = LockDisplays();
     if (mContext != EGL_NO_CONTEXT && eglGetCurrentContext() == mContext)
         eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     ReleaseEGL();
@@ -227,11 +230,12 @@ void CCustomGPUDewarperVela::ReleaseEGL()
 {
     if (mDisplay == EGL_NO_DISPLAY)
         return;
+    const bool bStillCurrent = mContext != EGL_NO_CONTEXT && eglGetCurrentContext() == mContext;
     if (mContext != EGL_NO_CONTEXT)
         eglDestroyContext(mDisplay, mContext);
     if (mSurface != EGL_NO_SURFACE)
         eglDestroySurface(mDisplay, mSurface);
-    TerminateDisplay(mDisplay);
+    TerminateDisplay(mDisplay, bStillCurrent);
     mContext = EGL_NO_CONTEXT;
     mSurface = EGL_NO_SURFACE;
     mDisplay = EGL_NO_DISPLAY;

@@ -98,6 +98,7 @@ bool CCustomGPUDewarperOffscreen::InitGL(int nWidth, int nHeight)
 bool CCustomGPUDewarperOffscreen::StartGL()
 {
     CLockScope oScope(*this);
+    const auto oDisplays = LockDisplays();
     if (pState->bStarted)
         StopGL();
     const bool bHadView = pParams->eViewType != VIEW_UNSET || bHasOldView;
@@ -134,6 +135,7 @@ bool CCustomGPUDewarperOffscreen::StartGL()
 bool CCustomGPUDewarperOffscreen::StopGL()
 {
     CLockScope oScope(*this);
+    const auto oDisplays = LockDisplays();
     if (!pState->bStarted)
         return true;
     const SCurrentContext sBefore = GetCurrentContext();
