@@ -25,8 +25,9 @@ std::vector<SPeerCase> ListCases()
     std::vector<SPeerCase> vCases;
     for (const auto& [nWidth, nHeight] : {std::pair{1920, 1920}, std::pair{3200, 3000}}) {
         for (const EPeerPixels ePixels : {PEER_YUV420, PEER_RGBA}) {
-            for (const auto& [nViewWidth, nViewHeight] :
-                 {std::pair{1280, 720}, std::pair{1920, 1080}, std::pair{3840, 2160}})
+            // As large as the input, too: what GStreamer's effect does when nobody asks for another size.
+            for (const auto& [nViewWidth, nViewHeight] : {std::pair{1280, 720}, std::pair{1920, 1080},
+                                                          std::pair{3840, 2160}, std::pair{nWidth, nHeight}})
                 vCases.push_back({{nWidth, nHeight}, ePixels, nViewWidth, nViewHeight});
         }
     }

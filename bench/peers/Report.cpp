@@ -22,13 +22,15 @@ void PrintReport(const SPeerReport& rReport)
     std::printf("\n%s, view %s (%d rounds repeated, others had at most %.1f %% of the machine)\n",
                 CaseTitle(rReport.sCase).c_str(), rReport.bMoving ? "moving" : "still", rResult.nRepeated,
                 rResult.fWorstShare * 100.0);
-    std::printf("  %-22s %9s %9s %9s %9s %12s\n", "", "median ms", "min ms", "max ms", "CPU ms",
-                "lumor / it");
+    std::printf("  %-22s %9s %9s %9s %9s %9s %12s\n", "", "median ms", "min ms", "max ms", "CPU ms",
+                "Mpixel/s", "lumor / it");
+    const double fMegapixels = rReport.sCase.nWidth * 1e-6 * rReport.sCase.nHeight;
     for (const SPeerTimes& rTimes : rResult.vTimes) {
         const auto [pMin, pMax] =
             std::minmax_element(rTimes.vMilliseconds.begin(), rTimes.vMilliseconds.end());
-        std::printf("  %-22s %9.2f %9.2f %9.2f %9.2f %12.3f\n", rTimes.strName.c_str(),
-                    Median(rTimes.vMilliseconds), *pMin, *pMax, Median(rTimes.vCPU),
+        const double fMedian = Median(rTimes.vMilliseconds);
+        std::printf("  %-22s %9.2f %9.2f %9.2f %9.2f %9.1f %12.3f\n", rTimes.strName.c_str(), fMedian, *pMin,
+                    *pMax, Median(rTimes.vCPU), fMegapixels / fMedian * 1000.0,
                     MedianRatio(rResult.vTimes[0].vMilliseconds, rTimes.vMilliseconds));
     }
     for (const auto& [strName, fDecibels] : rReport.vPSNR)
