@@ -4,6 +4,7 @@
 
 #include "dewarp/records/SImageProperties.h"
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -19,7 +20,7 @@ struct SFrame
     int nStride = 0; ///< bytes a row of the first plane; even where chroma planes follow
     EYUVSpace eYUVSpace = YUV_SPACE_AUTO;
     EYUVRange eYUVRange = YUV_RANGE_AUTO;
-    std::vector<unsigned char> avPlanes[3];
+    std::array<std::vector<unsigned char>, 3> avPlanes;
 
     SFrame() = default;
     SFrame(const SFrame&) = delete;
