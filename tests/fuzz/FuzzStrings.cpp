@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
 {
     if (nSize > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         return 0;
-    const CQuietLog oQuiet;
+    const CFuzzInput oInput;
     std::size_t nRecords = 0;
     const std::size_t nWhole = WholeBytes(pData, nSize, nRecords);
     const std::vector<SGPUString> vStrings = ParseStrings(pData, static_cast<int>(nSize));

@@ -4,6 +4,7 @@
 
 #include "platform/LogSink.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 
@@ -16,15 +17,19 @@ inline void Require(bool bHolds, const char* pWhat)
     std::abort();
 }
 
-/// Swallows log lines while it lives: damaged inputs cause millions of them.
-class CQuietLog
+/// Inputs begun so far. The watch in FuzzMain.cpp sees by it that one takes too long.
+inline std::atomic<unsigned int> nInputsBegun{0};
+
+/// One input: log lines are swallowed while it runs, for damaged inputs cause millions of them.
+class CFuzzInput
 {
 public:
-    CQuietLog()
+    CFuzzInput()
     {
+        nInputsBegun.fetch_add(1, std::memory_order_relaxed);
         SetLogSink([](int, const char*, const char*, void*) {}, nullptr);
     }
-    ~CQuietLog() { SetLogSink(nullptr, nullptr); }
-    CQuietLog(const CQuietLog&) = delete;
-    CQuietLog& operator=(const CQuietLog&) = delete;
+    ~CFuzzInput() { SetLogSink(nullptr, nullptr); }
+    CFuzzInput(const CFuzzInput&) = delete;
+    CFuzzInput& operator=(const CFuzzInput&) = delete;
 };
