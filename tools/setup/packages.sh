@@ -10,6 +10,9 @@ TEST_PACKAGES="$BUILD_PACKAGES git clang-format-14 clang-tidy-14 libgtest-dev li
 # To build for arm64 and to run that.
 ARM64_PACKAGES="g++-aarch64-linux-gnu qemu-user"
 
+# To compare the library's binary interface with the last commit's.
+ABI_PACKAGES="abigail-tools"
+
 # install_missing PACKAGE...: installs what is not there; says nothing when everything is.
 install_missing() {
     local sMissing="" sPackage
