@@ -1,5 +1,5 @@
 // A frame from graphic buffer to graphic buffer, on this platform's stand-ins, beside the same frame from
-// planes of NV12 with the shader text as it is written. Both run alternately within one measurement.
+// planes: NV12 with the shader text as it is written, and RGBA. All run in turn within one measurement.
 
 #include "bench/Frames.h"
 #include "dewarp/LumorDewarp.h"
@@ -36,10 +36,10 @@ void ChooseView(TDewarper& rDewarper)
 class CPlaneFrames
 {
 public:
-    CPlaneFrames() : m_oFrame(IMAGE_FORMAT_NV12, SIDE, SIDE)
+    /// \param bAdapt false: the shader text that drivers get where nothing is known to be faster
+    CPlaneFrames(int nFormat, bool bAdapt) : m_oFrame(nFormat, SIDE, SIDE)
     {
-        // What drivers get where nothing is known to be faster.
-        SetShaderPrecisionAdaption(false);
+        SetShaderPrecisionAdaption(bAdapt);
         ChooseView(m_oDewarper);
         Frame();
         SetShaderPrecisionAdaption(true);
@@ -104,13 +104,16 @@ private:
 
 void BuffersBesidePlanes(benchmark::State& rState)
 {
-    CPlaneFrames oPlanes;
+    CPlaneFrames oPlanes(IMAGE_FORMAT_NV12, false);
+    CPlaneFrames oRGBA(IMAGE_FORMAT_RGBA32, true);
     CBufferFrames oBuffers;
     SBenchTimes sPlanes;
+    SBenchTimes sRGBA;
     SBenchTimes sToFence;
     SBenchTimes sPacked;
     while (rState.KeepRunning()) {
         sPlanes.Add([&] { oPlanes.Frame(); });
+        sRGBA.Add([&] { oRGBA.Frame(); });
         oBuffers.BeginFill();
         sToFence.Add([&] { oBuffers.Frame(); });
         rState.SetIterationTime(sToFence.vWall.back() / 1000.0);
@@ -121,9 +124,11 @@ void BuffersBesidePlanes(benchmark::State& rState)
         });
     }
     rState.counters["planes_ms"] = Median(sPlanes.vWall);
+    rState.counters["rgba_ms"] = Median(sRGBA.vWall);
     rState.counters["fence_ms"] = Median(sToFence.vWall);
     rState.counters["packed_ms"] = Median(sPacked.vWall);
     rState.counters["fence_ratio"] = Median(sToFence.vWall) / Median(sPlanes.vWall);
+    rState.counters["fence_rgba_ratio"] = Median(sToFence.vWall) / Median(sRGBA.vWall);
     rState.counters["packed_ratio"] = Median(sPacked.vWall) / Median(sPlanes.vWall);
     rState.counters["fence_cpu_ratio"] = Median(sToFence.vProcessor) / Median(sPlanes.vProcessor);
     rState.counters["packed_cpu_ratio"] = Median(sPacked.vProcessor) / Median(sPlanes.vProcessor);

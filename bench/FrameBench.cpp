@@ -128,8 +128,8 @@ void FrameBesideQuad(benchmark::State& rState, const SView& rView, const SFormat
     const double fFrame = Median(sFrame.vWall);
     const double fUpload = Median(vUpload);
     rState.counters["frame_ms"] = fFrame;
-    rState.counters["upload_ms"] = fUpload;
-    rState.counters["draw_ms"] = fFrame - fUpload;
+    rState.counters["plain_upload_ms"] = fUpload;
+    rState.counters["beyond_upload_ms"] = fFrame - fUpload;
     rState.counters["readback_ms"] = Median(vReadBack);
     rState.counters["quad_ms"] = Median(sQuad.vWall);
     rState.counters["ratio"] = fFrame / Median(sQuad.vWall);
