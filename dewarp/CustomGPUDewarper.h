@@ -328,6 +328,7 @@ protected:
     bool FitsTexture();
     bool UploadPlanes();
     void UploadPlane(const SPlaneUpload& rPlane, bool bCreate);
+    bool FitsTexture(int nWidth, int nHeight);
     void UploadRedBlue(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
     void UploadWidened(const SPlaneUpload& rPlane);
     void PreferRGBA(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
@@ -351,6 +352,7 @@ protected:
     void ParkOverlayTexture(SGOverlay& sOverlay);
     void UploadOverlay(SGOverlay& sOverlay);
     int PrepareOutputOverlayProgram();
+    void DropOversizedOverlays();
     int PrepareMaskProgram(int nWidth, int nHeight);
     void PrepareMaskTextures(int nWidth, int nHeight);
     void PaintMaskPolygon(const SGPolygon& rPolygon);

@@ -5,10 +5,12 @@
 #include "dewarp/pipeline/LockScope.h"
 #include "dewarp/pipeline/MemoryGuard.h"
 #include "dewarp/pipeline/PlaneUpload.h"
+#include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/PassTexts.h"
 #include "dewarp/views/GPUObjFisheye.h"
 
 #include <GLES3/gl31.h>
+#include <android/log.h>
 
 #include <algorithm>
 #include <cstring>
@@ -19,6 +21,7 @@ namespace
 
 const std::size_t PIXEL_BYTES = 4;
 const std::size_t MAX_WAITING_RECTS = 256; ///< of several sets together
+const int MAX_OVERLAY_SIZE = 16384;        ///< as for frames and targets; no driver's textures are larger
 
 std::size_t Offset(int x, int y, int nWidth)
 {
@@ -86,8 +89,11 @@ int CCustomGPUDewarper::SetOverlay(SGOverlay& sOverlay, unsigned char* pData, in
     }
     const bool bNew = sOverlay.pData == nullptr || sOverlay.nWidth != nWidth || sOverlay.nHeight != nHeight;
     if (bNew) {
-        if (nWidth < 1 || nHeight < 1)
+        if (nWidth < 1 || nHeight < 1 || nWidth > MAX_OVERLAY_SIZE || nHeight > MAX_OVERLAY_SIZE) {
+            __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: overlay size %d x %d is outside 1 to %d",
+                                "SetOverlay", nWidth, nHeight, MAX_OVERLAY_SIZE);
             return 0;
+        }
         ParkOverlayTexture(sOverlay);
         sOverlay.Reset();
         sOverlay.Initialize(pData, nWidth, nHeight);
@@ -181,6 +187,21 @@ void CCustomGPUDewarper::ReleaseOverlayTexture(SGOverlay& sOverlay)
     sOverlay.vDirtyRects.clear();
     sOverlay.bRealloc = true;
     sOverlay.bDirty = true;
+}
+
+/// Takes away new overlays that this driver has no texture for, before a program is made that samples them:
+/// without their texture they would show as black. Which driver it is, the host's thread could not know.
+void CCustomGPUDewarper::DropOversizedOverlays()
+{
+    for (SGOverlay* pOverlay : {&sInputOverlay, &sOutputOverlay}) {
+        if (!pOverlay->bRealloc || FitsTexture(pOverlay->nWidth, pOverlay->nHeight))
+            continue;
+        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: the driver has no texture of %d x %d; no overlay",
+                            "DrawGLScene", pOverlay->nWidth, pOverlay->nHeight);
+        pOverlay->Reset();
+        if (pOverlay == &sInputOverlay)
+            sMainShader.bInputOverlay = false;
+    }
 }
 
 void CCustomGPUDewarper::UploadOverlayTexture()

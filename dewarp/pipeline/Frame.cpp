@@ -93,6 +93,7 @@ bool CCustomGPUDewarper::PrepareTarget(int& nWidth, int& nHeight)
 bool CCustomGPUDewarper::ApplyRequests(int nWidth, int nHeight)
 {
     // After the GL objects were freed, the view objects come back with the first frame.
+    DropOversizedOverlays();
     if (pFisheye == nullptr)
         CreateViewObjects();
     if (bResetObjects) {

@@ -169,9 +169,15 @@ void CCustomGPUDewarper::UploadTexture()
 /// True when the driver can hold a texture of the frame's size.
 bool CCustomGPUDewarper::FitsTexture()
 {
+    return FitsTexture(pParams->nImageWidth, pParams->nImageHeight);
+}
+
+/// True when the driver can hold a texture of that size.
+bool CCustomGPUDewarper::FitsTexture(int nWidth, int nHeight)
+{
     if (nMaxTextureSize == 0)
         glGetIntegerv(GL_MAX_TEXTURE_SIZE, &nMaxTextureSize);
-    return pParams->nImageWidth <= nMaxTextureSize && pParams->nImageHeight <= nMaxTextureSize;
+    return nWidth <= nMaxTextureSize && nHeight <= nMaxTextureSize;
 }
 
 /// False when the frame is not whole: nothing of it is uploaded then.

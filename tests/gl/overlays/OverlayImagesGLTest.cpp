@@ -265,6 +265,47 @@ TEST_F(OverlayImages, AnImageWithoutWidthOrHeightIsRefusedAndTheOldOneKept)
     EXPECT_EQ(CompareImages(oView.Draw(), sOverlay).nMax, 0);
 }
 
+TEST_F(OverlayImages, AnImageThatNoTextureHoldsIsRefusedWithOneLogLine)
+{
+    const int nLong = 16385;
+    std::vector<unsigned char> vPixels(4 * nLong, 255);
+    for (const auto& [nWidth, nHeight] : {std::pair{nLong, 1}, std::pair{1, nLong}, std::pair{-3, -3}}) {
+        CLogCapture oLog;
+        EXPECT_EQ(oDewarper.SetOutputOverlay(vPixels.data(), nWidth, nHeight, 0), 0);
+        EXPECT_EQ(oLog.Lines().size(), 1u) << oLog.Text();
+        EXPECT_EQ(oDewarper.SetInputOverlay(vPixels.data(), nWidth, nHeight, 0), 0);
+        EXPECT_EQ(oLog.Lines().size(), 2u) << oLog.Text();
+        EXPECT_TRUE(oDewarper.DrawGLScene(false));
+    }
+    EXPECT_EQ(oDewarper.SetOutputOverlay(vPixels.data(), nLong - 1, 1, 0), 1) << "the longest there is";
+    EXPECT_TRUE(oDewarper.DrawGLScene(false));
+}
+
+/// A dewarper whose driver has small textures.
+class CSmallTextures : public CTestDewarper
+{
+public:
+    explicit CSmallTextures(int nMost) : CTestDewarper(WIDTH, HEIGHT) { nMaxTextureSize = nMost; }
+};
+
+TEST(OversizedOverlays, LeaveTheViewAsItIsWhereTheDriverHasNoTextureForThem)
+{
+    CSmallTextures oDewarper(WIDTH);
+    CTestFrame oFrame(AsymmetricPicture(WIDTH, HEIGHT), IMAGE_FORMAT_RGBA32);
+    oDewarper.SetViewType(VIEW_FISHEYE);
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    const STestImage sBefore = oDewarper.Picture();
+    STestImage sOverlay = PatternPicture(WIDTH + 1, 4);
+    CLogCapture oLog;
+    EXPECT_EQ(oDewarper.SetInputOverlay(sOverlay.vPixels.data(), WIDTH + 1, 4, 0), 1);
+    EXPECT_EQ(oDewarper.SetOutputOverlay(sOverlay.vPixels.data(), WIDTH + 1, 4, 0), 1);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(oDewarper.DrawFrame(oFrame));
+        EXPECT_EQ(oDewarper.Picture().vPixels, sBefore.vPixels);
+        EXPECT_EQ(oLog.Lines().size(), 2u) << oLog.Text();
+    }
+}
+
 TEST_F(OverlayImages, TheInputOverlayShowsAlsoAfterARefusedOne)
 {
     STestImage sOverlay = PatternPicture(WIDTH, HEIGHT);
