@@ -160,6 +160,7 @@ void CCustomGPUDewarper::FreeOpenGLObjects()
 
     // What the freed names held comes back with the next frame.
     bFrameInTextures = false;
+    bDriverMemoryLacks = false;
     eRedBlueUpload = RED_BLUE_UNDECIDED;
     nMaxTextureSize = 0;
     bReadBGRA = true;

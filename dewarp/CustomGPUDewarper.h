@@ -292,6 +292,8 @@ protected:
     // Named steps of DrawGLScene; false: the frame cannot be drawn.
     bool DrawFrame(bool bExchangeBuffers);
     void RequestEverything();
+    bool LacksDriverMemory();
+    void GiveUpFrameObjects();
     bool PrepareTarget(int& nWidth, int& nHeight);
     bool ApplyRequests(int nWidth, int nHeight);
     void ApplyDefaultPTZ();
@@ -326,9 +328,9 @@ protected:
     int ListPlanes(SPlaneUpload* pPlanes);
     bool TexturesMissing();
     bool FitsTexture();
+    bool FitsTexture(int nWidth, int nHeight);
     bool UploadPlanes();
     void UploadPlane(const SPlaneUpload& rPlane, bool bCreate);
-    bool FitsTexture(int nWidth, int nHeight);
     void UploadRedBlue(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
     void UploadWidened(const SPlaneUpload& rPlane);
     void PreferRGBA(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
@@ -350,9 +352,9 @@ protected:
     // Overlays.
     void ReleaseOverlayTexture(SGOverlay& sOverlay);
     void ParkOverlayTexture(SGOverlay& sOverlay);
+    void DropOversizedOverlays();
     void UploadOverlay(SGOverlay& sOverlay);
     int PrepareOutputOverlayProgram();
-    void DropOversizedOverlays();
     int PrepareMaskProgram(int nWidth, int nHeight);
     void PrepareMaskTextures(int nWidth, int nHeight);
     void PaintMaskPolygon(const SGPolygon& rPolygon);
@@ -380,4 +382,7 @@ protected:
     std::vector<unsigned char> vRepack; ///< a plane's rows in a form the driver takes
     std::vector<unsigned int> vParkedTextures; ///< to be deleted on the GL thread
     float fEyeDistance = 0.0f;
+    bool bObjectsMade = false;       ///< GL objects were made since the driver was last asked for errors
+    bool bDriverMemoryLacks = false; ///< for an object of this frame
+    unsigned int nErrorOfFrame = 0;  ///< GL error that was taken before the end of the frame
 };

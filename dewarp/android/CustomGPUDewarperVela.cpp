@@ -95,6 +95,10 @@ bool CCustomGPUDewarperVela::StartGL()
     sExtensions = LoadEGLExtensions();
     bExternalTarget = false;
     OSDependentFBO(false);
+    if (nFramebuffer == 0 || nRenderbuffer == 0) {
+        OSDependentFBO(true);
+        return Fail("%s: the driver makes no framebuffer");
+    }
     float fPan = 0.0f;
     float fTilt = 0.0f;
     float fZoom = 0.0f;

@@ -7,6 +7,7 @@
 #include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/YUVTargetText.h"
 #include "dewarp/views/GPUObjVCAM.h"
+#include "platform/DriverErrors.h"
 #include "platform/ShaderDialect.h"
 
 #include <GLES3/gl31.h>
@@ -105,6 +106,7 @@ bool CCustomGPUDewarperVela::CreateImageF(android::GraphicBuffer* pInput, androi
                            "glEGLImageTargetRenderbufferStorageOES");
     if (bTarget) {
         sExtensions.glEGLImageTargetRenderbufferStorageOES(GL_RENDERBUFFER, mOutputImage);
+        bTarget = !TakeDriverErrors(nErrorOfFrame);
         SetOutputFormat(static_cast<int>(pOutput->getPixelFormat()));
     }
     if (pInput != nullptr)
@@ -204,6 +206,7 @@ bool CCustomGPUDewarperVela::OSDependentUploadTexture()
     glBindTexture(GL_TEXTURE_EXTERNAL_OES, nInputTexture);
     glPixelStorei(GL_UNPACK_ALIGNMENT, UnpackAlignment(pParams->nImageStride));
     sExtensions.glEGLImageTargetTexture2DOES(GL_TEXTURE_EXTERNAL_OES, mInputImage);
+    bObjectsMade = true;
     glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);

@@ -1,5 +1,7 @@
 #include "dewarp/offscreen/OffscreenTarget.h"
 
+#include "platform/DriverErrors.h"
+
 #include <GLES3/gl31.h>
 // clang-format off
 #include <GLES2/gl2ext.h>
@@ -44,7 +46,12 @@ bool COffscreenTarget::Create(int nWidth, int nHeight)
         return false;
     glGenFramebuffers(1, &m_nFrameBuffer);
     glBindFramebuffer(GL_FRAMEBUFFER, m_nFrameBuffer);
-    if (!(DriverHasBGRA() && AttachTexture(nWidth, nHeight)) && !AttachRenderbuffer(nWidth, nHeight)) {
+    const bool bMade = m_nFrameBuffer != 0 && ((DriverHasBGRA() && AttachTexture(nWidth, nHeight)) ||
+                                               AttachRenderbuffer(nWidth, nHeight));
+    // Whatever went wrong here is dealt with here.
+    unsigned int nError = 0;
+    TakeDriverErrors(nError);
+    if (!bMade) {
         Free();
         return false;
     }

@@ -65,7 +65,7 @@ int CCustomGPUDewarper::MaskPolygonsToInputOverlay()
     for (const SGPolygon& rPolygon : vMaskPolygons)
         PaintMaskPolygon(rPolygon);
     PrepareInputOverlayForMasks(w, h);
-    const int nResult = HandleTextureToTexture(w, h, 3);
+    const int nResult = HandleTextureToTexture(w, h, 3) < 0 || LacksDriverMemory() ? -1 : 0;
     if (nResult == 0)
         sMainShader.bInputOverlay = true;
     BindDefaultFrameBuffer();
@@ -129,7 +129,7 @@ void CCustomGPUDewarper::PaintMaskPolygon(const SGPolygon& rPolygon)
     CCGPUObjPolygon oPolygon(rPolygon);
     SetColor(rShader.nColorLocation, rPolygon.nColor);
     oPolygon.Activate(pGeometry, pMaskParams);
-    if (oPolygon.m_nVertexCount == 0)
+    if (oPolygon.m_nVertexCount == 0 || LacksDriverMemory())
         return;
     oPolygon.LoadVertexAndTextureCoordinates(&rShader);
     oPolygon.DrawArrays(pMaskParams, pMaskMatrices, &rShader);

@@ -307,6 +307,8 @@ int CCustomGPUDewarper::HandleOutputOverlay(int nWidth, int nHeight)
     pOutputOverlayParams->nImageHeight = 1;
     pOutputOverlayParams->nImageStride = 4;
     pAuxFisheye->Activate(pGeometry, pOutputOverlayParams);
+    if (LacksDriverMemory())
+        return -1;
     pAuxFisheye->LoadVertexAndTextureCoordinates(&rShader);
     pAuxFisheye->DrawArrays(pOutputOverlayParams, pOutputOverlayMatrices, &rShader);
     pBoundViewObject = pAuxFisheye;

@@ -114,6 +114,8 @@ int CCustomGPUDewarper::UpdateStringOverlay(int nWidth, int nHeight)
         return -1;
     PrepareFontTexture();
     pStringObject->Activate(pGeometry, pStringParams, GPU_FONT::nCols, GPU_FONT::nRows);
+    if (LacksDriverMemory())
+        return -1;
     pStringObject->LoadVertexAndTextureCoordinates(&sStringShader);
     bFullRedraw = PrepareStringTextures(nWidth, nHeight) || bFullRedraw;
     PrepareFrameBuffer();

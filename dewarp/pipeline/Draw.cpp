@@ -41,6 +41,7 @@ void CCustomGPUDewarper::PrepareFrameBuffer()
 {
     if (nFrameBuffer == 0) {
         glGenFramebuffers(1, &nFrameBuffer);
+        bObjectsMade = true;
         if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
             __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
                                 "%s:7++++ nError! glCheckFramebufferStatus not complete!\n", "DrawGLScene");

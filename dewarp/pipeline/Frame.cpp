@@ -42,6 +42,9 @@ bool CCustomGPUDewarper::DrawGLScene(bool bExchangeBuffers)
     // A frame that ran out of memory half way leaves its marks: the next one begins anew.
     if (!bWhole)
         RequestEverything();
+    if (!bDrawn && LacksDriverMemory())
+        GiveUpFrameObjects();
+    nErrorOfFrame = 0;
     return bWhole && bDrawn;
 }
 
@@ -56,9 +59,13 @@ bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
     if (!bFrameInTextures)
         return false;
     BindFrameTarget(nWidth, nHeight);
+    if (LacksDriverMemory())
+        return false;
     glClear(GL_COLOR_BUFFER_BIT);
     DrawView(nWidth, nHeight);
     DrawCompositionPasses(nWidth, nHeight);
+    if (LacksDriverMemory())
+        return false;
     if (bExchangeBuffers)
         ExchangeOpenglFrontBackBuffers(pRenderingContext);
     UnbindTextures();
@@ -86,6 +93,7 @@ bool CCustomGPUDewarper::PrepareTarget(int& nWidth, int& nHeight)
         return false;
     }
     DeleteParkedTextures();
+    DropOversizedOverlays();
     GetTargetWidthHeight(nWidth, nHeight);
     return nWidth > 0 && nHeight > 0 && pParams->nImageWidth > 0 && pParams->nImageHeight > 0;
 }
@@ -93,7 +101,6 @@ bool CCustomGPUDewarper::PrepareTarget(int& nWidth, int& nHeight)
 bool CCustomGPUDewarper::ApplyRequests(int nWidth, int nHeight)
 {
     // After the GL objects were freed, the view objects come back with the first frame.
-    DropOversizedOverlays();
     if (pFisheye == nullptr)
         CreateViewObjects();
     if (bResetObjects) {
@@ -284,7 +291,7 @@ bool CCustomGPUDewarper::ApplyMaskRequest(int nWidth, int nHeight)
 void CCustomGPUDewarper::FinishFrame()
 {
     if (bLogGLErrors) {
-        const unsigned int nError = glGetError();
+        const unsigned int nError = nErrorOfFrame != 0 ? nErrorOfFrame : glGetError();
         if (nError != 0)
             __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
                                 "%s: this=%p End of DrawGLScene and the error is=%d\n", "DrawGLScene",

@@ -102,6 +102,7 @@ void CCustomGPUDewarper::PreferRGBA(const SPlaneUpload& rPlane, unsigned char* p
         ExchangeRedAndBlue();
     }
     if (bWiden) {
+        bObjectsMade = true;
         glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, rPlane.nWidth, rPlane.nHeight, 0, GL_RGBA, GL_UNSIGNED_BYTE,
                      nullptr);
         bWidenPixels = true;

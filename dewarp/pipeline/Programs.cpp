@@ -33,8 +33,10 @@ void LogCompileError(unsigned int nShader, const char* pMessage)
 {
     GLint nLength = 0;
     glGetShaderiv(nShader, GL_INFO_LOG_LENGTH, &nLength);
-    if (nLength < 1)
+    if (nLength < 1) {
+        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, pMessage, "LoadShaderPrograms", "none given");
         return;
+    }
     std::string strLog(static_cast<std::size_t>(nLength), '\0');
     glGetShaderInfoLog(nShader, nLength, nullptr, strLog.data());
     __android_log_print(ANDROID_LOG_INFO, LOG_TAG, pMessage, "LoadShaderPrograms", strLog.c_str());
@@ -224,6 +226,7 @@ int CCustomGPUDewarper::LoadShaderPrograms(SShaderProperties& sShader)
         glDeleteShader(sShader.nVertexShader);
         glDeleteShader(sShader.nFragmentShader);
         sShader.bNamesDeleted = true;
+        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: the program does not link", "LoadShaderPrograms");
         return -3;
     }
     glUseProgram(sShader.nProgram);

@@ -4,11 +4,15 @@
 
 #include "dewarp/pipeline/LockScope.h"
 #include "dewarp/pipeline/MemoryGuard.h"
+#include "dewarp/records/LogTag.h"
+#include "platform/DriverErrors.h"
 
 #include <GLES3/gl31.h>
 // clang-format off
 #include <GLES2/gl2ext.h>
 // clang-format on
+
+#include <android/log.h>
 
 #include <limits>
 #include <utility>
@@ -41,6 +45,11 @@ unsigned char* CCustomGPUDewarper::GetImage(int* pSize, int* pWidth, int* pHeigh
     *pSize = static_cast<int>(nStride * nRows);
     glFinish();
     ReadPixels(w, h, pReadBack + nHalf);
+    unsigned int nError = 0;
+    if (TakeDriverErrors(nError)) {
+        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: the driver is out of memory", "GetImage");
+        return nullptr;
+    }
     return pReadBack;
 }
 

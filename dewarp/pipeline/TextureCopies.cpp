@@ -61,6 +61,8 @@ void CCustomGPUDewarper::DrawTextureCopy(SShaderProperties& sShader)
     glActiveTexture(GL_TEXTURE0);
     glClear(GL_COLOR_BUFFER_BIT);
     pAuxFisheye2->Activate(pGeometry, pTextureCopyParams);
+    if (LacksDriverMemory())
+        return;
     pAuxFisheye2->LoadVertexAndTextureCoordinates(&sShader);
     pAuxFisheye2->DrawArrays(pTextureCopyParams, pTextureCopyMatrices, &sShader);
     pBoundViewObject = pAuxFisheye2;

@@ -18,6 +18,7 @@ void CCustomGPUDewarper::GenerateTexture(unsigned int& nTexture, unsigned int nU
     if (nTexture != 0)
         glDeleteTextures(1, &nTexture);
     nTexture = 0;
+    bObjectsMade = true;
     glGenTextures(1, &nTexture);
     glBindTexture(GL_TEXTURE_2D, nTexture);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);

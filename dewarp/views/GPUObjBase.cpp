@@ -113,23 +113,33 @@ float CCGPUObjBase::GetEyeDistance(SDewarpParams* /*pParams*/)
     return FLAT_EYE_DISTANCE;
 }
 
-void CCGPUObjBase::UploadMesh(const CCustomGPUGeometry& rGeometry)
+void CCGPUObjBase::UploadMesh(CCustomGPUGeometry& rGeometry)
 {
     m_fGeometryAspect = rGeometry.m_fGeometryAspect;
     m_nVertexCount = rGeometry.m_nVertexCount;
     if (m_nVertexCount < 1)
         return;
+    m_nVertexBuffer = 0;
+    m_nTexCoordBuffer = 0;
     glGenBuffers(1, &m_nVertexBuffer);
-    glBindBuffer(GL_ARRAY_BUFFER, m_nVertexBuffer);
-    glBufferData(GL_ARRAY_BUFFER, m_nVertexCount * POSITION_BYTES, rGeometry.m_pVertices, GL_STATIC_DRAW);
     glGenBuffers(1, &m_nTexCoordBuffer);
-    glBindBuffer(GL_ARRAY_BUFFER, m_nTexCoordBuffer);
-    glBufferData(GL_ARRAY_BUFFER, m_nVertexCount * TEXCOORD_BYTES, rGeometry.m_pTexCoords, GL_STATIC_DRAW);
+    FillBuffers(rGeometry);
 }
 
-void CCGPUObjBase::RefillMesh(const CCustomGPUGeometry& rGeometry)
+void CCGPUObjBase::RefillMesh(CCustomGPUGeometry& rGeometry)
 {
     m_nVertexCount = rGeometry.m_nVertexCount;
+    FillBuffers(rGeometry);
+}
+
+void CCGPUObjBase::FillBuffers(CCustomGPUGeometry& rGeometry)
+{
+    rGeometry.m_bHandedOver = true;
+    // GL would take vertices from the program's own memory.
+    if (m_nVertexBuffer == 0 || m_nTexCoordBuffer == 0) {
+        Reset();
+        return;
+    }
     glBindBuffer(GL_ARRAY_BUFFER, m_nVertexBuffer);
     glBufferData(GL_ARRAY_BUFFER, m_nVertexCount * POSITION_BYTES, rGeometry.m_pVertices, GL_STATIC_DRAW);
     glBindBuffer(GL_ARRAY_BUFFER, m_nTexCoordBuffer);

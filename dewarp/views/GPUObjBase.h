@@ -13,7 +13,8 @@
 /// Knows how far pan, tilt and zoom may go in its view, how they become a model matrix, what a drag does,
 /// which projection and clip bands the view needs, and how it is drawn. Units: degrees, pixels. Owns: the two
 /// buffers of its mesh. Thread: GL thread, context current (CheckPTZ and OnMouseMove touch no GL: any thread,
-/// serialised). Fails: never; GL errors of buffers are not checked.
+/// serialised). Fails: never; a mesh without buffers draws nothing, GL errors of buffers are not checked
+/// here.
 class CCGPUObjBase
 {
 public:
@@ -61,9 +62,12 @@ public:
 
 protected:
     /// Takes aspect and vertex count from the geometry and puts its arrays into two new buffers.
-    void UploadMesh(const CCustomGPUGeometry& rGeometry);
+    void UploadMesh(CCustomGPUGeometry& rGeometry);
     /// Fills the two buffers there are with the geometry's arrays.
-    void RefillMesh(const CCustomGPUGeometry& rGeometry);
+    void RefillMesh(CCustomGPUGeometry& rGeometry);
+
+private:
+    void FillBuffers(CCustomGPUGeometry& rGeometry);
 };
 
 /// Lenses whose circle is wider than 90 degrees leave the image's rows in some views.

@@ -1,5 +1,7 @@
 #include "platform/linux/BufferTextures.h"
 
+#include "platform/DriverErrors.h"
+
 #include <GLES3/gl31.h>
 
 #include <algorithm>
@@ -74,7 +76,7 @@ private:
     GLint m_nBuffer;
 };
 
-/// A texture of that size, bound. 0: the driver has none so large.
+/// A texture of that size, bound. 0: the driver has none so large, or no memory for it.
 unsigned int NewTexture(int nWidth, int nHeight)
 {
     const GLint nMaxSize = GetInteger(GL_MAX_TEXTURE_SIZE);
@@ -84,6 +86,11 @@ unsigned int NewTexture(int nWidth, int nHeight)
     glGenTextures(1, &nTexture);
     glBindTexture(GL_TEXTURE_2D, nTexture);
     glTexStorage2D(GL_TEXTURE_2D, 1, GL_RGBA8, nWidth, nHeight);
+    unsigned int nError = 0;
+    if (TakeDriverErrors(nError)) {
+        glDeleteTextures(1, &nTexture);
+        return 0;
+    }
     return nTexture;
 }
 
@@ -131,6 +138,8 @@ unsigned int CBufferTextures::Prepare(const std::shared_ptr<CBufferContents>& pC
     const CUploadState oState;
     STexture* pTexture = Find(rContext, pContents);
     if (pTexture == nullptr) {
+        // Room for its record comes first: nobody would delete a texture that is not on record.
+        rContext.vTextures.reserve(rContext.vTextures.size() + 1);
         const unsigned int nTexture = NewTexture(pContents->Width(), pContents->Height());
         if (nTexture == 0)
             return 0;
@@ -141,6 +150,12 @@ unsigned int CBufferTextures::Prepare(const std::shared_ptr<CBufferContents>& pC
     }
     pContents->Upload(pTexture->nHeld);
     return pTexture->nTexture;
+}
+
+void CBufferTextures::MakeRoom()
+{
+    const std::lock_guard<std::mutex> oLock(m_oMutex);
+    m_vImages.reserve(m_vImages.size() + 1);
 }
 
 void CBufferTextures::Remember(void* pImage, const std::shared_ptr<CBufferContents>& pContents)
@@ -163,26 +178,29 @@ void CBufferTextures::SetTarget(void* pImage)
     const std::lock_guard<std::mutex> oLock(m_oMutex);
     const auto pFound = std::find_if(m_vImages.begin(), m_vImages.end(),
                                      [pImage](const SImage& rImage) { return rImage.pImage == pImage; });
-    m_mContexts[pContext].pTarget =
-        pFound == m_vImages.end() ? std::weak_ptr<CBufferContents>() : pFound->pContents;
+    SContext& rContext = m_mContexts[pContext];
+    rContext.pTarget = pFound == m_vImages.end() ? std::weak_ptr<CBufferContents>() : pFound->pContents;
+    // What the frame will be read through: a lack of memory shows before anything is drawn.
+    if (rContext.nReadFrameBuffer == 0)
+        glGenFramebuffers(1, &rContext.nReadFrameBuffer);
 }
 
-void CBufferTextures::FetchTarget()
+bool CBufferTextures::FetchTarget()
 {
     EGLContext pContext = eglGetCurrentContext();
     if (pContext == EGL_NO_CONTEXT)
-        return;
+        return true;
     SContext& rContext = Context(pContext);
     const std::shared_ptr<CBufferContents> pContents = rContext.pTarget.lock();
     STexture* const pTexture = pContents ? Find(rContext, pContents) : nullptr;
-    if (pTexture == nullptr)
-        return;
+    if (pTexture == nullptr || rContext.nReadFrameBuffer == 0)
+        return true;
     const CReadState oState;
-    if (rContext.nReadFrameBuffer == 0)
-        glGenFramebuffers(1, &rContext.nReadFrameBuffer);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, rContext.nReadFrameBuffer);
     glFramebufferTexture2D(GL_READ_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, pTexture->nTexture, 0);
     pContents->ReadBack(pTexture->nHeld);
+    unsigned int nError = 0;
+    return !TakeDriverErrors(nError);
 }
 
 void CBufferTextures::ReleaseContext(EGLContext pContext)

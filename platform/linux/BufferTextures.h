@@ -23,13 +23,16 @@ public:
     /// The buffer's texture in the current context, its contents brought up to date. 0: too large, or no
     /// context.
     unsigned int Prepare(const std::shared_ptr<CBufferContents>& pContents);
+    /// Makes room for one more image, so that Remember cannot fail.
+    void MakeRoom();
     /// Notes which buffer an image was made of, and that it is gone.
     void Remember(void* pImage, const std::shared_ptr<CBufferContents>& pContents);
     void Forget(void* pImage);
     /// Notes that frames of the current context are drawn into an image from now on.
     void SetTarget(void* pImage);
-    /// Brings what was drawn into the target's buffer. The driver has finished the frame.
-    void FetchTarget();
+    /// Brings what was drawn into the target's buffer. The driver has finished the frame. False: it had no
+    /// memory for that.
+    bool FetchTarget();
     /// Deletes everything of a context, which need not be current: then its names die with it.
     void ReleaseContext(EGLContext pContext);
 

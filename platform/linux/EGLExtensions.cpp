@@ -2,6 +2,8 @@
 
 #include "platform/linux/BufferTextures.h"
 
+#include <android/log.h>
+
 #include <atomic>
 #include <bit>
 #include <cstdint>
@@ -30,6 +32,7 @@ EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay pDisplay, EGLContext pContext, EG
     const std::uintptr_t nTexture = pContents ? CBufferTextures::Get().Prepare(pContents) : 0;
     if (nTexture == 0)
         return EGL_NO_IMAGE_KHR;
+    CBufferTextures::Get().MakeRoom();
     const EGLint aAttributes[] = {EGL_GL_TEXTURE_LEVEL_KHR, 0, EGL_IMAGE_PRESERVED_KHR, EGL_TRUE, EGL_NONE};
     EGLImageKHR pImage = pCreateImage.load()(pDisplay, eglGetCurrentContext(), EGL_GL_TEXTURE_2D_KHR,
                                              std::bit_cast<EGLClientBuffer>(nTexture), aAttributes);
@@ -54,8 +57,11 @@ EGLint EGLAPIENTRY ClientWaitSync(EGLDisplay pDisplay, EGLSyncKHR pSync, EGLint 
 {
     const EGLint nResult = pClientWaitSync.load()(pDisplay, pSync, nFlags, nTimeout);
     // Reading back waits by itself where the driver would not.
-    CBufferTextures::Get().FetchTarget();
-    return nResult;
+    if (CBufferTextures::Get().FetchTarget())
+        return nResult;
+    __android_log_print(ANDROID_LOG_ERROR, "LUMORVIDEOMANAGER_DEWRAP", "%s: the driver is out of memory",
+                        "eglClientWaitSyncKHR");
+    return EGL_FALSE;
 }
 
 /// Puts our function before the driver's. Null where the driver has none.

@@ -215,6 +215,8 @@ void CGLRecorder::ContextDied(unsigned long long nContext)
 {
     CRecorderLock oLock(RecorderMutex());
     m_mContexts.erase(nContext);
+    // Errors that nobody fetched were the context's.
+    m_vPending.clear();
     for (int i = 0; i < GL_KIND_COUNT; ++i)
         m_nNamesLost += static_cast<int>(std::erase_if(
             m_amLiving[i], [nContext](const auto& oEntry) { return oEntry.first.first == nContext; }));
