@@ -27,6 +27,10 @@ static void OnTick(int /*nSignal*/)
 extern "C" int LLVMFuzzerInitialize(int* pArgs, char*** pppArgs);
 extern "C" int LLVMFuzzerInitialize(int* /*pArgs*/, char*** /*pppArgs*/)
 {
+    // Contexts without a window, from the software renderer, which draws pictures this small on one thread.
+    setenv("EGL_PLATFORM", "surfaceless", 0);
+    setenv("LIBGL_ALWAYS_SOFTWARE", "1", 0);
+    setenv("LP_NUM_THREADS", "0", 0);
     struct sigaction sAction = {};
     sAction.sa_handler = OnTick;
     sAction.sa_flags = SA_RESTART;
