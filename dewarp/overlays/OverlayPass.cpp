@@ -21,7 +21,7 @@ namespace
 
 const std::size_t PIXEL_BYTES = 4;
 const std::size_t MAX_WAITING_RECTS = 256; ///< of several sets together
-const int MAX_OVERLAY_SIZE = 16384;        ///< as for frames and targets; no driver's textures are larger
+const int MAX_OVERLAY_SIZE = 16384;        ///< as for frames and targets
 
 std::size_t Offset(int x, int y, int nWidth)
 {
