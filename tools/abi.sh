@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 sFolder=${1:-build/abi}
 gitsafe() { git -c safe.directory='*' "$@"; }
 
-if ! sBefore=$(gitsafe rev-parse --verify --quiet HEAD~1^{commit}); then
+if ! sBefore=$(gitsafe rev-parse --verify --quiet HEAD~1^{commit} 2>/dev/null); then
     echo "no earlier commit in this clone: nothing to compare with"
     exit 0
 fi
