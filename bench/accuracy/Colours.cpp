@@ -132,8 +132,7 @@ class CColourMeter
 {
 public:
     CColourMeter(int nWidth, int nHeight)
-        : m_nWidth(nWidth), m_nHeight(nHeight), m_oSame(nWidth, nHeight),
-          m_oLarger(nWidth * 4 / 3, nHeight * 4 / 3),
+        : m_oSame(nWidth, nHeight), m_oLarger(nWidth * 4 / 3, nHeight * 4 / 3),
           m_sRoom(RenderFisheye(RoomColour, 419, nWidth, nHeight, MOUNT_CEILING))
     {}
 
@@ -199,8 +198,6 @@ private:
         return sSpread;
     }
 
-    int m_nWidth;
-    int m_nHeight;
     CViewSession m_oSame;
     CViewSession m_oLarger;
     STestImage m_sRoom;

@@ -60,7 +60,7 @@ std::string DriverName()
 {
     const CViewSession oSession(16, 16);
     std::string strName;
-    for (const GLenum nName : {GL_RENDERER, GL_VERSION}) {
+    for (const GLenum nName : {GLenum{GL_RENDERER}, GLenum{GL_VERSION}}) {
         const GLubyte* pText = glGetString(nName);
         strName += strName.empty() ? "" : ", ";
         strName += pText == nullptr ? "?" : reinterpret_cast<const char*>(pText);

@@ -92,7 +92,7 @@ static bool IsWriting()
 static std::string DriverName()
 {
     std::string strName;
-    for (const GLenum nName : {GL_RENDERER, GL_VERSION})
+    for (const GLenum nName : {GLenum{GL_RENDERER}, GLenum{GL_VERSION}})
         strName.append(reinterpret_cast<const char*>(glGetString(nName))).append("\n");
     return strName;
 }
