@@ -88,6 +88,23 @@ TEST(FrameFault, RebuildThatFailsRefusesTheFrameAndIsTriedAgainWithTheNext)
     EXPECT_NO_GL_ERROR();
 }
 
+// A view with clip bands needs a second program once its bands are known.
+TEST(FrameFault, ProgramWithClipBandsThatDoesNotBuildRefusesTheFrame)
+{
+    CTestFrame oFrame(AsymmetricPicture(64, 64), IMAGE_FORMAT_NV12);
+    CTestDewarper oDewarper(64, 64);
+    oDewarper.SetMountType(MOUNT_WALL);
+    oDewarper.SetViewType(VIEW_PANORAMA_FULL);
+    CGLRecorder::Get().Start();
+    CGLRecorder::Get().Inject("GL_LINK_STATUS", GL_FALSE, 1);
+    CLogCapture oLog;
+    EXPECT_FALSE(oDewarper.DrawFrame(oFrame));
+    EXPECT_EQ(CGLRecorder::Get().Count("glLinkProgram"), 2);
+    EXPECT_EQ(oLog.Lines().size(), 1u) << oLog.Text();
+    EXPECT_TRUE(oDewarper.DrawFrame(oFrame));
+    EXPECT_NO_GL_ERROR();
+}
+
 TEST(FrameFault, TargetThatIsNotCompleteFailsTheFrameAndIsTriedAgain)
 {
     CTestFrame oFrame(AsymmetricPicture(64, 64), IMAGE_FORMAT_NV12);

@@ -5,6 +5,8 @@
 #include "tests/soak/FaultSweep.h"
 #include "tests/soak/ReliabilityScene.h"
 
+#include <EGL/egl.h>
+
 #include <algorithm>
 
 namespace
@@ -129,6 +131,59 @@ TEST(VelaFaultOfStart, AFramebufferThatCannotBeMadeIsToldAndTheNextStartWorks)
     CVelaScene::Prepare(oDewarper);
     EXPECT_TRUE(oScene.Draw(oDewarper));
     EXPECT_TRUE(oScene.IsGolden());
+    EXPECT_NO_GL_ERROR();
+}
+
+TEST(VelaFaultOfStart, AContextOfTheSecondTryMayFailToo)
+{
+    static const char szOld[] = "OpenGL ES 2.0";
+    CCustomGPUDewarperVela oDewarper;
+    oDewarper.InitGL(TARGET_WIDTH, TARGET_HEIGHT);
+    CGLRecorder& rRecorder = CGLRecorder::Get();
+    // Current, let go of for its version, current no more.
+    rRecorder.Inject("glGetString", NumberOfPointer(szOld));
+    rRecorder.Inject("eglMakeCurrent", 0.0, 2);
+    EXPECT_FALSE(oDewarper.StartGL());
+    rRecorder.ClearInjections();
+    EXPECT_TRUE(oDewarper.StartGL());
+}
+
+TEST(VelaFaultOfStart, AVersionThatCannotBeReadIsTrusted)
+{
+    static const char szOdd[] = "three and a bit";
+    CCustomGPUDewarperVela oDewarper;
+    oDewarper.InitGL(TARGET_WIDTH, TARGET_HEIGHT);
+    CGLRecorder::Get().Start();
+    CGLRecorder::Get().Inject("glGetString", NumberOfPointer(szOdd));
+    EXPECT_TRUE(oDewarper.StartGL());
+    EXPECT_EQ(CGLRecorder::Get().Count("eglCreateContext"), 1);
+}
+
+// 50 times the context goes behind the dewarper's back and is made anew.
+TEST(VelaContextLoss, LeavesPictureAndPositionAsTheyWere)
+{
+    CVelaScene oScene;
+    CTestVela oDewarper(TARGET_WIDTH, TARGET_HEIGHT);
+    CVelaScene::Prepare(oDewarper);
+    ASSERT_TRUE(oScene.Draw(oDewarper));
+    float afBefore[3] = {};
+    oDewarper.GetPTZ(afBefore[0], afBefore[1], afBefore[2]);
+    for (int i = 0; i < 50; ++i) {
+        SCOPED_TRACE(i);
+        eglMakeCurrent(oDewarper.mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        eglDestroyContext(oDewarper.mDisplay, oDewarper.mContext);
+        CLogCapture oLog;
+        EXPECT_FALSE(oScene.Draw(oDewarper));
+        EXPECT_GE(FaultLines(oLog), 1) << oLog.Text();
+        ASSERT_TRUE(oDewarper.StartGL());
+        ASSERT_TRUE(oScene.Draw(oDewarper));
+        ASSERT_TRUE(oScene.Draw(oDewarper));
+        ASSERT_TRUE(oScene.IsGolden());
+        float afAfter[3] = {};
+        oDewarper.GetPTZ(afAfter[0], afAfter[1], afAfter[2]);
+        for (int k = 0; k < 3; ++k)
+            EXPECT_EQ(afAfter[k], afBefore[k]);
+    }
     EXPECT_NO_GL_ERROR();
 }
 
