@@ -7,6 +7,7 @@
 
 #include <GLES3/gl31.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -39,7 +40,8 @@ void CCustomGPUDewarper::UploadPlane(const SPlaneUpload& rPlane, bool bCreate)
         UploadWidened(rPlane);
         return;
     }
-    int nRowBytes = rPlane.nRowBytes;
+    // Rows of a negative length, which GL does not take, belong to a frame that is not uploaded.
+    int nRowBytes = std::max(rPlane.nRowBytes, 0);
     unsigned char* pPixels = rPlane.IsComplete() ? rPlane.pPixels : nullptr;
     if (pPixels != nullptr && nRowBytes % rPlane.nPixelBytes != 0)
         pPixels = RepackRows(rPlane, nRowBytes);

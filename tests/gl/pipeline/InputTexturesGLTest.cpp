@@ -3,6 +3,7 @@
 
 #include <GLES3/gl31.h>
 #include <gtest/gtest.h>
+#include <limits>
 
 #include <GLES2/gl2ext.h>
 
@@ -253,6 +254,19 @@ TEST_F(InputTextures, ANullPlaneIsNeverRead)
         EXPECT_EQ(CGLRecorder::Get().Count("glTexSubImage2D"), 0);
         EXPECT_TRUE(oDewarper.DrawFrame(oGood));
         EXPECT_EQ(CGLRecorder::Get().TakeErrorText(), "");
+    }
+}
+
+TEST_F(InputTextures, RowsOfANegativeLengthAreNeverRead)
+{
+    for (const int nFormat : {IMAGE_FORMAT_NV12, IMAGE_FORMAT_YUV420P, IMAGE_FORMAT_RGB24}) {
+        for (const int nStride : {-64, -1, std::numeric_limits<int>::min()}) {
+            CTestFrame oFrame(AsymmetricPicture(16, 16), nFormat);
+            oFrame.Image()->nStride = nStride;
+            ASSERT_TRUE(oDewarper.CCustomGPUDewarper::SetTexture(oFrame.Image(), false, nullptr, 0));
+            EXPECT_FALSE(oDewarper.DrawGLScene(false)) << nFormat;
+            EXPECT_NO_GL_ERROR();
+        }
     }
 }
 
