@@ -55,9 +55,10 @@ void CPlayer::BadFrame()
 void CPlayer::Draw()
 {
     const bool bWanted = m_bStarted && (m_bWaiting || m_bUploaded);
-    DrawAndCheck(m_oDewarper, m_rBytes.Bool(), bWanted);
-    if (!bWanted)
+    if (!DrawAndCheck(m_oDewarper, m_rBytes.Bool(), bWanted))
         return;
+    // The planes may go as soon as they have been drawn.
+    m_pFrame.reset();
     m_bWaiting = false;
     m_bUploaded = true;
 }

@@ -45,7 +45,7 @@ private:
 
     CFuzzBytes& m_rBytes;
     CCustomGPUDewarperOffscreen m_oDewarper;
-    /// Its planes live until the next frame is there.
+    /// Its planes live until they have been drawn.
     std::unique_ptr<CFuzzFrame> m_pFrame;
     bool m_bStarted = false;
     bool m_bWaiting = false;  ///< a frame waits to be drawn

@@ -21,6 +21,7 @@ static F Real(F /*fSelf*/, const char* pName)
 {
     return reinterpret_cast<F>(dlsym(RTLD_NEXT, pName));
 }
+// The name is a function. NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define REAL(NAME) static const auto fReal = Real(&NAME, #NAME)
 
 namespace

@@ -8,6 +8,9 @@
 
 #include <memory>
 
+/// Bytes a pixel of the first plane; 1 for formats that there are not.
+int FramePixelBytes(int nFormat);
+
 /// The bytes that the planes of a frame take up, as its description tells: whole rows but for the last one,
 /// which ends with its last pixel. 0: the frame has no such plane.
 std::size_t PlaneBytes(const SImageProperties& rImage, int nPlane);
@@ -32,5 +35,5 @@ void MakeGoodFrame(CFuzzBytes& rBytes, CFuzzFrame& rFrame);
 std::unique_ptr<SQPInfo> MakeQPInfo(CFuzzBytes& rBytes);
 
 /// Draws and looks for GL errors. Wanted: the frame must be drawn. Reads the picture back and looks at its
-/// size when it was drawn.
-void DrawAndCheck(CCustomGPUDewarperOffscreen& rDewarper, bool bExchange, bool bWanted);
+/// size when it was drawn, and returns true.
+bool DrawAndCheck(CCustomGPUDewarperOffscreen& rDewarper, bool bExchange, bool bWanted);

@@ -22,9 +22,10 @@ aOptions=(-max_len=256)
 case $sTarget in
 FuzzMaskPolygons) sCorpus=mask_polygons ;;
 FuzzStrings) sCorpus=strings ;;
-FuzzControlCalls) sCorpus=calls nRuns=30000 aOptions=(-max_len=256 -len_control=0 -entropic=0) ;;
-FuzzFrames) sCorpus=frames nRuns=30000 aOptions=(-max_len=96 -len_control=0 -entropic=0) ;;
-FuzzCommandLine) sCorpus=command-line nRuns=300000 aOptions=(-max_len=300) ;;
+FuzzControlCalls) sCorpus=calls nRuns=20000 aOptions=(-max_len=256 -len_control=0 -entropic=0) ;;
+FuzzFrames) sCorpus=frames nRuns=20000 aOptions=(-max_len=96 -len_control=0 -entropic=0) ;;
+FuzzRawFrames) sCorpus=raw-frames nRuns=200000 aOptions=(-max_len=48 -len_control=0) ;;
+FuzzCommandLine) sCorpus=command-line nRuns=200000 aOptions=(-max_len=300) ;;
 *) echo "there is no target $sTarget" >&2; exit 2 ;;
 esac
 # What a driver keeps until its process ends is not the library's: leaks are looked for where the corpora are
@@ -37,11 +38,13 @@ nStatus=0
 while [ "$SECONDS" -lt "$nSeconds" ] && [ "$nStatus" -eq 0 ]; do
     # The targets watch for hangs themselves, by processor time.
     "$sBuild/tests/$sTarget" "${aOptions[@]}" -runs=$nRuns -max_total_time=$((nSeconds - SECONDS)) -timeout=120 \
-        -detect_leaks=0 -rss_limit_mb=3000 -print_final_stats=1 -artifact_prefix="$sWork/$sTarget." \
+        -detect_leaks=0 -rss_limit_mb=4000 -report_slow_units=100 -print_final_stats=1 -artifact_prefix="$sWork/$sTarget." \
         "$sWork/$sTarget" "$sSource/tests/fuzz/corpus/$sCorpus" >"$sWork/$sTarget.log" 2>&1
     nStatus=$?
+    # What was kept before is read again at every start and does not count.
     nThis=$(sed -n 's/^stat::number_of_executed_units: *//p' "$sWork/$sTarget.log")
-    nDone=$((nDone + ${nThis:-0}))
+    nKept=$(sed -n 's/^#\([0-9]*\)[[:space:]]INITED.*/\1/p' "$sWork/$sTarget.log")
+    nDone=$((nDone + ${nThis:-0} - ${nKept:-0}))
     echo "$nDone" >"$sWork/$sTarget.count"
 done
 [ "$nStatus" -eq 0 ] || tail -n 40 "$sWork/$sTarget.log"

@@ -3,8 +3,14 @@
 
 // The targets' entry points, renamed at compile time so that they fit into one program.
 extern "C" int FuzzControlCalls(const std::uint8_t* pData, std::size_t nSize);
+extern "C" int FuzzFrames(const std::uint8_t* pData, std::size_t nSize);
 
 TEST(CorpusReplay, EveryInputOfTheControlCallTargetPasses)
 {
     EXPECT_GE(ReplayCorpus("calls", FuzzControlCalls), 20);
+}
+
+TEST(CorpusReplay, EveryInputOfTheFrameTargetPasses)
+{
+    EXPECT_GE(ReplayCorpus("frames", FuzzFrames), 20);
 }
