@@ -171,6 +171,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
     CFuzzBytes oBytes(pData, nSize);
     const std::vector<std::string> vArguments = Arguments(oBytes);
     std::vector<const char*> vPointers;
+    vPointers.reserve(vArguments.size());
     for (const std::string& strArgument : vArguments)
         vPointers.push_back(strArgument.c_str());
     try {

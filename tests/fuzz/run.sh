@@ -1,7 +1,9 @@
 #!/bin/bash
 # Runs one fuzz target for a while, in processes of a limited number of inputs each: a driver may keep memory.
 #
-#     tests/fuzz/run.sh TARGET [SECONDS]        FuzzStrings, FuzzControlCalls, ...; default 60 seconds
+#     tests/fuzz/run.sh TARGET [SECONDS [INPUTS]]     FuzzStrings, FuzzControlCalls, ...; default 60 seconds
+#
+# It ends early when that many inputs have been run, in earlier calls too.
 #
 # The build comes from the preset `fuzz` and lies in build/fuzz, or in LUMOR_FUZZ_BUILD. What the target learns
 # goes to LUMOR_FUZZ_WORK (build/fuzz/work): TARGET/ the inputs that reach something new, TARGET.crash-* those
@@ -11,6 +13,7 @@ set -u
 sSource=$(cd "$(dirname "$0")/../.." && pwd)
 sTarget=${1:?tests/fuzz/run.sh TARGET [SECONDS]}
 nSeconds=${2:-60}
+nInputs=${3:-0}
 sBuild=${LUMOR_FUZZ_BUILD:-$sSource/build/fuzz}
 sWork=${LUMOR_FUZZ_WORK:-$sBuild/work}
 if [ ! -x "$sBuild/tests/$sTarget" ]; then
@@ -35,7 +38,7 @@ export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 mkdir -p "$sWork/$sTarget"
 nDone=$(cat "$sWork/$sTarget.count" 2>/dev/null || echo 0)
 nStatus=0
-while [ "$SECONDS" -lt "$nSeconds" ] && [ "$nStatus" -eq 0 ]; do
+while [ "$SECONDS" -lt "$nSeconds" ] && [ "$nStatus" -eq 0 ] && { [ "$nInputs" -eq 0 ] || [ "$nDone" -lt "$nInputs" ]; }; do
     # The targets watch for hangs themselves, by processor time.
     "$sBuild/tests/$sTarget" "${aOptions[@]}" -runs=$nRuns -max_total_time=$((nSeconds - SECONDS)) -timeout=120 \
         -detect_leaks=0 -rss_limit_mb=4000 -report_slow_units=100 -print_final_stats=1 -artifact_prefix="$sWork/$sTarget." \
