@@ -32,16 +32,17 @@ bool CCustomGPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
         __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: no image", "SetTexture");
         return false;
     }
-    nLastSetTimestamp = nTimestamp;
-    pInputPlanes[0] = pImage->pPlane0;
-    pInputPlanes[1] = pImage->pPlane1;
-    pInputPlanes[2] = pImage->pPlane2;
-    sMainShader.bGainRequested = bGain;
+    // The only step that can fail comes first: planes and size of a frame belong together.
     if (pQP != nullptr && !GuardMemory("SetTexture", false, [&] {
             *pQPInfo = *pQP;
             return true;
         }))
         return false;
+    nLastSetTimestamp = nTimestamp;
+    pInputPlanes[0] = pImage->pPlane0;
+    pInputPlanes[1] = pImage->pPlane1;
+    pInputPlanes[2] = pImage->pPlane2;
+    sMainShader.bGainRequested = bGain;
     if (pImage->nWidth != pParams->nImageWidth || pImage->nHeight != pParams->nImageHeight ||
         pImage->nFormat != nImageFormat) {
         bTexturesNeedInit = true;

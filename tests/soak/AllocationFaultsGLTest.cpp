@@ -61,6 +61,32 @@ TEST_P(AllocationFault, FailsOneFrameAndNotTheNext)
 
 INSTANTIATE_TEST_SUITE_P(Views, AllocationFault, testing::Values(VIEW_VCAM, VIEW_PANORAMA_TRIPLE));
 
+TEST(AllocationFaultOfSetters, SideInformationThatCannotBeHeldLeavesTheFrameThereWas)
+{
+    if (!CanFailAllocations())
+        GTEST_SKIP() << "the sanitizer keeps operator new to itself";
+    CTestFrame oLarge(AsymmetricPicture(256, 256), IMAGE_FORMAT_YUV420P);
+    CTestFrame oSmall(AsymmetricPicture(16, 16), IMAGE_FORMAT_YUV420P);
+    SQPInfo sInfo;
+    sInfo.nWidth = sInfo.nHeight = sInfo.nStride = 1;
+    sInfo.pQP = new unsigned char[1]();
+    CTestDewarper oDewarper(64, 48);
+    ASSERT_TRUE(oDewarper.SetTexture(oLarge.Image(), false, nullptr, 5));
+    CLogCapture oLog;
+    FailAllocation(0);
+    const bool bTaken = oDewarper.SetTexture(oSmall.Image(), false, &sInfo, 6);
+    ASSERT_TRUE(AllocationHasFailed());
+    FailAllocation(-1);
+    EXPECT_FALSE(bTaken);
+    EXPECT_EQ(oLog.Text(), "SetTexture: out of memory\n");
+    EXPECT_EQ(static_cast<void*>(oDewarper.pInputPlanes[0]), static_cast<void*>(oLarge.Image()->pPlane0));
+    EXPECT_TRUE(oDewarper.DrawGLScene(true));
+    CTestDewarper oGolden(64, 48);
+    ASSERT_TRUE(oGolden.DrawFrame(oLarge));
+    EXPECT_EQ(oDewarper.Picture().vPixels, oGolden.Picture().vPixels);
+    EXPECT_NO_GL_ERROR();
+}
+
 TEST(AllocationFaultOfSetters, LeavesTheDewarperUsable)
 {
     if (!CanFailAllocations())
