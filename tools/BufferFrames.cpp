@@ -41,7 +41,7 @@ private:
 
 const unsigned char* PlaneRow(const SFrame& sFrame, int nPlane, int y)
 {
-    return sFrame.avPlanes[nPlane].data() +
+    return sFrame.avPlanes[static_cast<std::size_t>(nPlane)].data() +
            static_cast<std::size_t>(y) * static_cast<std::size_t>(sFrame.GetPlaneStride(nPlane));
 }
 

@@ -24,7 +24,7 @@ void SFrame::Allocate(int nNewFormat, int nNewWidth, int nNewHeight, int nRowByt
     if (GetPlaneCount() > 1)
         nStride += nStride % 2;
     for (int i = 0; i < GetPlaneCount(); i++)
-        avPlanes[i].assign(
+        avPlanes[static_cast<std::size_t>(i)].assign(
             static_cast<std::size_t>(GetPlaneStride(i)) * static_cast<std::size_t>(GetPlaneRows(i)), 0);
 }
 

@@ -234,8 +234,8 @@ void CopyPlanes(const AVFrame& sPicture, SFrame& sFrame)
     int anRowBytes[4] = {};
     av_image_fill_linesizes(anRowBytes, static_cast<AVPixelFormat>(sPicture.format), sPicture.width);
     for (int i = 0; i < sFrame.GetPlaneCount(); i++)
-        av_image_copy_plane(sFrame.avPlanes[i].data(), sFrame.GetPlaneStride(i), sPicture.data[i],
-                            sPicture.linesize[i], anRowBytes[i], sFrame.GetPlaneRows(i));
+        av_image_copy_plane(sFrame.avPlanes[static_cast<std::size_t>(i)].data(), sFrame.GetPlaneStride(i),
+                            sPicture.data[i], sPicture.linesize[i], anRowBytes[i], sFrame.GetPlaneRows(i));
 }
 
 /// Another size or layout. YUV keeps its range and colour space.

@@ -37,7 +37,8 @@ SFrame ReadRawFrame(const std::string& strPath, const SRawLayout& sLayout)
         const auto nMemoryStride = static_cast<std::size_t>(sFrame.GetPlaneStride(i));
         const std::size_t nFileStride = i == 0 ? static_cast<std::size_t>(sLayout.nStride) : nMemoryStride;
         for (int nRow = 0; nRow < sFrame.GetPlaneRows(i); nRow++) {
-            unsigned char* pRow = sFrame.avPlanes[i].data() + static_cast<std::size_t>(nRow) * nMemoryStride;
+            unsigned char* pRow = sFrame.avPlanes[static_cast<std::size_t>(i)].data() +
+                                  static_cast<std::size_t>(nRow) * nMemoryStride;
             if (std::fread(pRow, 1, nFileStride, pFile.get()) != nFileStride)
                 ThrowFailure(strPath + ": cannot be read to its end; check the file");
         }
