@@ -20,4 +20,4 @@ ctest --test-dir "$sBuild" -E 'SoakGLTest|ThreadsGLTest|consumer_test' -j "$(npr
     >"$sBuild/tests.log" 2>&1 || echo "Tests failed, see $sBuild/tests.log; the figures are too low." >&2
 
 gcovr --root . --filter 'dewarp/' --object-directory "$sBuild" --exclude-unreachable-branches \
-    --json-summary "$sBuild/summary.json" --txt - --fail-under-line 95 "$sBuild"
+    --json-summary "$sBuild/summary.json" --txt - --fail-under-line 95 "$sBuild" 2>"$sBuild/gcovr.log"
