@@ -20,6 +20,7 @@ struct SView
     const char* pName;
     EViewType eView;
     float fTilt;
+    EMountType eMount = MOUNT_CEILING;
 };
 
 const SView VIEWS[] = {
@@ -32,6 +33,7 @@ const SView VIEWS[] = {
     {"panorama-quarter", VIEW_PANORAMA_QUARTER, 0.0f},
     {"dual", VIEW_PANORAMA_DUAL, 0.0f},
     {"triple", VIEW_PANORAMA_TRIPLE, 0.0f},
+    {"wall-panorama", VIEW_PANORAMA_FULL, 0.0f, MOUNT_WALL},
 };
 
 struct SFormat
@@ -66,9 +68,9 @@ struct SScene
         oDewarper.SetInterpolationType(INTERPOLATION_LINEAR);
         oDewarper.SetLensType(LENS_AUTO);
         oDewarper.SetViewType(rView.eView);
-        oDewarper.SetMountType(MOUNT_CEILING);
+        oDewarper.SetMountType(rView.eMount);
         Frame();
-        oDewarper.AbsolutePTZ(90.0f, rView.fTilt, 120.0f);
+        oDewarper.AbsolutePTZ(rView.eMount == MOUNT_WALL ? 0.0f : 90.0f, rView.fTilt, 120.0f);
         Frame();
         glFinish();
     }

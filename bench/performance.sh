@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Every figure of docs/performance.md: bench/performance.sh [FOLDER]
-# Builds, runs all benchmarks (a quarter of an hour; as root where packages are missing), leaves what they
+# Builds, runs all benchmarks (some eight minutes; as root where packages are missing), leaves what they
 # printed in FOLDER (build/performance) and prints the page's tables. A benchmark that other processes disturb
 # is run again, up to five times.
 set -eu
