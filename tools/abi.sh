@@ -37,7 +37,11 @@ mkdir -p "$sFolder"
 if [ "$(cat "$sFolder/before/commit" 2>/dev/null)" != "$sBefore" ]; then
     rm -rf "$sFolder/before"
     mkdir -p "$sFolder/before/source"
-    gitsafe archive "$sBefore" CMakeLists.txt cmake dewarp platform | tar -x -C "$sFolder/before/source"
+    if ! gitsafe archive --output "$sFolder/before.tar" "$sBefore" CMakeLists.txt cmake dewarp platform 2>/dev/null; then
+        echo "the earlier commit has no library: not compared"
+        exit 0
+    fi
+    tar -x -f "$sFolder/before.tar" -C "$sFolder/before/source"
     if ! build_library before "$sFolder/before/source"; then
         echo "the earlier commit does not build here: not compared"
         exit 0
