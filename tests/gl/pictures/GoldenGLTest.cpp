@@ -1,6 +1,6 @@
 // Golden pictures: one small picture of the room for every view and mount, kept in tests/golden/pictures. On
-// the driver that they were drawn with every byte must stay; other drivers may round differently. The kept
-// pictures are themselves held against exact renderings, so that a wrong one cannot be kept.
+// the driver and processor that they were drawn with every byte must stay; others may round differently. The
+// kept pictures are themselves held against exact renderings, so that a wrong one cannot be kept.
 //
 // LUMOR_WRITE_GOLDEN=1 in the environment draws them anew, and notes the driver beside them.
 #include "tests/support/TestDewarper.h"
@@ -15,6 +15,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 
 struct SGoldenCase
@@ -88,10 +89,23 @@ static bool IsWriting()
     return pValue != nullptr && std::string(pValue) == "1";
 }
 
-/// What the current context's driver calls itself.
+/// Maker, family and model of the processor, as the system tells them; empty where it does not. A software
+/// driver and the mathematics library choose their instructions by it, which may turn a last bit.
+static std::string ProcessorName()
+{
+    std::ifstream oFile("/proc/cpuinfo");
+    std::string strName;
+    for (std::string strLine; std::getline(oFile, strLine) && !strLine.empty();)
+        for (const char* pKey : {"vendor_id\t", "cpu family\t", "model\t"})
+            if (strLine.rfind(pKey, 0) == 0)
+                strName += strLine.substr(strLine.find(':') + 1);
+    return strName;
+}
+
+/// What the current context's driver calls itself, and the processor it runs on.
 static std::string DriverName()
 {
-    std::string strName;
+    std::string strName = "processor" + ProcessorName() + "\n";
     for (const GLenum nName : {GLenum{GL_RENDERER}, GLenum{GL_VERSION}})
         strName.append(reinterpret_cast<const char*>(glGetString(nName))).append("\n");
     return strName;
