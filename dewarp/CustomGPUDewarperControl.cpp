@@ -22,7 +22,7 @@ bool IsUsable(float fValue, const char* pFunction)
 {
     if (std::isfinite(fValue))
         return true;
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: value is not a finite number", pFunction);
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: value is not a finite number", pFunction);
     return false;
 }
 
@@ -127,7 +127,7 @@ void CCustomGPUDewarper::SetRotation(int nDegrees)
 {
     CLockScope oScope(*this);
     if (nDegrees != 0 && nDegrees != 90 && nDegrees != 180 && nDegrees != 270) {
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: %d is not 0, 90, 180 or 270 degrees",
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: %d is not 0, 90, 180 or 270 degrees",
                             "SetRotation", nDegrees);
         return;
     }
@@ -199,7 +199,7 @@ void CCustomGPUDewarper::SetEyeDistance(float fDistance)
 {
     CLockScope oScope(*this);
     if (std::isnan(fDistance)) {
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: value is not a number", "SetEyeDistance");
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: value is not a number", "SetEyeDistance");
         return;
     }
     fEyeDistance = fDistance > 0.0f ? std::fmin(fDistance, MAX_EYE_DISTANCE) : 0.0f;

@@ -35,7 +35,7 @@ const EGLint CONFIG_ATTRIBUTES[] = {
 
 bool Fail(const char* pMessage)
 {
-    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, pMessage, "StartGL");
+    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, pMessage, "StartGL");
     return false;
 }
 
@@ -45,7 +45,8 @@ bool SucceededQuietly(const char* pMessage)
     const EGLint nError = eglGetError();
     if (nError == EGL_SUCCESS)
         return true;
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, pMessage, "StartGL", static_cast<unsigned int>(nError));
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, pMessage, "StartGL",
+                        static_cast<unsigned int>(nError));
     return false;
 }
 
@@ -64,12 +65,12 @@ bool IsCurrentVersionUsable()
 
 CCustomGPUDewarperVela::CCustomGPUDewarperVela()
 {
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Enter", "CCustomGPUDewarperVela");
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Enter", "CCustomGPUDewarperVela");
 }
 
 CCustomGPUDewarperVela::~CCustomGPUDewarperVela()
 {
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: DeInitialize the OpenGLES",
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: DeInitialize the OpenGLES",
                         "~CCustomGPUDewarperVela");
     CCustomGPUDewarperVela::StopGL();
     ReleaseFailedStart();
@@ -89,7 +90,7 @@ bool CCustomGPUDewarperVela::StartGL()
         StopGL();
     ReleaseFailedStart();
     ReinitializeOpenGLObjects();
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Enter", "StartGL");
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Enter", "StartGL");
     if (!OpenDisplay() || !ChooseConfig() || !CreateSurface() || !MakeUsableContextCurrent())
         return false;
     sExtensions = LoadEGLExtensions();
@@ -103,7 +104,7 @@ bool CCustomGPUDewarperVela::StartGL()
     float fTilt = 0.0f;
     float fZoom = 0.0f;
     GetPTZ(fPan, fTilt, fZoom);
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: GetPTZ values are: %f, %f, %f", "StartGL",
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: GetPTZ values are: %f, %f, %f", "StartGL",
                         static_cast<double>(fPan), static_cast<double>(fTilt), static_cast<double>(fZoom));
     bSceneInitialized = false;
     bTexturesNeedInit = true;
@@ -112,7 +113,7 @@ bool CCustomGPUDewarperVela::StartGL()
     bResetObjects = true;
     // The stored pan, not the wrapped one: limits of views lie on both sides of 0.
     AbsolutePTZ(pParams->fPan, pParams->fTilt, pParams->fZoom);
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Initialized the OpenGLES", "StartGL");
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Initialized the OpenGLES", "StartGL");
     bGLStarted = true;
     return true;
 }
@@ -128,8 +129,8 @@ bool CCustomGPUDewarperVela::OpenDisplay()
         mDisplay = EGL_NO_DISPLAY;
         return Fail("%s: Error in opengl es init");
     }
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: egl major version is: %d and minro is: %d", "StartGL",
-                        nMajor, nMinor);
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: egl major version is: %d and minro is: %d",
+                        "StartGL", nMajor, nMinor);
     if (!eglBindAPI(EGL_OPENGL_ES_API))
         return Fail("%s: Error in eslbind");
     return SucceededQuietly("%s failed (%x).\n");
@@ -141,7 +142,7 @@ bool CCustomGPUDewarperVela::ChooseConfig()
     nNumConfigs = 0;
     if (!eglChooseConfig(mDisplay, CONFIG_ATTRIBUTES, &mConfig, 1, &nNumConfigs))
         return Fail("%s: Error choosing the config");
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: egl numconfig returned is: %d", "StartGL",
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: egl numconfig returned is: %d", "StartGL",
                         nNumConfigs);
     return true;
 }
@@ -149,8 +150,9 @@ bool CCustomGPUDewarperVela::ChooseConfig()
 /// Nothing is drawn into the surface; the context is made current with it.
 bool CCustomGPUDewarperVela::CreateSurface()
 {
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Creating a surface of width is: %d and height is: %d",
-                        "StartGL", nTargetWidth, nTargetHeight);
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
+                        "%s: Creating a surface of width is: %d and height is: %d", "StartGL", nTargetWidth,
+                        nTargetHeight);
     const EGLint aSize[] = {EGL_WIDTH, nTargetWidth, EGL_HEIGHT, nTargetHeight, EGL_NONE};
     mSurface = eglCreatePbufferSurface(mDisplay, mConfig, aSize);
     return mSurface != EGL_NO_SURFACE || Fail("%s: Error creating surface");
@@ -191,7 +193,7 @@ bool CCustomGPUDewarperVela::MakeUsableContextCurrent()
 bool CCustomGPUDewarperVela::StopGL()
 {
     const auto oDisplays = LockDisplays();
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Stop OpenGLES", "StopGL");
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Stop OpenGLES", "StopGL");
     if (!bGLStarted) {
         ReinitializeOpenGLObjects();
         return true;
@@ -260,7 +262,7 @@ bool CCustomGPUDewarperVela::SetCurrentRenderingContext(void** /*ppContext*/)
     // The context stays current on the thread that started it, unless somebody else drew there meanwhile.
     if (!bGLStarted || MakeOwnContextCurrent())
         return true;
-    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG,
+    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG,
                         "%s: the context cannot be made current: it is lost, or current on another thread",
                         "SetCurrentRenderingContext");
     return false;

@@ -27,7 +27,7 @@ const EGLint IMAGE_ATTRIBUTES[] = {EGL_IMAGE_PRESERVED_KHR, EGL_TRUE, EGL_NONE};
 
 bool FailImage(const char* pFunction)
 {
-    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: Error creating egl image ", pFunction);
+    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: Error creating egl image ", pFunction);
     return false;
 }
 
@@ -38,7 +38,7 @@ void LogNativeBuffer(const ANativeWindowBuffer& rBuffer)
     const int nFds = pHandle != nullptr ? pHandle->numFds : 0;
     const int nInts = pHandle != nullptr ? pHandle->numInts : 0;
     const int nFirst = nFds + nInts > 0 ? pHandle->data[0] : 0;
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
                         "%s: Calling eglCreateImageKHR------ with magic 0x%x version %d %d %d 0x%x gaphicb "
                         "width is: %d, height is: %d, stride: %d and format is: %d",
                         "CreateImage", static_cast<unsigned int>(rBuffer.common.magic), nVersion, nFds, nInts,
@@ -51,7 +51,7 @@ void LogNativeBuffer(const ANativeWindowBuffer& rBuffer)
 bool CCustomGPUDewarperVela::IsThere(bool bEntryPoint, const char* pFunction, const char* pName) const
 {
     if (!bEntryPoint)
-        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: the driver has no %s", pFunction, pName);
+        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: the driver has no %s", pFunction, pName);
     return bEntryPoint;
 }
 
@@ -91,7 +91,7 @@ bool CCustomGPUDewarperVela::CreateImage(android::GraphicBuffer* pInput)
             sExtensions.eglDestroyImageKHR(mDisplay, mInputImage);
         return false;
     }
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: eglCreateImageKHR sucessfull", "CreateImage");
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: eglCreateImageKHR sucessfull", "CreateImage");
     return true;
 }
 
@@ -187,7 +187,8 @@ bool CCustomGPUDewarperVela::InitializeTextures()
     glActiveTexture(GL_TEXTURE0);
     glPixelStorei(GL_UNPACK_ALIGNMENT, UnpackAlignment(pParams->nImageStride));
     if (!OSDependentUploadTexture()) {
-        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: Error uploading texture", "InitializeTextures");
+        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: Error uploading texture",
+                            "InitializeTextures");
         return false;
     }
     bTexturesNeedInit = false;
@@ -266,8 +267,9 @@ int CCustomGPUDewarperVela::OSDependentCheckLoadShaders()
         pVCAM->m_bTopDownTarget = !bDrawToTexture;
     if (bDrawToTexture == mDrawToTexture)
         return 0;
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: bDrawToTexture=%d mDrawToTexture=%d mContext=%d",
-                        "OSDependentCheckLoadShaders", bDrawToTexture ? 1 : 0, mDrawToTexture ? 1 : 0,
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
+                        "%s: bDrawToTexture=%d mDrawToTexture=%d mContext=%d", "OSDependentCheckLoadShaders",
+                        bDrawToTexture ? 1 : 0, mDrawToTexture ? 1 : 0,
                         static_cast<int>(reinterpret_cast<std::intptr_t>(mContext)));
     mDrawToTexture = bDrawToTexture;
     return 1;

@@ -20,7 +20,7 @@ const int MAX_TARGET_SIZE = 16384;
 
 bool Fail(const char* pFunction, const char* pMessage)
 {
-    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: %s", pFunction, pMessage);
+    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: %s", pFunction, pMessage);
     return false;
 }
 
@@ -85,7 +85,7 @@ bool CCustomGPUDewarperOffscreen::InitGL(int nWidth, int nHeight)
 {
     CLockScope oScope(*this);
     if (nWidth < 1 || nHeight < 1 || nWidth > MAX_TARGET_SIZE || nHeight > MAX_TARGET_SIZE) {
-        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: target size %d x %d is outside 1 to %d",
+        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: target size %d x %d is outside 1 to %d",
                             "InitGL", nWidth, nHeight, MAX_TARGET_SIZE);
         return false;
     }

@@ -41,7 +41,7 @@ std::vector<SGPolygon> ParseMaskPolygons(const unsigned char* pData, int nLength
         oReader = oRecord;
     }
     if (oReader.GetLeft() > 0)
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
                             "%s: incomplete mask after %zu whole ones, %zu bytes dropped", __func__,
                             vPolygons.size(), oReader.GetLeft());
     return vPolygons;
@@ -67,7 +67,7 @@ std::vector<unsigned char> BuildMaskPolygons(const std::vector<SGPolygon>& vPoly
         const SGPolygon& sPolygon = vPolygons[i];
         const std::size_t nBytes = COUNT_BYTES + sPolygon.vPoints.size() * POINT_BYTES + COLOR_BYTES;
         if (!CanBeWritten(sPolygon) || nBytes > MOST_BYTES - vBytes.size()) {
-            __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+            __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
                                 "%s: mask %zu does not fit the format, nothing built", __func__, i);
             return {};
         }

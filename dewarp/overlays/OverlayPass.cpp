@@ -90,8 +90,9 @@ int CCustomGPUDewarper::SetOverlay(SGOverlay& sOverlay, unsigned char* pData, in
     const bool bNew = sOverlay.pData == nullptr || sOverlay.nWidth != nWidth || sOverlay.nHeight != nHeight;
     if (bNew) {
         if (nWidth < 1 || nHeight < 1 || nWidth > MAX_OVERLAY_SIZE || nHeight > MAX_OVERLAY_SIZE) {
-            __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: overlay size %d x %d is outside 1 to %d",
-                                "SetOverlay", nWidth, nHeight, MAX_OVERLAY_SIZE);
+            __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
+                                "%s: overlay size %d x %d is outside 1 to %d", "SetOverlay", nWidth, nHeight,
+                                MAX_OVERLAY_SIZE);
             return 0;
         }
         ParkOverlayTexture(sOverlay);
@@ -196,8 +197,9 @@ void CCustomGPUDewarper::DropOversizedOverlays()
     for (SGOverlay* pOverlay : {&sInputOverlay, &sOutputOverlay}) {
         if (!pOverlay->bRealloc || FitsTexture(pOverlay->nWidth, pOverlay->nHeight))
             continue;
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: the driver has no texture of %d x %d; no overlay",
-                            "DrawGLScene", pOverlay->nWidth, pOverlay->nHeight);
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
+                            "%s: the driver has no texture of %d x %d; no overlay", "DrawGLScene",
+                            pOverlay->nWidth, pOverlay->nHeight);
         pOverlay->Reset();
         if (pOverlay == &sInputOverlay)
             sMainShader.bInputOverlay = false;

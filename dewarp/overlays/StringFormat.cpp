@@ -42,7 +42,7 @@ std::vector<SGPUString> ParseStrings(const unsigned char* pData, int nLength)
         oReader = oRecord;
     }
     if (oReader.GetLeft() > 0)
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
                             "%s: incomplete string after %zu whole ones, %zu bytes dropped", __func__,
                             vStrings.size(), oReader.GetLeft());
     return vStrings;
@@ -68,7 +68,7 @@ std::vector<unsigned char> BuildStrings(const std::vector<SGPUString>& vStrings)
         const SGPUString& sString = vStrings[i];
         const std::size_t nBytes = COUNT_BYTES + sString.strText.size() + FIXED_BYTES;
         if (!CanBeWritten(sString) || nBytes > MOST_BYTES - vBytes.size()) {
-            __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+            __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
                                 "%s: string %zu does not fit the format, nothing built", __func__, i);
             return {};
         }

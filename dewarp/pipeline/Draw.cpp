@@ -43,7 +43,7 @@ void CCustomGPUDewarper::PrepareFrameBuffer()
         glGenFramebuffers(1, &nFrameBuffer);
         bObjectsMade = true;
         if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
-            __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+            __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
                                 "%s:7++++ nError! glCheckFramebufferStatus not complete!\n", "DrawGLScene");
     }
     glBindFramebuffer(GL_FRAMEBUFFER, nFrameBuffer);

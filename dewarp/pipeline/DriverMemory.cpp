@@ -28,7 +28,7 @@ bool CCustomGPUDewarper::LacksDriverMemory()
 /// of them are made anew with the next frame that is handed over.
 void CCustomGPUDewarper::GiveUpFrameObjects()
 {
-    __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: the driver is out of memory", "DrawGLScene");
+    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: the driver is out of memory", "DrawGLScene");
     bDriverMemoryLacks = false;
     FreeTextures();
     std::memset(anTextureUnitSize, 0, sizeof(anTextureUnitSize));

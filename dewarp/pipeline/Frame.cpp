@@ -293,7 +293,7 @@ void CCustomGPUDewarper::FinishFrame()
     if (bLogGLErrors) {
         const unsigned int nError = nErrorOfFrame != 0 ? nErrorOfFrame : glGetError();
         if (nError != 0)
-            __android_log_print(ANDROID_LOG_INFO, LOG_TAG,
+            __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
                                 "%s: this=%p End of DrawGLScene and the error is=%d\n", "DrawGLScene",
                                 static_cast<void*>(this), static_cast<int>(nError));
     }

@@ -29,7 +29,7 @@ bool CCustomGPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
 {
     CLockScope oScope(*this);
     if (pImage == nullptr) {
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: no image", "SetTexture");
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: no image", "SetTexture");
         return false;
     }
     // The only step that can fail comes first: planes and size of a frame belong together.

@@ -17,7 +17,7 @@ R GuardMemory(const char* pFunction, R tFailed, F&& fWork)
     try {
         return std::forward<F>(fWork)();
     } catch (const std::bad_alloc&) {
-        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: out of memory", pFunction);
+        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: out of memory", pFunction);
         return tFailed;
     }
 }

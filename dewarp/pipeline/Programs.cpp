@@ -34,12 +34,12 @@ void LogCompileError(unsigned int nShader, const char* pMessage)
     GLint nLength = 0;
     glGetShaderiv(nShader, GL_INFO_LOG_LENGTH, &nLength);
     if (nLength < 1) {
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, pMessage, "LoadShaderPrograms", "none given");
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, pMessage, "LoadShaderPrograms", "none given");
         return;
     }
     std::string strLog(static_cast<std::size_t>(nLength), '\0');
     glGetShaderInfoLog(nShader, nLength, nullptr, strLog.data());
-    __android_log_print(ANDROID_LOG_INFO, LOG_TAG, pMessage, "LoadShaderPrograms", strLog.c_str());
+    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, pMessage, "LoadShaderPrograms", strLog.c_str());
 }
 
 } // namespace
@@ -195,10 +195,10 @@ int CCustomGPUDewarper::LoadShaderPrograms(SShaderProperties& sShader)
 {
     sShader.Free();
     if (bLogShaderCode) {
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Vertex Shader:\n%s\n", "LoadShaderPrograms",
-                            sShader.strVertexShader.c_str());
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: Fragment Shader:\n%s\n", "LoadShaderPrograms",
-                            sShader.strFragmentShader.c_str());
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Vertex Shader:\n%s\n",
+                            "LoadShaderPrograms", sShader.strVertexShader.c_str());
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Fragment Shader:\n%s\n",
+                            "LoadShaderPrograms", sShader.strFragmentShader.c_str());
     }
     if (!CompileShader(sShader.nVertexShader, GL_VERTEX_SHADER, sShader.strVertexShader,
                        "%s: vertex shader error is: %s \n")) {
@@ -226,7 +226,8 @@ int CCustomGPUDewarper::LoadShaderPrograms(SShaderProperties& sShader)
         glDeleteShader(sShader.nVertexShader);
         glDeleteShader(sShader.nFragmentShader);
         sShader.bNamesDeleted = true;
-        __android_log_print(ANDROID_LOG_INFO, LOG_TAG, "%s: the program does not link", "LoadShaderPrograms");
+        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: the program does not link",
+                            "LoadShaderPrograms");
         return -3;
     }
     glUseProgram(sShader.nProgram);

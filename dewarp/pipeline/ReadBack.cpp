@@ -47,7 +47,7 @@ unsigned char* CCustomGPUDewarper::GetImage(int* pSize, int* pWidth, int* pHeigh
     ReadPixels(w, h, pReadBack + nHalf);
     unsigned int nError = 0;
     if (TakeDriverErrors(nError)) {
-        __android_log_print(ANDROID_LOG_ERROR, LOG_TAG, "%s: the driver is out of memory", "GetImage");
+        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: the driver is out of memory", "GetImage");
         return nullptr;
     }
     return pReadBack;

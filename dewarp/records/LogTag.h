@@ -2,4 +2,4 @@
 /// Tag of every log line of the library.
 #pragma once
 
-inline constexpr char LOG_TAG[] = "LUMORVIDEOMANAGER_DEWRAP";
+inline constexpr char DEWARP_LOG_TAG[] = "LUMORVIDEOMANAGER_DEWRAP";
