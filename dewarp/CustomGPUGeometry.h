@@ -2,12 +2,9 @@
 /// Mesh generator: turns a view and a lens into triangles whose texture coordinates sample the input image.
 #pragma once
 
+#include "dewarp/lenses/LensSizes.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SGRect.h"
-
-/// Lens model that the frame size stands for; LENS_UNKNOWN when no known sensor has that size.
-/// Units: pixels. Thread: any. Fails: never.
-ELensType AutoDetectLensType(int nWidth, int nHeight);
 
 /// Builds one mesh at a time into m_pVertices and m_pTexCoords.
 /// Units: degrees at every argument; texture coordinates 0..1 from the top left of the input image.

@@ -1,5 +1,7 @@
 #include "dewarp/views/GPUObjBase.h"
 
+#include "dewarp/lenses/SLens.h"
+
 namespace
 {
 
@@ -148,5 +150,5 @@ void CCGPUObjBase::FillBuffers(CCustomGPUGeometry& rGeometry)
 
 bool NeedsTexCoordClip(ELensType eLens)
 {
-    return eLens == LENS_DSL215 || eLens == LENS_DSL239;
+    return FindLens(eLens).bClipRows;
 }

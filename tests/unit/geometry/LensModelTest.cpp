@@ -1,28 +1,27 @@
 #include "AssertionCatcher.h"
 #include "MeshChecks.h"
 
-#include "dewarp/geometry/LensTable.h"
+#include "dewarp/geometry/LensModel.h"
 #include "dewarp/tables/LensDistortion.h"
 
 #include <cmath>
 #include <limits>
 
 /// Height of a lens at an angle in double precision, in table units.
-static double HeightAt(const SLensTable& sTable, double fDegrees)
+static double HeightAt(const SLens& rLens, double fDegrees)
 {
-    int j = 0;
-    while (j + 2 < sTable.nEntries && double(sTable.pDomain[j + 1]) <= fDegrees)
+    std::size_t j = 0;
+    while (j + 2 < rLens.vDomain.size() && double(rLens.vDomain[j + 1]) <= fDegrees)
         ++j;
     const double fPart =
-        (fDegrees - double(sTable.pDomain[j])) / (double(sTable.pDomain[j + 1]) - double(sTable.pDomain[j]));
-    return double(sTable.pRange[j]) + fPart * (double(sTable.pRange[j + 1]) - double(sTable.pRange[j]));
+        (fDegrees - double(rLens.vDomain[j])) / (double(rLens.vDomain[j + 1]) - double(rLens.vDomain[j]));
+    return double(rLens.vRange[j]) + fPart * (double(rLens.vRange[j + 1]) - double(rLens.vRange[j]));
 }
 
 /// The last sample, scaled in a straight line to 90 degrees.
-static double ScaledRim(const SLensTable& sTable)
+static double ScaledRim(const SLens& rLens)
 {
-    const int n = sTable.nEntries - 1;
-    return double(sTable.pRange[n]) * 90.0 / double(sTable.pDomain[n]);
+    return double(rLens.vRange.back()) * 90.0 / double(rLens.vDomain.back());
 }
 
 static void BuildTables(CCustomGPUGeometry& oGeometry, int nLens, int nWidth, int nHeight)
@@ -62,14 +61,14 @@ TEST(LensModel, UnknownLensIsEquidistant)
     }
 }
 
-TEST(LensModel, RadiusTableFollowsTheMeasuredHeights)
+TEST(LensModel, RadiurLensFollowsTheMeasuredHeights)
 {
     for (int nLens : {215, 239, 418, 419}) {
         CCustomGPUGeometry oGeometry;
         BuildTables(oGeometry, nLens, 1920, 1920);
-        const SLensTable sTable = FindLensTable(nLens);
+        const SLens& rLens = FindLens(nLens);
         for (int i = 0; i < 90; ++i)
-            EXPECT_NEAR(oGeometry.m_pTheta2rMapping[i], HeightAt(sTable, i) / ScaledRim(sTable), 3e-7)
+            EXPECT_NEAR(oGeometry.m_pTheta2rMapping[i], HeightAt(rLens, i) / ScaledRim(rLens), 3e-7)
                 << "lens " << nLens << " at " << i;
         EXPECT_EQ(oGeometry.m_pTheta2rMapping[90], 1.0f);
         EXPECT_EQ(oGeometry.m_pTheta2rMapping[91], 1.0f);
@@ -81,10 +80,10 @@ TEST(LensModel, AngleTableInvertsTheMeasuredHeights)
     for (int nLens : {215, 239, 418, 419}) {
         CCustomGPUGeometry oGeometry;
         BuildTables(oGeometry, nLens, 1920, 1920);
-        const SLensTable sTable = FindLensTable(nLens);
-        const double fRim = HeightAt(sTable, 90.0);
+        const SLens& rLens = FindLens(nLens);
+        const double fRim = HeightAt(rLens, 90.0);
         for (int k = 0; k < 960; ++k)
-            EXPECT_NEAR(HeightAt(sTable, double(oGeometry.m_pR2ThetaMapping[k])) / fRim, k / 960.0, 5e-7)
+            EXPECT_NEAR(HeightAt(rLens, double(oGeometry.m_pR2ThetaMapping[k])) / fRim, k / 960.0, 5e-7)
                 << "lens " << nLens << " at " << k;
         EXPECT_EQ(oGeometry.m_pR2ThetaMapping[960], 90.0f);
         EXPECT_EQ(oGeometry.m_pR2ThetaMapping[961], 90.0f);
@@ -111,16 +110,16 @@ TEST(LensModel, DSL215TablesAreNotExactInverses)
 {
     CCustomGPUGeometry oGeometry;
     BuildTables(oGeometry, LENS_DSL215, 2144, 1944);
-    const SLensTable sTable = FindLensTable(LENS_DSL215);
-    const double fScaled = double(sTable.pRange[85]) * 90.0 / 93.5;
+    const SLens& rLens = FindLens(LENS_DSL215);
+    const double fScaled = double(rLens.vRange[85]) * 90.0 / 93.5;
     const double fPart =
-        (90.0 - double(sTable.pDomain[81])) / (double(sTable.pDomain[82]) - double(sTable.pDomain[81]));
-    EXPECT_NEAR(double(sTable.pDomain[81]), 89.1, 1e-5);
+        (90.0 - double(rLens.vDomain[81])) / (double(rLens.vDomain[82]) - double(rLens.vDomain[81]));
+    EXPECT_NEAR(double(rLens.vDomain[81]), 89.1, 1e-5);
     const double fBetween =
-        double(sTable.pRange[81]) + fPart * (double(sTable.pRange[82]) - double(sTable.pRange[81]));
+        double(rLens.vRange[81]) + fPart * (double(rLens.vRange[82]) - double(rLens.vRange[81]));
     EXPECT_GT(fBetween - fScaled, 0.01);
-    EXPECT_NEAR(oGeometry.m_pTheta2rMapping[45] * fScaled, HeightAt(sTable, 45.0), 1e-6);
-    const double fHeight = HeightAt(sTable, double(oGeometry.m_pR2ThetaMapping[536]));
+    EXPECT_NEAR(oGeometry.m_pTheta2rMapping[45] * fScaled, HeightAt(rLens, 45.0), 1e-6);
+    const double fHeight = HeightAt(rLens, double(oGeometry.m_pR2ThetaMapping[536]));
     EXPECT_NEAR(fHeight, fBetween * 536.0 / 1072.0, 1e-6);
 }
 
@@ -208,13 +207,13 @@ TEST(LensModel, DirectionsBeyondTheTableStayOnTheRim)
     EXPECT_EQ(fZ, 1.0f);
 }
 
-TEST(LensModel, TableThatDoesNotBracketAnAngleStopsTheProgram)
+TEST(LensModel, LensThatDoesNotBracketAnAngleStopsTheProgram)
 {
     const float afDomain[3] = {1.0f, 40.0f, 95.0f};
     const float afRange[3] = {0.0f, 1.0f, 2.0f};
-    float afMapping[92] = {};
+    float afTable[nAngleEntries] = {};
     try {
-        ResampleLensTable({afDomain, afRange, 3}, afMapping);
+        FillTheta2r({LENS_UNKNOWN, afDomain, afRange}, afTable);
         FAIL() << "no assertion";
     } catch (const SAssertion& s) {
         EXPECT_EQ(s.strFile, "dewarp/CustomGPUGeometry");
@@ -222,29 +221,5 @@ TEST(LensModel, TableThatDoesNotBracketAnAngleStopsTheProgram)
         EXPECT_EQ(s.strExpression, "theta1 <= i && theta2 > i");
     }
     const float afShort[3] = {0.0f, 40.0f, 80.0f};
-    EXPECT_THROW(ResampleLensTable({afShort, afRange, 3}, afMapping), SAssertion);
-}
-
-struct SDetection
-{
-    int nWidth;
-    int nHeight;
-    ELensType eLens;
-};
-
-TEST(LensModel, KnownFrameSizesSelectTheirLens)
-{
-    const SDetection CASES[] = {
-        {1056, 960, LENS_DSL215},   {2144, 1944, LENS_DSL215},  {1488, 1360, LENS_DSL215},
-        {528, 480, LENS_DSL215},    {1056, 992, LENS_DSL419},   {2080, 1960, LENS_DSL419},
-        {1472, 1384, LENS_DSL419},  {544, 512, LENS_DSL419},    {2528, 2376, LENS_DSL419},
-        {3200, 3000, LENS_DSL419},  {3360, 3000, LENS_DSL239},  {2240, 2000, LENS_DSL239},
-        {1568, 1400, LENS_DSL239},  {1120, 1000, LENS_DSL239},  {672, 600, LENS_DSL239},
-        {2992, 2992, LENS_DSL419},  {2800, 2800, LENS_DSL419},  {2304, 2304, LENS_DSL419},
-        {1920, 1920, LENS_DSL419},  {512, 512, LENS_DSL419},    {1440, 1440, LENS_DSL419},
-        {992, 992, LENS_DSL419},    {1920, 1080, LENS_UNKNOWN}, {960, 1056, LENS_UNKNOWN},
-        {1920, 1921, LENS_UNKNOWN}, {0, 0, LENS_UNKNOWN},       {-1920, -1920, LENS_UNKNOWN},
-    };
-    for (const SDetection& s : CASES)
-        EXPECT_EQ(AutoDetectLensType(s.nWidth, s.nHeight), s.eLens) << s.nWidth << "x" << s.nHeight;
+    EXPECT_THROW(FillTheta2r({LENS_UNKNOWN, afShort, afRange}, afTable), SAssertion);
 }

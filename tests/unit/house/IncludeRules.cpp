@@ -46,7 +46,7 @@ const std::vector<SRoomRule>& HouseRules()
     static const int TIMED = HEADER_STANDARD | HEADER_CLOCK;
     static const int DRAWING = TIMED | HEADER_GL | HEADER_LOG;
     static const int HOSTING = DRAWING | HEADER_EGL;
-    static const std::vector<std::string> GEOMETRY = {"dewarp/geometry/", "dewarp/records/", "dewarp/tables/",
+    static const std::vector<std::string> GEOMETRY = {"dewarp/geometry/", "dewarp/lenses/", "dewarp/records/",
                                                       "dewarp/CustomGPUGeometry.h", "platform/Assert.h"};
     static const std::vector<std::string> HOSTS = {"dewarp/android/", "dewarp/offscreen/"};
     static const std::vector<std::string> PARSING = {"dewarp/overlays/", "dewarp/records/"};
@@ -57,13 +57,17 @@ const std::vector<SRoomRule>& HouseRules()
 
         {"dewarp/records/", {"dewarp/records/"}, PLAIN, {}},
         {"dewarp/records/SShaderProperties.cpp", {"dewarp/records/"}, PLAIN | HEADER_GL, {}},
+        {"dewarp/lenses/",
+         {"dewarp/lenses/", "dewarp/records/", "dewarp/tables/"},
+         PLAIN,
+         {"dewarp/geometry/", "dewarp/views/"}},
         {"dewarp/geometry/", GEOMETRY, PLAIN, {"dewarp/views/"}},
         {"dewarp/tables/", {"dewarp/tables/"}, PLAIN, {}},
         {"dewarp/shaders/", {"dewarp/shaders/", "dewarp/records/Enumerations.h"}, PLAIN, {}},
         {"dewarp/pipeline/", {"dewarp/", "platform/"}, DRAWING, HOSTS},
         {"dewarp/views/",
-         {"dewarp/views/", "dewarp/geometry/", "dewarp/records/", "dewarp/CustomGPUGeometry.h",
-          "platform/Assert.h"},
+         {"dewarp/views/", "dewarp/geometry/", "dewarp/lenses/", "dewarp/records/",
+          "dewarp/CustomGPUGeometry.h", "platform/Assert.h"},
          PLAIN | HEADER_GL,
          {"dewarp/shaders/", "dewarp/pipeline/", "dewarp/CustomGPUDewarper"}},
 

@@ -114,8 +114,8 @@ TEST(IncludeRules, EGLIsCalledOnlyByHostsAndPlatform)
 
 TEST(IncludeRules, RoomsWithoutGLCallNoGL)
 {
-    MSources oSources =
-        ReadSources({"dewarp/records", "dewarp/geometry", "dewarp/tables", "dewarp/shaders"}, CODE);
+    MSources oSources = ReadSources(
+        {"dewarp/records", "dewarp/lenses", "dewarp/geometry", "dewarp/tables", "dewarp/shaders"}, CODE);
     oSources.erase("dewarp/records/SShaderProperties.cpp");
     EXPECT_EQ(Join(MatchingLines(oSources, "\\bgl[A-Z]\\w*\\s*\\(")), "");
 }
@@ -174,6 +174,17 @@ TEST(BrokenIncludeRules, GLInGeometryIsFoundThroughOtherFiles)
     EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/views/B.h\"\n"}}).size(), 2u);
     EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <cmath>\n#include \"dewarp/geometry/B.h\"\n"}}),
               VStrings{});
+}
+
+TEST(BrokenIncludeRules, GeometryKnowsLensesAndLensesKnowNoGeometry)
+{
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/lenses/B.h\"\n"},
+                      {"dewarp/lenses/B.h", "#include <span>\n#include \"dewarp/tables/C.h\"\n"}}),
+              VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", "#include \"dewarp/geometry/B.h\"\n"}}).size(), 2u);
+    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", "#include \"platform/Assert.h\"\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", "#include <GLES3/gl31.h>\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/tables/B.h\"\n"}}).size(), 1u);
 }
 
 TEST(BrokenIncludeRules, OnlyTheShaderRecordKnowsGL)
