@@ -1,7 +1,7 @@
 /// \file
 /// Meshes of the fisheye view: the whole frame as a rectangle, and the lens circle as a fan. Positions span
 /// -1..1 vertically and the frame's aspect horizontally.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshInput.h"
 
 #include <cmath>

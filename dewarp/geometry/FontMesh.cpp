@@ -1,6 +1,6 @@
 /// \file
 /// Glyph mesh: one full-viewport quad for each cell of a font atlas, row by row.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 
 #include <cstdint>
 #include <limits>

@@ -2,7 +2,7 @@
 /// The generator's side of the lens: fisheye radius, the two lookup tables, pixels to directions.
 #include "dewarp/geometry/LensModel.h"
 
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshInput.h"
 #include "platform/Assert.h"
 

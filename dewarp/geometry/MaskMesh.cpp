@@ -1,5 +1,5 @@
 // Mesh of one privacy mask: its polygon, cut into triangles, over the whole image.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/EarClipper.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 /// \file
 /// Meshes of the dual and triple panorama: strips of 90 degrees of azimuth that follow tilt and rotation.
 /// They are rebuilt on every move of the view, so whatever does not depend on it is kept in tables.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshInput.h"
 #include "dewarp/geometry/RayRow.h"
 

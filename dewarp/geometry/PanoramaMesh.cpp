@@ -1,7 +1,7 @@
 /// \file
 /// Mesh of the single panorama: the 360-degree band, laid out twice side by side so that it can be scrolled
 /// without an end.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshInput.h"
 
 #include <array>

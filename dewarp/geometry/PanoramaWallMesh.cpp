@@ -1,7 +1,7 @@
 /// \file
 /// Mesh of the wall panorama: the half-sphere in front of a camera on a wall, unrolled through a grid of
 /// rays two degrees apart.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshInput.h"
 #include "dewarp/geometry/RayRow.h"
 

@@ -3,7 +3,7 @@
 /// into bands between grid rows. Inside the library only.
 #pragma once
 
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,7 @@
 /// \file
 /// Mesh of the virtual camera: the half-sphere in front of the lens, every vertex carrying the texture
 /// coordinate of its fisheye pixel. One quadrant of the disc is cut to the lens circle, then mirrored.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/VCAMBuild.h"
 #include "platform/Assert.h"
 

@@ -1,4 +1,4 @@
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 
 #include "PolygonCases.h"
 

@@ -4,7 +4,7 @@
 
 #include "PlainMeshes.h"
 
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 
 #include <gtest/gtest.h>
 

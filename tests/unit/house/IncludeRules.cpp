@@ -47,7 +47,7 @@ const std::vector<SRoomRule>& HouseRules()
     static const int DRAWING = TIMED | HEADER_GL | HEADER_LOG;
     static const int HOSTING = DRAWING | HEADER_EGL;
     static const std::vector<std::string> GEOMETRY = {"dewarp/geometry/", "dewarp/lenses/", "dewarp/records/",
-                                                      "dewarp/CustomGPUGeometry.h", "platform/Assert.h"};
+                                                      "platform/Assert.h"};
     static const std::vector<std::string> HOSTS = {"dewarp/android/", "dewarp/offscreen/"};
     static const std::vector<std::string> PARSING = {"dewarp/overlays/", "dewarp/records/"};
     static const std::vector<SRoomRule> RULES = {

@@ -165,10 +165,10 @@ TEST(BrokenIncludeRules, GLInGeometryIsFoundThroughOtherFiles)
 {
     EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <GLES3/gl31.h>\n"}}),
               VStrings{"dewarp/geometry/A.cpp may not reach <GLES3/gl31.h>"});
-    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/CustomGPUGeometry.h\"\n"},
-                      {"dewarp/CustomGPUGeometry.h", "#include <GLES3/gl31.h>\n"}}),
-              (VStrings{"dewarp/CustomGPUGeometry.h may not reach <GLES3/gl31.h>",
-                        "dewarp/geometry/A.cpp may not reach <GLES3/gl31.h>"}));
+    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/lenses/B.h\"\n"},
+                      {"dewarp/lenses/B.h", "#include <GLES3/gl31.h>\n"}}),
+              (VStrings{"dewarp/geometry/A.cpp may not reach <GLES3/gl31.h>",
+                        "dewarp/lenses/B.h may not reach <GLES3/gl31.h>"}));
     EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <chrono>\n#include <android/log.h>\n"}}).size(),
               2u);
     EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/views/B.h\"\n"}}).size(), 2u);

@@ -1,6 +1,6 @@
 /// \file
 /// Buffers of the mesh generator and the primitives its meshes share.
-#include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
 
 #include <cmath>
 #include <cstddef>
