@@ -64,11 +64,12 @@ void setRotateM(float* pMatrix, int nOffset, float fAngle, float x, float y, flo
 
 void rotateM(float* pMatrix, int nOffset, float fAngle, float x, float y, float z)
 {
+    float* m = pMatrix + nOffset;
     float aRotation[16];
     float aProduct[16];
     setRotateM(aRotation, 0, fAngle, x, y, z);
-    MultiplyMatrices(aProduct, pMatrix, aRotation);
-    std::memcpy(pMatrix + 64 * nOffset, aProduct, sizeof(aProduct));
+    MultiplyMatrices(aProduct, m, aRotation);
+    std::memcpy(m, aProduct, sizeof(aProduct));
 }
 
 void TranslateMatrix(float* pMatrix, float x, float y, float z)

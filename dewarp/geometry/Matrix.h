@@ -7,7 +7,8 @@
 /// Source: OpenGL ES 1.1 reference page of glRotate.
 void setRotateM(float* pMatrix, int nOffset, float fAngle, float x, float y, float z);
 
-/// Multiplies the matrix from the right: m = m x R. The rotation acts on the model before what m did so far.
+/// Multiplies the matrix at pMatrix[nOffset] from the right: m = m x R. The rotation acts on the model before
+/// what m did so far.
 void rotateM(float* pMatrix, int nOffset, float fAngle, float x, float y, float z);
 
 /// Multiplies the matrix from the right with the translation by (x, y, z).
