@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -72,8 +73,16 @@ void CCustomGPUGeometry::CheckBufferSize(int n)
     m_nBufferSize = n;
 }
 
+/// Whether nFirst and the nCount entries from there on lie among nSize.
+static bool HasRoom(std::int64_t nFirst, std::int64_t nCount, std::int64_t nSize)
+{
+    return nFirst >= 0 && nFirst + nCount <= nSize;
+}
+
 void CCustomGPUGeometry::AddVertex(float x, float y, float z, float u, float v)
 {
+    if (!HasRoom(m_nVertexCount, 1, m_nBufferSize))
+        return;
     float* pVertex = m_pVertices + static_cast<std::size_t>(m_nVertexCount) * 3;
     float* pTexCoord = m_pTexCoords + static_cast<std::size_t>(m_nVertexCount) * 2;
     pVertex[0] = x;
@@ -100,7 +109,18 @@ static float LimitOffset(float fOffset, float fHalf)
     return fOffset;
 }
 
+bool CCustomGPUGeometry::HasVCAMRoom(int nFirst, int nCount) const
+{
+    return m_pVCAMVertices != nullptr && HasRoom(nFirst, nCount, nVCAMBufferSize);
+}
+
 void CCustomGPUGeometry::AddVertex(int nIndex, float x, float y)
+{
+    if (HasVCAMRoom(nIndex, 1))
+        PutVertex(nIndex, x, y);
+}
+
+void CCustomGPUGeometry::PutVertex(int nIndex, float x, float y)
 {
     const float fWidth = static_cast<float>(m_nImageWidth);
     const float fHeight = static_cast<float>(m_nImageHeight);
@@ -127,29 +147,43 @@ void CCustomGPUGeometry::AddVertex(int nIndex, float x, float y)
 
 void CCustomGPUGeometry::AddTriangle(float x1, float y1, float x2, float y2, int& nIndex)
 {
-    AddVertex(nIndex, x1, y1);
-    AddVertex(nIndex + 1, x2, y1);
-    AddVertex(nIndex + 2, x2, y2);
+    if (!HasVCAMRoom(nIndex, 3))
+        return;
+    PutVertex(nIndex, x1, y1);
+    PutVertex(nIndex + 1, x2, y1);
+    PutVertex(nIndex + 2, x2, y2);
     nIndex += 3;
+}
+
+/// Copies one generator vertex over another of the same list.
+static void CopyVertex(float* pList, int nFrom, int nTo)
+{
+    std::memmove(pList + static_cast<std::ptrdiff_t>(nTo) * static_cast<std::ptrdiff_t>(nGridFloats),
+                 pList + static_cast<std::ptrdiff_t>(nFrom) * static_cast<std::ptrdiff_t>(nGridFloats),
+                 nGridFloats * sizeof(float));
 }
 
 void CCustomGPUGeometry::AddTrianglesForQuad(float x, float y, float y2, int& nIndex)
 {
     const int n = nIndex;
-    ReplicateVertex(n - 1, n);
-    ReplicateVertex(n - 2, n + 1);
+    if (n < 2 || !HasVCAMRoom(n, 6))
+        return;
+    CopyVertex(m_pVCAMVertices, n - 1, n);
+    CopyVertex(m_pVCAMVertices, n - 2, n + 1);
     float fCircleY = std::sqrt(m_fRadius * m_fRadius - x * x);
     if (fCircleY > y)
         fCircleY = y;
-    AddVertex(n + 2, x, fCircleY);
-    ReplicateVertex(n + 1, n + 3);
-    AddVertex(n + 4, x, y2);
-    ReplicateVertex(n + 2, n + 5);
+    PutVertex(n + 2, x, fCircleY);
+    CopyVertex(m_pVCAMVertices, n + 1, n + 3);
+    PutVertex(n + 4, x, y2);
+    CopyVertex(m_pVCAMVertices, n + 2, n + 5);
     nIndex = n + 6;
 }
 
 void CCustomGPUGeometry::AddTriangle(SGTriangle& sTriangle)
 {
+    if (!HasRoom(m_nVertexCount, 3, m_nBufferSize))
+        return;
     const float fWidth = static_cast<float>(m_nImageWidth);
     const float fHeight = static_cast<float>(m_nImageHeight);
     for (const SGPoint& sCorner : sTriangle.aCorners) {
@@ -202,6 +236,11 @@ int CCustomGPUGeometry::GenerateTriangles(int nRows, int nCols, int nRowStride, 
 {
     if (nCols < 2 || nRows < 2)
         return nFirstVertex;
+    const std::int64_t nCells = std::int64_t{nRows - 1} * (nCols - 1);
+    const std::int64_t nLastRow = std::int64_t{nRows - 1} * nRowStride;
+    if (nRowStride < 0 || !HasRoom(nLastRow, std::int64_t{nCols} * 5, m_nTempGridSize) ||
+        nCells > m_nBufferSize || !HasRoom(nFirstVertex, nCells * 6, m_nBufferSize))
+        return nFirstVertex;
     float* pVertex = m_pVertices + static_cast<std::size_t>(nFirstVertex) * 3;
     float* pTexCoord = m_pTexCoords + static_cast<std::size_t>(nFirstVertex) * 2;
     const std::ptrdiff_t nStride = nRowStride;
@@ -232,7 +271,6 @@ int CCustomGPUGeometry::GenerateTriangles(int nRows, int nCols, int nRowStride, 
 
 void CCustomGPUGeometry::ReplicateVertex(int nFrom, int nTo)
 {
-    const float* pFrom = m_pVCAMVertices + static_cast<std::size_t>(nFrom) * nGridFloats;
-    float* pTo = m_pVCAMVertices + static_cast<std::size_t>(nTo) * nGridFloats;
-    std::memmove(pTo, pFrom, nGridFloats * sizeof(float));
+    if (HasVCAMRoom(nFrom, 1) && HasVCAMRoom(nTo, 1))
+        CopyVertex(m_pVCAMVertices, nFrom, nTo);
 }

@@ -35,12 +35,15 @@ public:
     void CheckSinCosBufferSize(int n);
     void CheckBufferSize(int n);
 
-    // Primitives.
+    // Primitives. One that has no room, or whose index lies outside its buffer, does nothing. Vertex numbers
+    // count in m_pVCAMVertices, which exists while the virtual-camera mesh is built.
     void AddVertex(float x, float y, float z, float u, float v);
     void AddVertex(int nIndex, float x, float y);
     void AddTriangle(float x1, float y1, float x2, float y2, int& nIndex);
     void AddTrianglesForQuad(float x, float y, float y2, int& nIndex);
     void AddTriangle(SGTriangle& sTriangle);
+    /// Cuts the grid in m_pTempGrid (rows nRowStride floats apart) into output vertices from nFirstVertex on;
+    /// returns the vertex behind the last one written, nFirstVertex when nothing was.
     int GenerateTriangles(int nRows, int nCols, int nRowStride, int nFirstVertex);
     void ReplicateVertex(int nFrom, int nTo);
 
@@ -60,6 +63,8 @@ public:
     /// One full-viewport quad for each cell of a font atlas.
     void GenerateFontVertices(int nWidth, int nHeight, int nCols, int nRows);
 
+    static constexpr int nVCAMBufferSize = 36000; ///< vertices m_pVCAMVertices holds whenever there is one
+
     float* m_pR2ThetaMapping = nullptr;
     float* m_pTheta2rMapping = nullptr;
     int m_nR2ThetaLensType = -1;
@@ -68,7 +73,7 @@ public:
     float m_fTheta2rRadius = 0.0f;
     float* m_pTempGrid = nullptr; ///< scratch grid, 5 floats (x, y, z, u, v) a point
     int m_nTempGridSize = 0;
-    float* m_pVCAMVertices = nullptr; ///< scratch list while the virtual-camera mesh is built
+    float* m_pVCAMVertices = nullptr; ///< scratch list, 5 floats for each of nVCAMBufferSize vertices
     float* m_pSin = nullptr;
     float* m_pCos = nullptr;
     int m_nSinCosSize = 0;
@@ -81,4 +86,9 @@ public:
     int m_nBufferSize = 0;         ///< vertices
     float m_fGeometryAspect = 1.0f;
     bool m_bHandedOver = false; ///< a mesh went to GL; cleared by whoever asks the driver how that ended
+
+private:
+    bool HasVCAMRoom(int nFirst, int nCount) const;
+    /// AddVertex of the same arguments, for an index known to lie within the list.
+    void PutVertex(int nIndex, float x, float y);
 };

@@ -132,14 +132,17 @@ void CVCAMBuild::CloseSeams()
 /// A single mirror reverses the order of the vertices, which keeps the winding within a half.
 void CVCAMBuild::EmitQuadrant(const float* pBand, int nVertices, bool bMirrorX, bool bMirrorY)
 {
+    float* pPosition = m_oGeometry.m_pVertices + static_cast<std::ptrdiff_t>(m_oGeometry.m_nVertexCount) * 3;
+    float* pTexCoord = m_oGeometry.m_pTexCoords + static_cast<std::ptrdiff_t>(m_oGeometry.m_nVertexCount) * 2;
     for (int k = 0; k < nVertices; ++k) {
         const float* pVertex = pBand + static_cast<std::ptrdiff_t>(bMirrorX ? nVertices - 1 - k : k) * 5;
-        const float x = bMirrorX ? -pVertex[0] : pVertex[0];
-        const float y = bMirrorY ? -pVertex[1] : pVertex[1];
-        const float u = bMirrorX ? 0.5f - (pVertex[3] - 0.5f) : pVertex[3];
-        const float v = bMirrorY ? 1.0f - pVertex[4] : pVertex[4];
-        m_oGeometry.AddVertex(x, y, pVertex[2], u, v);
+        *pPosition++ = bMirrorX ? -pVertex[0] : pVertex[0];
+        *pPosition++ = bMirrorY ? -pVertex[1] : pVertex[1];
+        *pPosition++ = pVertex[2];
+        *pTexCoord++ = bMirrorX ? 0.5f - (pVertex[3] - 0.5f) : pVertex[3];
+        *pTexCoord++ = bMirrorY ? 1.0f - pVertex[4] : pVertex[4];
     }
+    m_oGeometry.m_nVertexCount += nVertices;
 }
 
 void CVCAMBuild::Emit()
@@ -167,7 +170,7 @@ void CCustomGPUGeometry::GenerateVCAMVertices(int nLensType, int nWidth, int nHe
     m_pVCAMVertices = nullptr;
     if (nWidth < 1 || nHeight < 1)
         return;
-    m_pVCAMVertices = new float[static_cast<std::size_t>(36000) * 5];
+    m_pVCAMVertices = new float[static_cast<std::size_t>(nVCAMBufferSize) * 5];
     // A circle larger than the frame is cut at the frame.
     CVCAMBuild oBuild(*this, std::min(static_cast<float>(nWidth) * 0.5f, fRadius),
                       std::min(static_cast<float>(nHeight) * 0.5f, fRadius));

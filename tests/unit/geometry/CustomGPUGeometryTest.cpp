@@ -2,6 +2,7 @@
 
 #include "tests/support/HeapCounter.h"
 
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -102,6 +103,56 @@ TEST(CustomGPUGeometry, PixelTriangleBecomesDeviceCoordinatesWithYUp)
     EXPECT_EQ(oGeometry.m_nVertexCount, 3);
 }
 
+// Far enough outside every buffer that a write there ends the program.
+static const int FAR_OUTSIDE[] = {-(1 << 27), 1 << 27, std::numeric_limits<int>::max()};
+
+TEST(CustomGPUGeometry, VerticesWithoutABufferAreDropped)
+{
+    CCustomGPUGeometry oGeometry;
+    oGeometry.AddVertex(1.0f, 2.0f, 3.0f, 4.0f, 5.0f);
+    EXPECT_EQ(oGeometry.m_nVertexCount, 0);
+}
+
+TEST(CustomGPUGeometry, VerticesOutsideTheBufferAreDropped)
+{
+    CCustomGPUGeometry oGeometry;
+    oGeometry.CheckBufferSize(2);
+    for (const int nCount : FAR_OUTSIDE) {
+        oGeometry.m_nVertexCount = nCount;
+        oGeometry.AddVertex(1.0f, 2.0f, 3.0f, 4.0f, 5.0f);
+        EXPECT_EQ(oGeometry.m_nVertexCount, nCount);
+    }
+    oGeometry.m_nVertexCount = 1;
+    oGeometry.AddVertex(1.0f, 2.0f, 3.0f, 4.0f, 5.0f);
+    oGeometry.AddVertex(6.0f, 7.0f, 8.0f, 9.0f, 10.0f);
+    EXPECT_EQ(oGeometry.m_nVertexCount, 2) << "the last place is taken, the next is none";
+    EXPECT_EQ(oGeometry.m_pVertices[3], 1.0f);
+}
+
+TEST(CustomGPUGeometry, PixelTrianglesWithoutABufferAreDropped)
+{
+    CCustomGPUGeometry oGeometry;
+    SGTriangle sTriangle;
+    oGeometry.AddTriangle(sTriangle);
+    EXPECT_EQ(oGeometry.m_nVertexCount, 0);
+}
+
+TEST(CustomGPUGeometry, PixelTrianglesAreAddedWholeOrNotAtAll)
+{
+    CCustomGPUGeometry oGeometry;
+    SGTriangle sTriangle;
+    oGeometry.CheckBufferSize(5);
+    oGeometry.AddTriangle(sTriangle);
+    EXPECT_EQ(oGeometry.m_nVertexCount, 3);
+    oGeometry.AddTriangle(sTriangle);
+    EXPECT_EQ(oGeometry.m_nVertexCount, 3);
+    for (const int nCount : FAR_OUTSIDE) {
+        oGeometry.m_nVertexCount = nCount;
+        oGeometry.AddTriangle(sTriangle);
+        EXPECT_EQ(oGeometry.m_nVertexCount, nCount);
+    }
+}
+
 /// A generator with a grid whose points are all different.
 static void FillNumberedGrid(CCustomGPUGeometry& oGeometry, int nRows, int nRowStride)
 {
@@ -163,6 +214,72 @@ TEST(CustomGPUGeometry, GridWithoutCellsGivesNoVertices)
     EXPECT_EQ(oGeometry.m_pVertices, nullptr);
 }
 
+TEST(CustomGPUGeometry, GridWithoutAnOutputBufferGivesNoVertices)
+{
+    CCustomGPUGeometry oGeometry;
+    FillNumberedGrid(oGeometry, 3, 20);
+    EXPECT_EQ(oGeometry.GenerateTriangles(3, 3, 20, 0), 0);
+    EXPECT_EQ(oGeometry.m_pVertices, nullptr);
+}
+
+TEST(CustomGPUGeometry, OutputBufferWithoutAGridGetsNoVertices)
+{
+    CCustomGPUGeometry oGeometry;
+    oGeometry.CheckBufferSize(24);
+    EXPECT_EQ(oGeometry.GenerateTriangles(3, 3, 20, 0), 0);
+}
+
+TEST(CustomGPUGeometry, GridsThatReachOutsideABufferGiveNoVertices)
+{
+    const int MOST = std::numeric_limits<int>::max();
+    CCustomGPUGeometry oGeometry;
+    FillNumberedGrid(oGeometry, 3, 20);
+    oGeometry.CheckBufferSize(24);
+    oGeometry.m_pVertices[0] = -1.0f;
+    for (const int nFirst : FAR_OUTSIDE)
+        EXPECT_EQ(oGeometry.GenerateTriangles(3, 3, 20, nFirst), nFirst);
+    for (const int nStride : FAR_OUTSIDE)
+        EXPECT_EQ(oGeometry.GenerateTriangles(3, 3, nStride, 0), 0);
+    EXPECT_EQ(oGeometry.GenerateTriangles(3, 3, 20, 1), 1) << "one vertex too many";
+    EXPECT_EQ(oGeometry.GenerateTriangles(3, 3, 23, 0), 0) << "one float too many";
+    EXPECT_EQ(oGeometry.GenerateTriangles(MOST, MOST, MOST, 0), 0);
+    EXPECT_EQ(oGeometry.GenerateTriangles(MOST, MOST, 0, 0), 0);
+    EXPECT_EQ(oGeometry.GenerateTriangles(2, MOST, 0, 0), 0);
+    EXPECT_EQ(oGeometry.m_pVertices[0], -1.0f);
+    EXPECT_EQ(oGeometry.GenerateTriangles(3, 3, 22, 0), 24)
+        << "the last point ends at the last float but one";
+}
+
+TEST(CustomGPUGeometry, SphereVerticesWithoutAListAreDropped)
+{
+    CCustomGPUGeometry oGeometry;
+    oGeometry.AddVertex(0, 1.0f, 2.0f);
+    EXPECT_EQ(oGeometry.m_pVCAMVertices, nullptr);
+}
+
+TEST(CustomGPUGeometry, SphereTrianglesWithoutAListAreDropped)
+{
+    CCustomGPUGeometry oGeometry;
+    int nIndex = 0;
+    oGeometry.AddTriangle(1.0f, 2.0f, 3.0f, 4.0f, nIndex);
+    EXPECT_EQ(nIndex, 0);
+}
+
+TEST(CustomGPUGeometry, SphereQuadsWithoutAListAreDropped)
+{
+    CCustomGPUGeometry oGeometry;
+    int nIndex = 3;
+    oGeometry.AddTrianglesForQuad(1.0f, 2.0f, 3.0f, nIndex);
+    EXPECT_EQ(nIndex, 3);
+}
+
+TEST(CustomGPUGeometry, CopiesWithoutAListAreDropped)
+{
+    CCustomGPUGeometry oGeometry;
+    oGeometry.ReplicateVertex(0, 1);
+    EXPECT_EQ(oGeometry.m_pVCAMVertices, nullptr);
+}
+
 namespace
 {
 
@@ -174,7 +291,8 @@ protected:
     {
         oGeometry.DetermineRadius(LENS_UNKNOWN, 1000, 600);
         oGeometry.GenerateR2ThetaMapping(LENS_UNKNOWN);
-        oGeometry.m_pVCAMVertices = new float[5 * 20];
+        oGeometry.m_pVCAMVertices =
+            new float[5 * static_cast<std::size_t>(CCustomGPUGeometry::nVCAMBufferSize)];
     }
     std::vector<float> Vertex(int n) const
     {
@@ -257,4 +375,48 @@ TEST_F(CSphereVertices, ReplicateCopiesAllFiveFloats)
     oGeometry.AddVertex(1, -120.0f, 40.0f);
     oGeometry.ReplicateVertex(1, 6);
     EXPECT_EQ(Vertex(6), Vertex(1));
+}
+
+TEST_F(CSphereVertices, VerticesOutsideTheListAreDropped)
+{
+    for (const int nOutside : FAR_OUTSIDE)
+        oGeometry.AddVertex(nOutside, -120.0f, 40.0f);
+    oGeometry.AddVertex(CCustomGPUGeometry::nVCAMBufferSize, -120.0f, 40.0f);
+    oGeometry.AddVertex(-1, -120.0f, 40.0f);
+    oGeometry.AddVertex(CCustomGPUGeometry::nVCAMBufferSize - 1, -120.0f, 40.0f);
+    ExpectVertex(CCustomGPUGeometry::nVCAMBufferSize - 1, -120, 40);
+}
+
+TEST_F(CSphereVertices, TrianglesOutsideTheListAreDropped)
+{
+    const int nEnd = CCustomGPUGeometry::nVCAMBufferSize;
+    for (const int nOutside : {FAR_OUTSIDE[0], FAR_OUTSIDE[1], FAR_OUTSIDE[2], -1, nEnd - 2}) {
+        int nIndex = nOutside;
+        oGeometry.AddTriangle(-300.0f, 10.0f, -200.0f, 50.0f, nIndex);
+        EXPECT_EQ(nIndex, nOutside);
+    }
+    int nIndex = nEnd - 3;
+    oGeometry.AddTriangle(-300.0f, 10.0f, -200.0f, 50.0f, nIndex);
+    EXPECT_EQ(nIndex, nEnd);
+    ExpectVertex(nEnd - 1, -200, 50);
+}
+
+TEST_F(CSphereVertices, QuadsOutsideTheListOrWithoutATriangleAreDropped)
+{
+    const int nEnd = CCustomGPUGeometry::nVCAMBufferSize;
+    for (const int nOutside : {FAR_OUTSIDE[0], FAR_OUTSIDE[1], FAR_OUTSIDE[2], 0, 1, nEnd - 5}) {
+        int nIndex = nOutside;
+        oGeometry.AddTrianglesForQuad(-100.0f, 50.0f, 10.0f, nIndex);
+        EXPECT_EQ(nIndex, nOutside);
+    }
+}
+
+TEST_F(CSphereVertices, CopiesFromOrToOutsideAreDropped)
+{
+    oGeometry.AddVertex(1, -120.0f, 40.0f);
+    for (const int nOutside : FAR_OUTSIDE) {
+        oGeometry.ReplicateVertex(nOutside, 1);
+        oGeometry.ReplicateVertex(1, nOutside);
+    }
+    ExpectVertex(1, -120, 40);
 }
