@@ -2,6 +2,7 @@
 /// Meshes of the fisheye view: the whole frame as a rectangle, and the lens circle as a fan. Positions span
 /// -1..1 vertically and the frame's aspect horizontally.
 #include "dewarp/geometry/CustomGPUGeometry.h"
+#include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/MeshInput.h"
 
 #include <cmath>
@@ -11,7 +12,7 @@ void CCustomGPUGeometry::GenerateFisheyeVertices(int nWidth, int nHeight)
     m_nImageWidth = nWidth;
     m_nImageHeight = nHeight;
     m_nVertexCount = 0;
-    const float a = ImageAspect(nWidth, nHeight);
+    const float a = MeshAspect(MESH_FISHEYE, nWidth, nHeight);
     m_fGeometryAspect = a;
     CheckBufferSize(6);
     AddVertex(-a, 1.0f, 0.0f, 0.0f, 0.0f);
@@ -34,7 +35,7 @@ void CCustomGPUGeometry::GenerateCircularFisheyeVertices(int nLensType, int nWid
     m_nImageWidth = nWidth;
     m_nImageHeight = nHeight;
     m_nVertexCount = 0;
-    const float a = ImageAspect(nWidth, nHeight);
+    const float a = MeshAspect(MESH_FISHEYE_CIRCULAR, nWidth, nHeight);
     m_fGeometryAspect = a;
     const float fRadius = DetermineRadius(nLensType, nWidth, nHeight);
     CheckBufferSize(nRimPoints + 1);

@@ -2,6 +2,7 @@
 /// Meshes of the dual and triple panorama: strips of 90 degrees of azimuth that follow tilt and rotation.
 /// They are rebuilt on every move of the view, so whatever does not depend on it is kept in tables.
 #include "dewarp/geometry/CustomGPUGeometry.h"
+#include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/MeshInput.h"
 #include "dewarp/geometry/RayRow.h"
 
@@ -114,7 +115,6 @@ static float RotationRadians(float fDegrees)
 static void PrepareBuffers(CCustomGPUGeometry& oGeometry, int nGridFloats)
 {
     const SColumns& sColumns = Columns();
-    oGeometry.m_fGeometryAspect = 2.5f;
     oGeometry.CheckTemporaryGridBuffer(nGridFloats);
     oGeometry.CheckSinCosBufferSize(nCols);
     std::memcpy(oGeometry.m_pSin, sColumns.afSin, sizeof(sColumns.afSin));
@@ -127,6 +127,7 @@ int CCustomGPUGeometry::GenerateDualPanoramaVertices(int nLensType, float fRotat
     m_nVertexCount = 0;
     DetermineRadius(nLensType, nWidth, nHeight);
     GenerateTheta2rMapping(nLensType);
+    m_fGeometryAspect = MeshAspect(MESH_PANORAMA_DUAL, nWidth, nHeight);
     PrepareBuffers(*this, nRows * nRowStride);
     const SStripBuild sBuild = PrepareBuild(*this, RotationRadians(fRotationAngle));
     FillGrid(sBuild, UsableAngle(fElevationOffset) * fPi / 180.0f, 0.4f, m_pTempGrid);
@@ -172,6 +173,7 @@ int CCustomGPUGeometry::GenerateTriplePanoramaVertices(int nLensType, float fRot
     m_nVertexCount = 0;
     DetermineRadius(nLensType, nWidth, nHeight);
     GenerateTheta2rMapping(nLensType);
+    m_fGeometryAspect = MeshAspect(MESH_PANORAMA_TRIPLE, nWidth, nHeight);
     PrepareBuffers(*this, nRows * nRowStride * 3 / 2);
     const float fRotation = RotationRadians(fRotationAngle);
     const float fOffset = UsableAngle(fElevationOffset);

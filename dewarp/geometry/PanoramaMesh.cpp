@@ -2,6 +2,7 @@
 /// Mesh of the single panorama: the 360-degree band, laid out twice side by side so that it can be scrolled
 /// without an end.
 #include "dewarp/geometry/CustomGPUGeometry.h"
+#include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/MeshInput.h"
 
 #include <array>
@@ -53,7 +54,7 @@ void CCustomGPUGeometry::GeneratePanoramaVertices(int nLensType, int nWidth, int
     m_nVertexCount = 0;
     const float fRadius = DetermineRadius(nLensType, nWidth, nHeight);
     GenerateTheta2rMapping(nLensType);
-    m_fGeometryAspect = 7.142857f;
+    m_fGeometryAspect = MeshAspect(MESH_PANORAMA, nWidth, nHeight);
     CheckTemporaryGridBuffer(nRows * nRowStride);
     FillGrid(RingRadii(m_pTheta2rMapping, RadiusScale(fRadius, nHeight)), ImageAspect(nWidth, nHeight),
              m_pTempGrid);

@@ -2,6 +2,7 @@
 /// Mesh of the wall panorama: the half-sphere in front of a camera on a wall, unrolled through a grid of
 /// rays two degrees apart.
 #include "dewarp/geometry/CustomGPUGeometry.h"
+#include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/MeshInput.h"
 #include "dewarp/geometry/RayRow.h"
 
@@ -72,7 +73,7 @@ void CCustomGPUGeometry::GeneratePanoramaWallVertices(int nLensType, float fTilt
     m_nVertexCount = 0;
     const float fRadius = DetermineRadius(nLensType, nWidth, nHeight);
     GenerateTheta2rMapping(nLensType);
-    m_fGeometryAspect = 2.5f;
+    m_fGeometryAspect = MeshAspect(MESH_PANORAMA_WALL, nWidth, nHeight);
     CheckTemporaryGridBuffer(nGridSide * nRowStride);
     CheckSinCosBufferSize(nGridSide);
 

@@ -2,6 +2,7 @@
 /// Mesh of the virtual camera: the half-sphere in front of the lens, every vertex carrying the texture
 /// coordinate of its fisheye pixel. One quadrant of the disc is cut to the lens circle, then mirrored.
 #include "dewarp/geometry/CustomGPUGeometry.h"
+#include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/VCAMBuild.h"
 #include "platform/Assert.h"
 
@@ -163,7 +164,7 @@ void CCustomGPUGeometry::GenerateVCAMVertices(int nLensType, int nWidth, int nHe
 {
     m_nVertexCount = 0;
     const float fRadius = DetermineRadius(nLensType, nWidth, nHeight);
-    m_fGeometryAspect = 1.0f;
+    m_fGeometryAspect = MeshAspect(MESH_VCAM, nWidth, nHeight);
     GenerateR2ThetaMapping(nLensType);
     CheckTemporaryGridBuffer(CVCAMBuild::nGridRows * CVCAMBuild::nGridCols * 2);
     delete[] m_pVCAMVertices;

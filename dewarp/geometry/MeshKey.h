@@ -1,0 +1,44 @@
+/// \file
+/// The meshes that views are drawn with, and what each is built from.
+#pragma once
+
+#include "dewarp/records/Enumerations.h"
+#include "dewarp/records/SDewarpParams.h"
+
+class CCustomGPUGeometry;
+
+enum EViewMesh : int
+{
+    MESH_NONE,
+    MESH_FISHEYE,          ///< the whole frame
+    MESH_FISHEYE_CIRCULAR, ///< the lens circle
+    MESH_VCAM,
+    MESH_PANORAMA,
+    MESH_PANORAMA_WALL,
+    MESH_PANORAMA_DUAL,
+    MESH_PANORAMA_TRIPLE,
+};
+
+/// Everything that one mesh depends on; what it does not depend on is 0. A mesh is fresh when it was built
+/// for exactly this key. Units: degrees, pixels.
+struct SMeshKey
+{
+    EViewMesh eMesh = MESH_NONE;
+    ELensType eLens = LENS_UNKNOWN;
+    int nImageWidth = 0;
+    int nImageHeight = 0;
+    float fPan = 0.0f;
+    float fTilt = 0.0f;
+    float fMountTilt = 0.0f;
+    bool bStrict = false;
+
+    /// Angles are the same when their bits are: a NaN equals itself, -0 is not 0.
+    bool operator==(const SMeshKey& sOther) const;
+};
+
+/// The key of a view's mesh. An unknown mesh counts as none. Thread: any. Fails: never.
+SMeshKey MeshKeyOf(EViewMesh eMesh, const SDewarpParams& sParams);
+
+/// Runs the key's generator. MESH_NONE leaves a mesh without vertices. Thread: as the generator. Fails: as
+/// the generator.
+void BuildMesh(CCustomGPUGeometry& oGeometry, const SMeshKey& sKey);
