@@ -1,39 +1,12 @@
 #include "dewarp/overlays/YUVColour.h"
 
+#include "dewarp/records/ColourMatrix.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace
 {
-
-/// red = y + fRedV v; green = y - fGreenU u - fGreenV v; blue = y + fBlueU u.
-struct SMatrix
-{
-    float fRedV;
-    float fGreenU;
-    float fGreenV;
-    float fBlueU;
-};
-
-// The conversions that the view's shader texts do the other way.
-const SMatrix BT601 = {1.402f, 0.344f, 0.714f, 1.772f};
-const SMatrix BT709 = {1.575f, 0.187f, 0.468f, 1.856f};
-const SMatrix BT2020 = {1.475f, 0.165f, 0.571f, 1.881f};
-const SMatrix BT601_SCALED = {1.3707f, 0.3376f, 0.6980f, 1.7324f};
-
-const SMatrix& MatrixOf(EYUVSpace eSpace)
-{
-    switch (static_cast<int>(eSpace)) {
-    case YUV_SPACE_BT709:
-        return BT709;
-    case YUV_SPACE_BT2020:
-        return BT2020;
-    case YUV_SPACE_BT601_SCALED:
-        return BT601_SCALED;
-    default:
-        return BT601;
-    }
-}
 
 float Channel(unsigned int nRGBA, int nShift)
 {
@@ -49,7 +22,7 @@ unsigned int Byte(float fValue)
 
 unsigned int ConvertYUVToColour(unsigned int nYUVA, EYUVSpace eSpace, EYUVRange eRange)
 {
-    const SMatrix& rMatrix = MatrixOf(eSpace);
+    const SColourMatrix& rMatrix = ColourMatrixOf(eSpace);
     float y = Channel(nYUVA, 24);
     float u = Channel(nYUVA, 16) - 0.5f;
     float v = Channel(nYUVA, 8) - 0.5f;
@@ -67,7 +40,7 @@ unsigned int ConvertYUVToColour(unsigned int nYUVA, EYUVSpace eSpace, EYUVRange 
 
 unsigned int ConvertColourToYUV(unsigned int nRGBA, EYUVSpace eSpace, EYUVRange eRange)
 {
-    const SMatrix& rMatrix = MatrixOf(eSpace);
+    const SColourMatrix& rMatrix = ColourMatrixOf(eSpace);
     const float fRed = Channel(nRGBA, 24);
     const float fGreen = Channel(nRGBA, 16);
     const float fBlue = Channel(nRGBA, 8);

@@ -1,7 +1,11 @@
 #include "dewarp/shaders/FragmentText.h"
 
+#include "dewarp/records/ColourMatrix.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/shaders/NumberText.h"
+
+#include <cmath>
+#include <cstddef>
 
 namespace COLOUR_TEXT
 {
@@ -37,11 +41,7 @@ static const char* const pMain = "void main()\n"
 
 static const char* const pFetchRGB = "   vec4 rgba = texture(samplerRGB, v_TexCoordinate);       \n";
 
-static const char* const pFetchRGBAsYUV = "   float y, u, v; \n"
-                                          "   vec4 rgba = texture(samplerRGB, v_TexCoordinate);       \n"
-                                          "   y = (0.299*rgba.r + 0.587*rgba.g + 0.114*rgba.b);    \n"
-                                          "   u = (-0.169*rgba.r - 0.331*rgba.g + 0.5*rgba.b);        \n"
-                                          "   v = (0.5*rgba.r - 0.419*rgba.g - 0.081*rgba.b);         \n";
+static const char* const pDeclareYUV = "   float y, u, v; \n";
 
 static const char* const pFetchNVLuma = "   float y, u, v; \n"
                                         "   vec4 rgba = vec4(0.0, 0.0, 0.0, 1.0); \n"
@@ -93,33 +93,6 @@ static const char* const pGain2 = " * u;        \n"
 
 static const char* const pGain3 = " * v;        \n";
 
-// ITU-R BT.601, three decimals.
-static const char* const pConvert601 = "   rgba.r = clamp(y + 1.402 * v, 0.0, 1.0);                    \n"
-                                       "   rgba.g = clamp(y - 0.344 * u - 0.714 * v, 0.0, 1.0);      \n"
-                                       "   rgba.b = clamp(y + 1.772 * u, 0.0, 1.0);        \n";
-
-// ITU-R BT.709, three decimals.
-static const char* const pConvert709 = "   rgba.r = clamp(y + 1.575 * v, 0.0, 1.0);                    \n"
-                                       "   rgba.g = clamp(y - 0.187 * u - 0.468 * v, 0.0, 1.0);      \n"
-                                       "   rgba.b = clamp(y + 1.856 * u, 0.0, 1.0);        \n";
-
-// ITU-R BT.2020, three decimals.
-static const char* const pConvert2020 = "   rgba.r = clamp(y + 1.475 * v, 0.0, 1.0);                    \n"
-                                        "   rgba.g = clamp(y - 0.165 * u - 0.571 * v, 0.0, 1.0);      \n"
-                                        "   rgba.b = clamp(y + 1.881 * u, 0.0, 1.0);        \n";
-
-// BT.601 with coefficients scaled for older encoders.
-static const char* const pConvert601Scaled =
-    "   rgba.r = clamp(y + 1.3707 * v, 0.0, 1.0);        \n"
-    "   rgba.g = clamp(y - 0.3376 * u - 0.6980 * v, 0.0, 1.0);        \n"
-    "   rgba.b = clamp(y + 1.7324 * u, 0.0, 1.0);        \n";
-
-// Back from pFetchRGBAsYUV; rounded differently, so that unit gains come close to the input, not back to it.
-static const char* const pConvertAdjusted =
-    "   rgba.r = clamp(y + 1.4 * v, 0.0, 1.0);        \n"
-    "   rgba.b = clamp(y + 1.765 * u, 0.0, 1.0);        \n"
-    "   rgba.g = clamp(y - 0.343 * u - 0.711 * v, 0.0, 1.0);        \n";
-
 static const char* const pOverlayBlend =
     "   vec4 overlay = texture(samplerInputOverlay, v_TexCoordinate);        \n"
     "   rgba.r = rgba.r*(1.0 - overlay.a) + overlay.r * overlay.a;        \n"
@@ -169,18 +142,63 @@ std::string GainText(const SFragmentTextInput& sInput)
     return strText;
 }
 
-const char* ConversionText(int nYUVSpace)
+/// Blanks at a line's end, and the line end.
+std::string LineEnd(std::size_t nBlanks)
 {
-    switch (nYUVSpace) {
-    case YUV_SPACE_BT601:
-        return COLOUR_TEXT::pConvert601;
-    case YUV_SPACE_BT709:
-        return COLOUR_TEXT::pConvert709;
-    case YUV_SPACE_BT2020:
-        return COLOUR_TEXT::pConvert2020;
-    default:
-        return COLOUR_TEXT::pConvert601Scaled;
-    }
+    return std::string(nBlanks, ' ') + "\n";
+}
+
+/// How a conversion is written.
+struct SConversionForm
+{
+    int nDecimals; ///< of every factor; -1: as many as it has
+    bool bBlueBeforeGreen;
+    std::size_t nRedBlanks;
+    std::size_t nGreenBlanks;
+    std::size_t nBlueBlanks;
+};
+
+constexpr SConversionForm STANDARD_FORM = {-1, false, 20, 6, 8};
+constexpr SConversionForm SCALED_FORM = {4, false, 8, 8, 8};
+constexpr SConversionForm ADJUSTMENT_FORM = {-1, true, 8, 8, 8};
+
+std::string ConversionText(const SColourMatrix& sMatrix, const SConversionForm& sForm)
+{
+    const auto Factor = [&](float fFactor) {
+        return sForm.nDecimals < 0 ? NumberText(fFactor) : NumberTextFixed(fFactor, sForm.nDecimals);
+    };
+    const std::string strRed = "   rgba.r = clamp(y + " + Factor(sMatrix.fRedV) + " * v, 0.0, 1.0);";
+    const std::string strGreen = "   rgba.g = clamp(y - " + Factor(sMatrix.fGreenU) + " * u - " +
+                                 Factor(sMatrix.fGreenV) + " * v, 0.0, 1.0);" + LineEnd(sForm.nGreenBlanks);
+    const std::string strBlue =
+        "   rgba.b = clamp(y + " + Factor(sMatrix.fBlueU) + " * u, 0.0, 1.0);" + LineEnd(sForm.nBlueBlanks);
+    return strRed + LineEnd(sForm.nRedBlanks) +
+           (sForm.bBlueBeforeGreen ? strBlue + strGreen : strGreen + strBlue);
+}
+
+/// From "y", "u" and "v" to "rgba". A space that is not effective is written as the scaled one.
+std::string ConversionText(int nYUVSpace)
+{
+    const bool bStandard = nYUVSpace >= YUV_SPACE_BT601 && nYUVSpace <= YUV_SPACE_BT2020;
+    const EYUVSpace eSpace = bStandard ? static_cast<EYUVSpace>(nYUVSpace) : YUV_SPACE_BT601_SCALED;
+    return ConversionText(ColourMatrixOf(eSpace), bStandard ? STANDARD_FORM : SCALED_FORM);
+}
+
+/// A line that weighs red, green and blue.
+std::string WeightText(const char* pTarget, const float (&afFactors)[3], std::size_t nBlanks)
+{
+    static const char* const CHANNELS[] = {"*rgba.r", "*rgba.g", "*rgba.b"};
+    std::string strText = std::string("   ") + pTarget + " = (" + NumberText(afFactors[0]) + CHANNELS[0];
+    for (std::size_t i = 1; i < 3; ++i)
+        strText += (afFactors[i] < 0.0f ? " - " : " + ") + NumberText(std::fabs(afFactors[i])) + CHANNELS[i];
+    return strText + ");" + LineEnd(nBlanks);
+}
+
+/// From "rgba" to "y", "u" and "v".
+std::string ToYUVText()
+{
+    const SYUVMatrix& sMatrix = AdjustmentToYUV();
+    return WeightText("y", sMatrix.fY, 4) + WeightText("u", sMatrix.fU, 8) + WeightText("v", sMatrix.fV, 9);
 }
 
 /// Precision, samplers of the planes, varying and output.
@@ -203,7 +221,8 @@ std::string RGBText(const SFragmentTextInput& sInput)
 {
     if (!sInput.bGain || sInput.nFormat == IMAGE_FORMAT_GRAY8)
         return COLOUR_TEXT::pFetchRGB;
-    return COLOUR_TEXT::pFetchRGBAsYUV + GainText(sInput) + COLOUR_TEXT::pConvertAdjusted;
+    return std::string(COLOUR_TEXT::pDeclareYUV) + COLOUR_TEXT::pFetchRGB + ToYUVText() + GainText(sInput) +
+           ConversionText(AdjustmentToRGB(), ADJUSTMENT_FORM);
 }
 
 /// From the textures to "rgba" for the formats that carry YUV.
@@ -233,20 +252,6 @@ bool HasAlpha(int nFormat)
 }
 
 } // namespace
-
-int EffectiveYUVSpace(int nRequested, int nReported)
-{
-    if (nRequested == YUV_SPACE_AUTO)
-        return nReported >= YUV_SPACE_BT601 && nReported <= YUV_SPACE_BT2020 ? nReported : YUV_SPACE_BT601;
-    return nRequested >= YUV_SPACE_BT601 && nRequested <= YUV_SPACE_BT601_SCALED ? nRequested
-                                                                                 : YUV_SPACE_BT601;
-}
-
-int EffectiveYUVRange(int nRequested, int nReported)
-{
-    const int nRange = nRequested == YUV_RANGE_AUTO ? nReported : nRequested;
-    return nRange == YUV_RANGE_LIMITED ? YUV_RANGE_LIMITED : YUV_RANGE_FULL;
-}
 
 bool HasFragmentText(int nFormat)
 {

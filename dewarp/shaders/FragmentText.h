@@ -2,18 +2,9 @@
 /// Text of the fragment shader that draws a view from CPU planes.
 #pragma once
 
+#include "dewarp/records/ColourMatrix.h"
+
 #include <string>
-
-/// The YUV space to convert from, 1 to 4: the requested one, or the frame's own one (1 to 3) when 0 is
-/// requested. Everything else is BT.601.
-/// Thread: any. Touches no GL.
-/// Fails: never.
-int EffectiveYUVSpace(int nRequested, int nReported);
-
-/// 2, limited, when that is requested or 0 is requested and the frame says so; otherwise 1, full.
-/// Thread: any. Touches no GL.
-/// Fails: never.
-int EffectiveYUVRange(int nRequested, int nReported);
 
 /// True for the image formats that can be drawn from CPU planes.
 bool HasFragmentText(int nFormat);

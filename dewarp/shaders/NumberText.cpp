@@ -1,5 +1,6 @@
 #include "dewarp/shaders/NumberText.h"
 
+#include <iomanip>
 #include <locale>
 #include <sstream>
 
@@ -25,6 +26,14 @@ std::string NumberText(float fNumber)
 std::string NumberText(int nNumber)
 {
     return ClassicText(nNumber);
+}
+
+std::string NumberTextFixed(float fNumber, int nDecimals)
+{
+    std::ostringstream oStream;
+    oStream.imbue(std::locale::classic());
+    oStream << std::fixed << std::setprecision(nDecimals) << fNumber;
+    return oStream.str();
 }
 
 std::string NumberTextWithPoint(float fNumber)

@@ -12,5 +12,8 @@
 std::string NumberText(float fNumber);
 std::string NumberText(int nNumber);
 
+/// The number in fixed form with that many digits behind the point, rounded (0.6980).
+std::string NumberTextFixed(float fNumber, int nDecimals);
+
 /// As NumberText, with ".0" at the end when no decimal point was written (1.0, but also 1e+06.0).
 std::string NumberTextWithPoint(float fNumber);

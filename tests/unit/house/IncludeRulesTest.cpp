@@ -199,7 +199,9 @@ TEST(BrokenIncludeRules, ShaderTextKnowsNoDewarper)
     EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/CustomGPUDewarper.h\"\n"}}).size(), 1u);
     EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/records/SShaderProperties.h\"\n"}}).size(),
               1u);
-    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/records/Enumerations.h\"\n"}}), VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/records/Enumerations.h\"\n"
+                                               "#include \"dewarp/records/ColourMatrix.h\"\n"}}),
+              VStrings{});
 }
 
 TEST(BrokenIncludeRules, ThePipelineKnowsNoHost)

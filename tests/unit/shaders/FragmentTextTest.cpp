@@ -185,49 +185,11 @@ TEST(FragmentText, DefaultsAreThoseOfTheRecords)
     EXPECT_EQ(sInput.fChromaGain, 2.0f);
 }
 
-TEST(EffectiveYUVSpace, ARequestIsTakenAsItIs)
-{
-    for (int nReported = -1; nReported <= 7; ++nReported) {
-        for (int nRequested = 1; nRequested <= 4; ++nRequested)
-            EXPECT_EQ(EffectiveYUVSpace(nRequested, nReported), nRequested);
-    }
-}
-
-TEST(EffectiveYUVSpace, AutomaticFollowsTheFrameUpToThree)
-{
-    EXPECT_EQ(EffectiveYUVSpace(0, 1), 1);
-    EXPECT_EQ(EffectiveYUVSpace(0, 2), 2);
-    EXPECT_EQ(EffectiveYUVSpace(0, 3), 3);
-    for (const int nReported : {-1, 0, 4, 5, 6, 100})
-        EXPECT_EQ(EffectiveYUVSpace(0, nReported), 1) << nReported;
-}
-
-TEST(EffectiveYUVSpace, UnknownRequestsAreTheFirstSpace)
-{
-    for (const int nRequested : {-1, 5, 6, 2147483647})
-        EXPECT_EQ(EffectiveYUVSpace(nRequested, 3), 1) << nRequested;
-}
-
-TEST(EffectiveYUVSpace, ReportedScaledSpaceIsNotTaken)
+TEST(FragmentText, ReportedScaledSpaceIsNotTaken)
 {
     SFragmentTextInput sInput = Format(5);
     sInput.nYUVSpace = EffectiveYUVSpace(0, 4);
     EXPECT_TRUE(Contains(FragmentText(sInput), "1.402 * v"));
     sInput.nYUVSpace = EffectiveYUVSpace(4, 0);
     EXPECT_TRUE(Contains(FragmentText(sInput), "1.3707 * v"));
-}
-
-TEST(EffectiveYUVRange, LimitedByRequestOrByFrame)
-{
-    EXPECT_EQ(EffectiveYUVRange(2, 0), 2);
-    EXPECT_EQ(EffectiveYUVRange(2, 1), 2);
-    EXPECT_EQ(EffectiveYUVRange(0, 2), 2);
-}
-
-TEST(EffectiveYUVRange, EverythingElseIsFull)
-{
-    for (const int nReported : {-1, 0, 1, 3, 4})
-        EXPECT_EQ(EffectiveYUVRange(0, nReported), 1) << nReported;
-    for (const int nRequested : {-1, 1, 3, 100})
-        EXPECT_EQ(EffectiveYUVRange(nRequested, 2), 1) << nRequested;
 }

@@ -112,6 +112,16 @@ TEST(NumberText, TheProgramsLocaleIsIgnored)
     EXPECT_EQ(NumberText(123456.0f), "123456");
     EXPECT_EQ(NumberText(0.25f), "0.25");
     EXPECT_EQ(NumberTextWithPoint(1.5f), "1.5");
+    EXPECT_EQ(NumberTextFixed(1234.5f, 4), "1234.5000");
+}
+
+TEST(NumberText, FixedFormKeepsItsDecimals)
+{
+    EXPECT_EQ(NumberTextFixed(0.698f, 4), "0.6980");
+    EXPECT_EQ(NumberTextFixed(1.3707f, 4), "1.3707");
+    EXPECT_EQ(NumberTextFixed(-2.0f, 1), "-2.0");
+    EXPECT_EQ(NumberTextFixed(0.96f, 1), "1.0");
+    EXPECT_EQ(NumberTextFixed(3.0f, 0), "3");
 }
 
 TEST(NumberText, WholeTextsIgnoreTheProgramsLocale)
