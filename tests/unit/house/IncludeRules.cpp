@@ -1,5 +1,7 @@
 #include "IncludeRules.h"
 
+#include "SourceScan.h"
+
 #include <algorithm>
 
 namespace
@@ -136,6 +138,29 @@ std::vector<std::string> BrokenIncludeRules(const MSources& oSources, const std:
             if (bForbidden)
                 vBroken.push_back(Concatenate({strPath, " may not reach ", strInclude}));
         }
+    }
+    return vBroken;
+}
+
+std::vector<std::string> BrokenUserRules(const MSources& oSources)
+{
+    // Headers are installed, sources and folders above are not; these rooms are nobody's business.
+    static const std::vector<std::string> PRIVATE = {
+        "dewarp/pipeline/", "dewarp/shaders/", "dewarp/gl/", "platform/android/",
+        "platform/linux/",  "tests/",          "bench/"};
+    std::vector<std::string> vBroken;
+    for (const auto& [strPath, strSource] : oSources) {
+        for (const std::string& strInclude : IncludesOf(strSource)) {
+            const std::string strName = Bare(strInclude);
+            const bool bOutside = strName.find("..") != std::string::npos ||
+                                  strName.find(".c") != std::string::npos ||
+                                  StartsWithOneOf(strName, PRIVATE);
+            const bool bDrawing = (KindOf(strInclude) & (HEADER_GL | HEADER_EGL)) != 0;
+            if (bOutside || bDrawing)
+                vBroken.push_back(Concatenate({strPath, " may not include ", strInclude}));
+        }
+        for (const std::string& strCall : CallsOf(strSource, {"gl", "egl"}))
+            vBroken.push_back(Concatenate({strPath, " may not call ", strCall}));
     }
     return vBroken;
 }

@@ -36,3 +36,7 @@ ESystemHeader KindOf(const std::string& strInclude);
 
 /// One line for every include that breaks a rule, and for every file without a rule.
 std::vector<std::string> BrokenIncludeRules(const MSources& oSources, const std::vector<SRoomRule>& vRules);
+
+/// One line for every include and call that a user of the library may not have: our sources, the library's
+/// own business, GL and EGL.
+std::vector<std::string> BrokenUserRules(const MSources& oSources);

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -27,6 +26,14 @@ std::string ReadFile(const std::filesystem::path& oPath)
 
 } // namespace
 
+std::size_t BehindRawLiteral(const std::string& strSource, std::size_t nQuote)
+{
+    const std::size_t nOpen = std::min(strSource.find('(', nQuote), strSource.size() - 1);
+    const std::string strEnd = Concatenate({")", strSource.substr(nQuote + 1, nOpen - nQuote - 1), "\""});
+    const std::size_t nEnd = strSource.find(strEnd, nOpen);
+    return nEnd == std::string::npos ? strSource.size() : nEnd + strEnd.size();
+}
+
 MSources ReadSources(const std::vector<std::string>& vFolders, const std::vector<std::string>& vEndings)
 {
     MSources oSources;
@@ -46,14 +53,24 @@ MSources ReadSources(const std::vector<std::string>& vFolders, const std::vector
 
 std::vector<std::string> IncludesOf(const std::string& strSource)
 {
-    static const std::regex oInclude("^[ \t]*#[ \t]*include[ \t]*([<\"][^>\"]*[>\"])");
+    static const std::string BLANKS = " \t";
+    static const std::string INCLUDE = "include";
     std::vector<std::string> vIncludes;
     std::istringstream oStream(WithoutComments(strSource));
     std::string strLine;
     while (std::getline(oStream, strLine)) {
-        std::smatch oMatch;
-        if (std::regex_search(strLine, oMatch, oInclude))
-            vIncludes.push_back(oMatch[1]);
+        const std::size_t nHash = strLine.find_first_not_of(BLANKS);
+        if (nHash == std::string::npos || strLine[nHash] != '#')
+            continue;
+        const std::size_t nWord = std::min(strLine.find_first_not_of(BLANKS, nHash + 1), strLine.size());
+        if (strLine.compare(nWord, INCLUDE.size(), INCLUDE) != 0)
+            continue;
+        const std::size_t nOpen = strLine.find_first_not_of(BLANKS, nWord + INCLUDE.size());
+        if (nOpen == std::string::npos || (strLine[nOpen] != '<' && strLine[nOpen] != '"'))
+            continue;
+        const std::size_t nClose = strLine.find(strLine[nOpen] == '<' ? '>' : '"', nOpen + 1);
+        if (nClose != std::string::npos)
+            vIncludes.push_back(strLine.substr(nOpen, nClose - nOpen + 1));
     }
     return vIncludes;
 }
@@ -83,9 +100,12 @@ std::string WithoutComments(const std::string& strSource)
         } else {
             // 1'000: a quote between digits separates them.
             const bool bSeparator = c == '\'' && !strCode.empty() && std::isalnum(strCode.back()) != 0;
-            if ((c == '"' || c == '\'') && !bSeparator)
+            const bool bRaw = c == '"' && strCode.ends_with('R');
+            if ((c == '"' || c == '\'') && !bSeparator && !bRaw)
                 cQuote = c;
-            strCode += c;
+            const std::size_t nEnd = bRaw ? BehindRawLiteral(strSource, i) : i + 1;
+            strCode.append(strSource, i, nEnd - i);
+            i = nEnd - 1;
         }
     }
     return strCode;

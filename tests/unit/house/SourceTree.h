@@ -19,6 +19,9 @@ std::vector<std::string> IncludesOf(const std::string& strSource);
 /// The source without comments; line ends stay.
 std::string WithoutComments(const std::string& strSource);
 
+/// The place behind the raw literal whose first quote stands at nQuote.
+std::size_t BehindRawLiteral(const std::string& strSource, std::size_t nQuote);
+
 /// The includes of a file, of the files it includes, and so on; only our own files are entered.
 std::vector<std::string> IncludesReached(const MSources& oSources, const std::string& strPath);
 

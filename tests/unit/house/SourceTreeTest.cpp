@@ -11,11 +11,19 @@ TEST(SourceTree, IncludesAreFoundAndCommentsAreNot)
               (VStrings{"\"dewarp/a.h\"", "<vector>", "<GLES3/gl31.h>"}));
 }
 
+TEST(SourceTree, OtherDirectivesAreNoIncludes)
+{
+    EXPECT_EQ(IncludesOf("#define include <a>\n#include MACRO\n#include <open\ninclude <b>\n#\n#includes\n"),
+              VStrings{});
+}
+
 TEST(SourceTree, CommentSignsWithinLiteralsAreText)
 {
     EXPECT_EQ(WithoutComments("a = \"// no /* no\"; // yes\nb = '\"'; /* yes\n */ c;"),
               "a = \"// no /* no\"; \nb = '\"'; \n c;");
     EXPECT_EQ(WithoutComments("a = \"\\\"//\"; n = 1'000; // x"), "a = \"\\\"//\"; n = 1'000; ");
+    EXPECT_EQ(WithoutComments("R\"x(/*\\\")\" // )x\" /**/;"), "R\"x(/*\\\")\" // )x\" ;");
+    EXPECT_EQ(WithoutComments("R\"(//"), "R\"(//");
     EXPECT_EQ(WithoutComments("/* never closed"), "");
     EXPECT_EQ(WithoutComments("a // b"), "a ");
 }
