@@ -1,7 +1,9 @@
-# add_dewarp_test(NAME <name> SOURCES <files> [GL] [LIBRARIES <targets>])
+# add_dewarp_test(NAME <name> SOURCES <files> [GL] [LONG] [SECONDS <n>] [LIBRARIES <targets>])
 #
 # One GoogleTest program, one CTest entry. GL tests get Mesa without a window system and exit 77 (skipped)
-# where no context is to be had.
+# where no context is to be had. LONG tests are left out of `./test` and run in `./test --full` (label `long`);
+# a program with a short and a long form gets a second entry, with that label and its own environment.
+# SECONDS, about what it takes: the longest tests begin first, so that no processor is idle at the end.
 find_package(GTest REQUIRED)
 
 set(TEST_PATHS TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}/tests" SAMPLES_DIR="${PROJECT_SOURCE_DIR}/samples")
@@ -14,7 +16,7 @@ target_precompile_headers(dewarp_test_pch PRIVATE
     <algorithm> <cmath> <cstdlib> <cstring> <functional> <map> <random> <string> <vector> <gtest/gtest.h>)
 
 function(add_dewarp_test)
-    cmake_parse_arguments(ARG "GL" "NAME" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "GL;LONG" "NAME;SECONDS" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${ARG_NAME} ${ARG_SOURCES})
     target_link_libraries(${ARG_NAME} PRIVATE lumor_dewarp dewarp_test_support ${ARG_LIBRARIES} GTest::gtest)
     if(ARG_GL)
@@ -32,5 +34,11 @@ function(add_dewarp_test)
             LABELS gl SKIP_RETURN_CODE 77 ENVIRONMENT "EGL_PLATFORM=surfaceless;LIBGL_ALWAYS_SOFTWARE=1")
     else()
         set_tests_properties(${ARG_NAME} PROPERTIES LABELS unit)
+    endif()
+    if(ARG_LONG)
+        set_property(TEST ${ARG_NAME} APPEND PROPERTY LABELS long)
+    endif()
+    if(ARG_SECONDS)
+        set_property(TEST ${ARG_NAME} PROPERTY COST ${ARG_SECONDS})
     endif()
 endfunction()

@@ -16,7 +16,7 @@ cmake --build "$sBuild" -j "$(nproc)" >"$sBuild/build.log" 2>&1 || { tail -n 40 
 # The long runs prove other things. What a test program reports is not this script's business either, except
 # that one which fails may have left lines out.
 find "$sBuild" -name '*.gcda' -delete
-ctest --test-dir "$sBuild" -E 'SoakGLTest|ThreadsGLTest|consumer_test' -j "$(nproc)" --output-on-failure \
+ctest --test-dir "$sBuild" -LE long -E consumer_test -j "$(nproc)" --output-on-failure \
     >"$sBuild/tests.log" 2>&1 || echo "Tests failed, see $sBuild/tests.log; the figures are too low." >&2
 
 gcovr --root . --filter 'dewarp/' --object-directory "$sBuild" --exclude-unreachable-branches \

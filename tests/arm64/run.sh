@@ -2,8 +2,8 @@
 # tests/arm64/run.sh X86_BUILD [ARM64_BUILD]
 #
 # Builds the library for arm64 with Debian's cross compiler and runs it under qemu-user: the tests that need no
-# GL; meshes, texts and a few small pictures beside those of this machine's build (X86_BUILD, with dewarp_probe
-# in its tests folder). Mesa for arm64 comes from a private package root in the user's cache. Exits 77 where the
+# GL; meshes, texts and a few small pictures beside those of this machine's build (X86_BUILD, where dewarp_probe
+# is built as well). Mesa for arm64 comes from a private package root in the user's cache. Exits 77 where the
 # compiler, the emulator or the packages are not to be had.
 set -eu
 cd "$(dirname "$0")/../.."
@@ -33,7 +33,8 @@ build() {
     # The tests that need no GL, save those of the source tree.
     sTests=$(ctest --test-dir "$sBuild" -N -L unit | grep -oE '[A-Za-z]+Test$' | grep -v IncludeRules | sort -u)
     [ -n "$sTests" ] || return 1
-    cmake --build "$sBuild" -j "$sJobs" -t dewarp_probe $(printf ' -t %s' $sTests)
+    cmake --build "$sBuild" -j "$sJobs" -t dewarp_probe $(printf ' -t %s' $sTests) &&
+        cmake --build "$sNative" -j "$sJobs" -t dewarp_probe
 }
 build >"$sBuild/build.log" 2>&1 || { grep -E 'error|FAILED|CMake Error' -A 5 "$sBuild/build.log" | head -n 40; exit 1; }
 

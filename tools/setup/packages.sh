@@ -4,14 +4,18 @@
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libegl-dev libgles-dev libegl1 libgles2 libgl1-mesa-dri
     libcli11-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev"
 
-# To test them as well.
-TEST_PACKAGES="$BUILD_PACKAGES git clang-format-14 clang-tidy-14 libgtest-dev libgmock-dev libbenchmark-dev"
+# To test them as well. The benchmarks' library is small, and with it one build folder does for all stages.
+TEST_PACKAGES="$BUILD_PACKAGES libgtest-dev libgmock-dev libbenchmark-dev"
+
+# To look at the sources: their form, and what clang finds in them.
+FORMAT_PACKAGES="git clang-format-14"
+TIDY_PACKAGES="git clang-tidy-14"
 
 # To build for arm64 and to run that.
 ARM64_PACKAGES="g++-aarch64-linux-gnu qemu-user"
 
 # To compare the library's binary interface with the last commit's.
-ABI_PACKAGES="abigail-tools"
+ABI_PACKAGES="git abigail-tools"
 
 # install_missing PACKAGE...: installs what is not there; says nothing when everything is.
 install_missing() {
