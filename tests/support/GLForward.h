@@ -49,7 +49,9 @@ SGLCall CallOf(const char* pName, A... oArgs)
 {
     SGLCall sCall;
     sCall.pName = pName;
-    ((sCall.aArgs[sCall.nArgs++] = NumberOf(oArgs)), ...);
+    ((sCall.nPointers |= std::is_pointer_v<A> ? 1U << sCall.nArgs : 0U,
+      sCall.aArgs[sCall.nArgs++] = NumberOf(oArgs)),
+     ...);
     return sCall;
 }
 

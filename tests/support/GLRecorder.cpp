@@ -35,6 +35,13 @@ void CGLRecorder::Stop()
     m_bKeep = false;
 }
 
+void CGLRecorder::SetWatcher(FWatcher fWatcher, void* pUser)
+{
+    CRecorderLock oLock(RecorderMutex());
+    m_fWatcher = fWatcher;
+    m_pWatcherUser = pUser;
+}
+
 int CGLRecorder::Count(const std::string& strName) const
 {
     CRecorderLock oLock(RecorderMutex());
@@ -162,6 +169,8 @@ void CGLRecorder::Note(SGLCall& sCall)
     ++m_mCounts[sCall.pName];
     if (m_bKeep)
         m_vCalls.push_back(sCall);
+    if (m_fWatcher != nullptr)
+        m_fWatcher(sCall, m_pWatcherUser);
 }
 
 void CGLRecorder::NoteError(const char* pCall, unsigned int nError)

@@ -15,7 +15,8 @@ struct SGLCall
     const char* pName = "";
     double aArgs[12] = {};
     int nArgs = 0;
-    std::string strText; ///< shader source, or the name asked for by glGet...Location
+    unsigned int nPointers = 0; ///< bit n: argument n is a pointer
+    std::string strText;        ///< shader source, or the name asked for by glGet...Location
 
     int Int(int nArg) const { return static_cast<int>(static_cast<long long>(aArgs[nArg])); }
 };
@@ -58,6 +59,11 @@ public:
     void Stop();
 
     const std::vector<SGLCall>& Calls() const { return m_vCalls; }
+    /// Hands every call to a function just before it is passed on, with what its pointers point at still
+    /// there. Null ends it. The function is called under the recorder's lock and must make no recorded call.
+    using FWatcher = void (*)(const SGLCall& sCall, void* pUser);
+    void SetWatcher(FWatcher fWatcher, void* pUser);
+
     /// Calls of that name since Start.
     int Count(const std::string& strName) const;
     /// Calls since Start of all names that begin so.
@@ -117,6 +123,8 @@ private:
     std::vector<SGLErrorNote> m_vErrors;
     std::vector<unsigned int> m_vPending;
     std::string m_strMessage;
+    FWatcher m_fWatcher = nullptr;
+    void* m_pWatcherUser = nullptr;
     bool m_bKeep = false;
     int m_nNamesLost = 0;
 };
