@@ -1,51 +1,14 @@
 #include "dewarp/CustomGPUDewarper.h"
 
-#include "dewarp/overlays/GPUObjString.h"
-#include "dewarp/views/GPUObjFisheye.h"
-#include "dewarp/views/GPUObjPanorama.h"
-#include "dewarp/views/GPUObjPanoramaMulti.h"
-#include "dewarp/views/GPUObjPanoramaWall.h"
-#include "dewarp/views/GPUObjVCAM.h"
-#include "platform/ShaderDialect.h"
+#include "dewarp/Rooms.h"
+#include "platform/Assert.h"
 
-#include <cstring>
-
-namespace
-{
-
-// A view that was asked for but not applied yet: the mount of a dewarper whose GL objects were freed.
-const EMountType MOUNT_NOT_APPLIED = static_cast<EMountType>(-1);
-
-template <class T>
-void DeleteObject(T*& pObject)
-{
-    delete pObject;
-    pObject = nullptr;
-}
-
-/// Deletes one texture and forgets its name. GL thread, context current.
-void DeleteTexture(unsigned int& nTexture)
-{
-    if (nTexture == 0)
-        return;
-    glDeleteTextures(1, &nTexture);
-    nTexture = 0;
-}
-
-} // namespace
+#include <functional>
+#include <initializer_list>
+#include <thread>
 
 CCustomGPUDewarper::CCustomGPUDewarper()
-    : pMouseAnchor(new SGPoint), pGeometry(new CCustomGPUGeometry), pParams(new SDewarpParams),
-      pMatrices(new SDewarpMatrices), pLastDrawnParams(new SDewarpParams), pQPInfo(new SQPInfo),
-      pOutputOverlayMatrices(new SDewarpMatrices), pStringMatrices(new SDewarpMatrices),
-      pMaskMatrices(new SDewarpMatrices), pTextureCopyMatrices(new SDewarpMatrices),
-      pOutputOverlayParams(new SDewarpParams(SDewarpParams::Auxiliary())),
-      pStringParams(new SDewarpParams(SDewarpParams::Auxiliary())),
-      pMaskParams(new SDewarpParams(SDewarpParams::Auxiliary())),
-      pTextureCopyParams(new SDewarpParams(SDewarpParams::Auxiliary())), pDriverTraits(new SDriverTraits)
 {
-    // No frame has this zoom: the first comparison finds a difference.
-    pLastDrawnParams->fZoom = -1.0f;
     CreateViewObjects();
 }
 
@@ -53,92 +16,69 @@ CCustomGPUDewarper::~CCustomGPUDewarper()
 {
     FreeTextures();
     FreeProgramAndShaders();
-    DeleteViewObjects();
-    DeleteObject(pStringObject);
-    DeleteObject(pAuxFisheye);
-    DeleteObject(pAuxFisheye2);
-    for (SDewarpParams** ppParams : {&pParams, &pLastDrawnParams, &pOutputOverlayParams, &pStringParams,
-                                     &pMaskParams, &pTextureCopyParams})
-        DeleteObject(*ppParams);
-    for (SDewarpMatrices** ppMatrices :
-         {&pMatrices, &pOutputOverlayMatrices, &pStringMatrices, &pMaskMatrices, &pTextureCopyMatrices})
-        DeleteObject(*ppMatrices);
-    DeleteObject(pGeometry);
-    DeleteObject(pMouseAnchor);
-    DeleteObject(pQPInfo);
-    DeleteObject(pDriverTraits);
-    delete[] pReadBack;
-    pReadBack = nullptr;
 }
 
 void CCustomGPUDewarper::CreateViewObjects()
 {
-    pFisheye = new CCGPUObjFisheye;
-    pFisheyeCircular = new CCGPUObjFisheye;
-    pFisheyeCircular->m_nPrimitiveMode = GL_TRIANGLE_FAN;
-    pVCAM = new CCGPUObjVCAM;
-    pPanorama = new CCGPUObjPanorama;
-    pPanoramaWall = new CCGPUObjPanoramaWall;
-    pPanoramaDual = new CCGPUObjPanoramaDual;
-    pPanoramaTriple = new CCGPUObjPanoramaTriple;
-    if (pStringObject == nullptr)
-        pStringObject = new CCGPUObjString;
-    if (pAuxFisheye == nullptr)
-        pAuxFisheye = new CCGPUObjFisheye;
-    if (pAuxFisheye2 == nullptr)
-        pAuxFisheye2 = new CCGPUObjFisheye;
+    SViewObjects& rViews = pRooms->sViews;
+    pFisheye = &rViews.oFisheye;
+    pFisheyeCircular = &rViews.oFisheyeCircular;
+    pVCAM = &rViews.oVCAM;
+    pPanorama = &rViews.oPanorama;
+    pPanoramaWall = &rViews.oPanoramaWall;
+    pPanoramaDual = &rViews.oPanoramaDual;
+    pPanoramaTriple = &rViews.oPanoramaTriple;
 }
 
 void CCustomGPUDewarper::DeleteViewObjects()
 {
-    DeleteObject(pFisheye);
-    DeleteObject(pFisheyeCircular);
-    DeleteObject(pVCAM);
-    DeleteObject(pPanorama);
-    DeleteObject(pPanoramaWall);
-    DeleteObject(pPanoramaDual);
-    DeleteObject(pPanoramaTriple);
+    for (CCGPUObjBase* pObject : std::initializer_list<CCGPUObjBase*>{
+             pFisheye, pFisheyeCircular, pVCAM, pPanorama, pPanoramaWall, pPanoramaDual, pPanoramaTriple}) {
+        if (pObject != nullptr)
+            pObject->Reset();
+    }
+    pFisheye = nullptr;
+    pFisheyeCircular = nullptr;
+    pVCAM = nullptr;
+    pPanorama = nullptr;
+    pPanoramaWall = nullptr;
+    pPanoramaDual = nullptr;
+    pPanoramaTriple = nullptr;
 }
 
 void CCustomGPUDewarper::FreeTextures()
 {
-    for (unsigned int* pTexture :
-         {&nTextureY, &nTextureUV, &nTextureU, &nTextureV, &nTextureQP, &nTextureMBType, &nTextureRGB})
-        DeleteTexture(*pTexture);
-    if (nFrameBuffer != 0) {
-        glDeleteFramebuffers(1, &nFrameBuffer);
-        nFrameBuffer = 0;
-    }
-    for (unsigned int* pTexture : {&nFrameTexture, &nFrameTexture2, &nMaskTextureA, &nMaskTextureB,
-                                   &nStringTextureA, &nStringTextureB, &nFontTexture})
-        DeleteTexture(*pTexture);
-    for (SGOverlay* pOverlay : {&sInputOverlay, &sOutputOverlay})
-        ReleaseOverlayTexture(*pOverlay);
-    DeleteParkedTextures();
+    pRooms->oInput.Free();
+    pRooms->oFrame.Free();
+    pRooms->oMaskPass.Free();
+    pRooms->oStringPass.Free();
+    pRooms->oOverlays.Free();
 }
 
 void CCustomGPUDewarper::ForgetGLNames()
 {
-    for (unsigned int* pName :
-         {&nTextureY, &nTextureUV, &nTextureU, &nTextureV, &nTextureQP, &nTextureMBType, &nTextureRGB,
-          &nFrameBuffer, &nFrameTexture, &nFrameTexture2, &nMaskTextureA, &nMaskTextureB, &nStringTextureA,
-          &nStringTextureB, &nFontTexture, &sInputOverlay.nTexture, &sOutputOverlay.nTexture})
-        *pName = 0;
-    vParkedTextures.clear();
-    for (SShaderProperties* pShader :
-         {&sMainShader, &sOutputOverlayShader, &sStringShader, &sStringCompositeShader, &sMaskShader,
-          &sTextureToScreenShader, &sTextureToTextureShader})
-        pShader->bNamesDeleted = true;
+    SRooms& r = *pRooms;
+    r.oInput.Forget();
+    r.oFrame.Forget();
+    r.oMaskPass.Forget();
+    r.oStringPass.Forget();
+    r.oOverlays.Forget();
+    r.oPrograms.ForgetAll();
     for (CCGPUObjBase* pObject : std::initializer_list<CCGPUObjBase*>{
-             pFisheye, pFisheyeCircular, pVCAM, pPanorama, pPanoramaWall, pPanoramaDual, pPanoramaTriple,
-             pStringObject, pAuxFisheye, pAuxFisheye2}) {
-        if (pObject != nullptr)
-            pObject->Forget();
-    }
+             &r.sViews.oFisheye, &r.sViews.oFisheyeCircular, &r.sViews.oVCAM, &r.sViews.oPanorama,
+             &r.sViews.oPanoramaWall, &r.sViews.oPanoramaDual, &r.sViews.oPanoramaTriple, pStringObject,
+             pAuxFisheye, pAuxFisheye2})
+        pObject->Forget();
+}
+
+void CCustomGPUDewarper::FreeProgramAndShaders()
+{
+    pRooms->oPrograms.FreeAll();
 }
 
 void CCustomGPUDewarper::FreeOpenGLObjects()
 {
+    SRooms& r = *pRooms;
     FreeTextures();
     FreeProgramAndShaders();
     bViewSetupRequired = true;
@@ -149,34 +89,86 @@ void CCustomGPUDewarper::FreeOpenGLObjects()
     pBoundViewObject = nullptr;
     nLastSetTimestamp = 0;
     nLastDisplayedTimestamp = 0;
-    pParams->eViewType = VIEW_UNSET;
-    pParams->eMountType = MOUNT_NOT_APPLIED;
+    r.oControl.ForgetInForce();
     nDrawCount = 0;
-    std::memset(anTextureUnitSize, 0, sizeof(anTextureUnitSize));
     DeleteViewObjects();
-    pStringObject->Reset();
-    pAuxFisheye->Reset();
-    pAuxFisheye2->Reset();
+    for (CCGPUObjBase* pObject :
+         std::initializer_list<CCGPUObjBase*>{pStringObject, pAuxFisheye, pAuxFisheye2})
+        pObject->Reset();
 
-    // What the freed names held comes back with the next frame.
-    bFrameInTextures = false;
-    bDriverMemoryLacks = false;
-    eRedBlueUpload = RED_BLUE_UNDECIDED;
-    nMaxTextureSize = 0;
-    bReadBGRA = true;
-    bReadBGRAProven = false;
-    *pDriverTraits = SDriverTraits();
-    bMaskPolygonsChanged = bMaskPolygonsChanged || !vMaskPolygons.empty();
-    bStringsChanged = bStringsChanged || !vStrings.empty();
+    // What the freed names held comes back with the next frame; the next context may be another driver's.
+    r.oInput.ForgetContents();
+    r.oTextures.ForgetSizes();
+    r.oTextures.ForgetDriver();
+    r.oReadBack.ForgetFrame();
+    r.oReadBack.ForgetDriver();
+    r.oReport.AllOver();
+    r.sMasks.Repaint();
+    r.sStrings.Redraw();
 }
 
 void CCustomGPUDewarper::ReinitializeOpenGLObjects()
 {
     FreeOpenGLObjects();
-    DeleteObject(pStringObject);
-    DeleteObject(pAuxFisheye);
-    DeleteObject(pAuxFisheye2);
     CreateViewObjects();
+}
+
+/// Asks for all that a frame can build.
+void CCustomGPUDewarper::RequestEverything()
+{
+    bResetObjects = true;
+    bViewSetupRequired = true;
+    sMainShader.bForceReload = true;
+    pBoundViewObject = nullptr;
+    pRooms->oPrograms.ForgetFailures();
+    pRooms->sMasks.Repaint();
+    pRooms->sStrings.Redraw();
+}
+
+/// Which objects are without contents cannot be known, so all of them are made anew with the next frame that
+/// is handed over.
+void CCustomGPUDewarper::GiveUpFrameObjects()
+{
+    SRooms& r = *pRooms;
+    r.oReport.Error("%s: the driver is out of memory", "DrawGLScene");
+    FreeTextures();
+    r.oTextures.ForgetSizes();
+    r.oInput.bFrameInTextures = false;
+    bTexturesNeedInit = true;
+    for (CCGPUObjBase* pObject :
+         std::initializer_list<CCGPUObjBase*>{pStringObject, pAuxFisheye, pAuxFisheye2})
+        pObject->Reset();
+    RequestEverything();
+}
+
+#ifndef NDEBUG
+void CCustomGPUDewarper::EnterLocked()
+{
+    const std::size_t nSelf = std::hash<std::thread::id>()(std::this_thread::get_id()) | 1U;
+    std::size_t nNobody = 0;
+    if (!pRooms->nThreadInside.compare_exchange_strong(nNobody, nSelf) && nNobody != nSelf)
+        __assert2("dewarp/CustomGPUDewarper", __LINE__, "void CCustomGPUDewarper::EnterLocked()",
+                  "one thread at a time");
+    ++pRooms->nDepthInside;
+}
+
+void CCustomGPUDewarper::LeaveLocked()
+{
+    if (--pRooms->nDepthInside == 0)
+        pRooms->nThreadInside = 0;
+}
+#endif
+
+void CCustomGPUDewarper::RequestFrame()
+{
+    pRooms->oPrograms.ForgetFailures();
+    pRooms->bProgramTriedAgain = false;
+    DrawRequired();
+}
+
+bool CCustomGPUDewarper::IsTopDownTarget()
+{
+    return false;
 }
 
 // Platform hooks. A subclass with a platform behind it overrides them.
@@ -188,8 +180,10 @@ bool CCustomGPUDewarper::CheckOSDependentDrawGLSceneInitialization()
 
 bool CCustomGPUDewarper::CheckInitializations()
 {
-    if (pParams->nImageHeight < 1)
+    if (pParams->nImageHeight < 1) {
+        pRooms->oReport.Standing(FAULT_NO_FRAME, "%s: no frame was handed over yet", "DrawGLScene");
         return false;
+    }
     if (!bSceneInitialized)
         InitializeScene();
     return true;

@@ -2,32 +2,22 @@
 /// The dewarper: takes decoded fisheye frames and draws a corrected view of them with OpenGL ES 3.1.
 #pragma once
 
-#include "dewarp/CustomGPUGeometry.h"
-#include "dewarp/overlays/SGOverlay.h"
-#include "dewarp/overlays/SGPUString.h"
-#include "dewarp/records/Enumerations.h"
-#include "dewarp/records/SDewarpMatrices.h"
-#include "dewarp/records/SDewarpParams.h"
-#include "dewarp/records/SGRect.h"
-#include "dewarp/records/SImageProperties.h"
-#include "dewarp/records/SQPInfo.h"
-#include "dewarp/records/SShaderProperties.h"
+#include "dewarp/DewarperState.h"
 
-#include <cstddef>
-#include <string>
-#include <vector>
+struct STargetShape;
 
-class CCGPUObjBase;
-class CCGPUObjFisheye;
-class CCGPUObjPanorama;
-class CCGPUObjPanoramaDual;
-class CCGPUObjPanoramaTriple;
-class CCGPUObjPanoramaWall;
-class CCGPUObjString;
-class CCGPUObjVCAM;
-struct SDriverTraits;
-
-/// Platform-neutral dewarper. A subclass supplies the context, the target and the locking.
+/// Platform-neutral dewarper. A subclass supplies the context, the target and the locking:
+/// CCustomGPUDewarperOffscreen (desktops and servers) and CCustomGPUDewarperVela (graphic buffers).
+///
+/// Fifteen operations are what a host needs, in this order:
+///
+///     InitGL, StartGL                        of the subclass: target size, context
+///     SetViewType, SetMountType, SetLensType what to show, of which camera
+///     SetInterpolationType                   how to sample
+///     SetMaskPolygons, SetStrings            what to hide, what to write
+///     SetTexture, DrawGLScene, GetImage      a frame in, drawn, out
+///     AbsolutePTZ, GetPTZ, OnMouseMove       where to look (OnMouseDown before, OnMouseUp after a drag)
+///     StopGL                                 of the subclass
 ///
 /// Units: degrees and pixels at every operation.
 /// Owns: every record, view object, mesh and GL name it makes. Input planes stay the host's.
@@ -35,14 +25,12 @@ struct SDriverTraits;
 /// DrawGLScene, GetImage, FreeOpenGLObjects and ReinitializeOpenGLObjects on the GL thread, context current.
 /// Fails: by results and log lines under the tag "LUMORVIDEOMANAGER_DEWRAP"; nothing throws.
 ///
-/// Control operations store requests; the next DrawGLScene puts them in force.
-/// Data members are open to subclasses, hosts' diagnostics and tests; change them through operations only.
-class CCustomGPUDewarper
+/// Control operations store requests; the next DrawGLScene puts them in force. What is drawn follows from the
+/// requests, the position in force and the frame alone, never from what was drawn before.
+class CCustomGPUDewarper : public CDewarperState
 {
 public:
     CCustomGPUDewarper();
-    CCustomGPUDewarper(const CCustomGPUDewarper&) = delete;
-    CCustomGPUDewarper& operator=(const CCustomGPUDewarper&) = delete;
 
     // Virtual operations. Their order is the interface of hosts built earlier: new ones go to the end.
     virtual ~CCustomGPUDewarper();
@@ -91,6 +79,8 @@ public:
     virtual int HandleStrings(int nWidth, int nHeight);
     virtual void IncrementDrawCount();
     virtual void BindDefaultFrameBuffer();
+    /// True when row 0 of what the next view is drawn into is the top of the picture.
+    virtual bool IsTopDownTarget();
 
     // What to show.
     void SetViewType(EViewType eView);
@@ -99,6 +89,8 @@ public:
     EMountType GetMountType();
     ELensType GetLensType();
     EInterpolationType GetInterpolationType();
+    /// Stored and handed back to nobody: OpenGL ES draws no lines of a mesh, so it has no effect, which the
+    /// log says once when it is asked for.
     void SetWireFrame(bool bEnable);
     void SetYUVparams(EYUVSpace eSpace, EYUVRange eRange);
     /// How far a wall camera looks up, degrees; a value that is not finite is refused with a log line.
@@ -130,9 +122,12 @@ public:
     bool GetLogShaderCode();
 
     // Steering.
+    /// Puts the camera there, or moves it by that much, with the next frame; the view's limits hold. A value
+    /// that is not a finite number is refused with a log line.
     void AbsolutePTZ(float fPan, float fTilt, float fZoom);
     void RelativePTZ(float fPan, float fTilt, float fZoom);
-    /// Speeds a frame, in steps of 4 degrees; they repeat until set to 0. Takes no lock.
+    /// Speeds a frame, in steps of 4 degrees; they repeat until set to 0. Takes no lock and calls nobody: a
+    /// host that draws on demand asks IsDrawRequired, which is true as long as a speed is not 0.
     void AnaloguePTZ(float fPan, float fTilt, float fZoom);
     void GetPTZAnalog(float& fPan, float& fTilt, float& fZoom);
     /// Values in force. The pan comes back in [0, 360) except in the fisheye view.
@@ -145,12 +140,15 @@ public:
 
     // Overlays, masks, text.
     /// Lays an RGBA image over the input picture, before dewarping; null removes it. The last argument is
-    /// ignored. 1 success, 0 refused.
+    /// ignored. 1 success, 0 refused. Privacy masks take the image's place: while there are any, it is kept
+    /// out with a log line.
     int SetInputOverlay(unsigned char* pData, int nWidth, int nHeight, int nUnused);
     /// Lays an RGBA image over the result. Rectangles name what changed; none: everything.
     int SetOutputOverlay(unsigned char* pData, int nWidth, int nHeight, int nUnused,
                          std::vector<SGRect> vRects);
     int SetOutputOverlay(unsigned char* pData, int nWidth, int nHeight, int nUnused);
+    /// Privacy masks: polygons in pixels of the frame. No frame is shown without all of them. An empty list
+    /// removes them, and the image that stands in their place now.
     void SetMaskPolygons(unsigned char* pData, int nLength);
     void SetMaskPolygons(std::vector<SGPolygon> vPolygons);
     void SetStrings(unsigned char* pData, int nLength);
@@ -158,12 +156,35 @@ public:
 
     // Results.
     /// BGRA rows of the drawn frame. They start *pSize rounded up to an even number of rows after the
-    /// returned pointer; the memory before them is the caller's to use. Same buffer at every call; null when
-    /// nothing was drawn yet. GL thread.
+    /// returned pointer; the memory before them is the caller's to use. Same buffer at every call. It is the
+    /// frame that was drawn last, in its size; null when there is none: nothing was drawn yet, GL was stopped
+    /// since, or the last frame failed half way. GL thread.
     unsigned char* GetImage(int* pSize, int* pWidth, int* pHeight, int* pStride);
     bool GetDewarperVersion(int& nMajor, int& nMinor);
     int GetFisheyeRadius();
     unsigned long long GetLastDisplayedTextureTimestamp();
+    /// True when a request waits for a frame, or a speed moves the view.
+    bool IsDrawRequired();
+    /// What went wrong last with this dewarper, as the log said it; empty when nothing has.
+    std::string GetLastErrorText();
+    /// The lens that the picture is drawn with: what LENS_AUTO found; LENS_UNSET before the first frame.
+    ELensType GetLensInForce();
+
+    // What a host would have to guess.
+    /// How far pan, tilt and zoom go in a view on a mount, with the mount tilt and its strictness as they
+    /// are.
+    SPTZLimits GetViewLimits(EViewType eView, EMountType eMount);
+    /// Where a view starts on a mount.
+    static void GetDefaultPTZ(EViewType eView, EMountType eMount, float& fPan, float& fTilt, float& fZoom);
+    /// A size in which a view shows all it has, without bars, for frames of an input size; width to height is
+    /// the aspect the view prefers.
+    static void GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
+                               int& nWidth, int& nHeight);
+    /// Views by name, as command lines and files write them: null and VIEW_UNSET for those there are not.
+    static const char* GetViewName(EViewType eView);
+    static EViewType FindViewType(const std::string& strName);
+    /// Names of all views, in the order in which people list them.
+    static std::vector<std::string> ListViewNames();
 
     // Steps of a frame, on the GL thread.
     void CheckViewTypeRequest();
@@ -188,201 +209,42 @@ public:
     int MaskPolygonsToInputOverlay();
     int UpdateStringOverlay(int nWidth, int nHeight);
 
-    // State, in the order of the object.
-    void* pRenderingContext = nullptr;
-    SShaderProperties sMainShader;
-    bool bSceneInitialized = false;
-    SGPoint* pMouseAnchor; ///< position of the last mouse event
-    bool bMouseDown = false;
-    bool bWireFrame = false;
-    CCustomGPUGeometry* pGeometry;
-    SDewarpParams* pParams; ///< in force
-    SDewarpMatrices* pMatrices;
-    SDewarpParams* pLastDrawnParams;
-    unsigned int nTextureY = 0;
-    unsigned int nTextureUV = 0;
-    unsigned int nTextureU = 0;
-    unsigned int nTextureV = 0;
-    unsigned int nTextureQP = 0;
-    unsigned int nTextureMBType = 0;
-    unsigned int nTextureRGB = 0;
-    unsigned int nFrameBuffer = 0;    ///< the passes that draw into a texture
-    unsigned int nFrameTexture = 0;   ///< unit 6: the view, before strings and output overlay
-    unsigned int nFrameTexture2 = 0;  ///< unit 9: its copy
-    unsigned int nMaskTextureA = 0;   ///< unit 10
-    unsigned int nMaskTextureB = 0;   ///< unit 11
-    unsigned int nStringTextureA = 0; ///< unit 12
-    unsigned int nStringTextureB = 0; ///< unit 13
-    unsigned int nFontTexture = 0;    ///< unit 8
-    unsigned char* pInputPlanes[3] = {nullptr, nullptr, nullptr}; ///< the host's, of the last SetTexture
-    bool bTexturesNeedInit = false;                               ///< the input size or format changed
-    bool bTextureUpload = false;                                  ///< a frame waits to be uploaded
-    EInterpolationType eInterpolation = INTERPOLATION_NEAREST;
-    ELensType eRequestedLens = LENS_UNSET;
-    EViewType eRequestedView = VIEW_UNSET;
-    EMountType eRequestedMount = MOUNT_UNSET;
-    int nImageFormat = 0; ///< EImageFormat
-    int nRotation = 0;
-    bool bViewSetupRequired = false; ///< the projection must be computed anew
-    bool bShadersLoaded = false;
-    bool bLogShaderCode = false;
-    unsigned int nDrawCount = 0;
-    SQPInfo* pQPInfo;
-    int nEffectiveYUVSpace = 1;
-    int nEffectiveYUVRange = 1;
-    int nImageYUVSpace = 5; ///< 5 and 3 lie outside the named values: they count as 1 and 1
-    int nImageYUVRange = 3;
-    CCGPUObjFisheye* pFisheye = nullptr;
-    CCGPUObjFisheye* pFisheyeCircular = nullptr;
-    CCGPUObjVCAM* pVCAM = nullptr;
-    CCGPUObjPanorama* pPanorama = nullptr;
-    CCGPUObjPanoramaWall* pPanoramaWall = nullptr;
-    CCGPUObjPanoramaDual* pPanoramaDual = nullptr;
-    CCGPUObjPanoramaTriple* pPanoramaTriple = nullptr;
-    CCGPUObjString* pStringObject = nullptr;
-    CCGPUObjBase* pRequestedViewObject = nullptr;
-    CCGPUObjBase* pActiveViewObject = nullptr;
-    CCGPUObjBase* pBoundViewObject = nullptr; ///< whose buffers were bound last
-    unsigned char* pReadBack = nullptr;
-    std::size_t nReadBackCapacity = 0;
-    std::vector<SGPolygon> vMaskPolygons;
-    bool bMaskPolygonsChanged = false;
-    CCGPUObjFisheye* pAuxFisheye = nullptr;  ///< full-target quad of the output overlay
-    CCGPUObjFisheye* pAuxFisheye2 = nullptr; ///< full-target quad of the texture copies
-    float fAnalogSpeed[3] = {0.0f, 0.0f, 0.0f};
-    bool bResetPTZ = true;
-    bool bResetObjects = false;
-    bool bDrawRequired = false;
-    bool bAbsolutePTZPending = false;
-    float fAbsolutePan = 0.0f;
-    float fAbsoluteTilt = 0.0f;
-    float fAbsoluteZoom = 0.0f;
-    SGOverlay sInputOverlay;
-    SGOverlay sOutputOverlay;
-    SShaderProperties sOutputOverlayShader;
-    SShaderProperties sStringShader;
-    SShaderProperties sStringCompositeShader;
-    SShaderProperties sMaskShader;
-    SShaderProperties sTextureToScreenShader;
-    SShaderProperties sTextureToTextureShader;
-    SDewarpMatrices* pOutputOverlayMatrices; ///< the auxiliary passes' own, all identity
-    SDewarpMatrices* pStringMatrices;
-    SDewarpMatrices* pMaskMatrices;
-    SDewarpMatrices* pTextureCopyMatrices;
-    SDewarpParams* pOutputOverlayParams;
-    SDewarpParams* pStringParams;
-    SDewarpParams* pMaskParams;
-    SDewarpParams* pTextureCopyParams;
-    std::vector<SGPUString> vStrings;
-    bool bStringsChanged = false;
-    int anTextureUnitSize[16][2] = {}; ///< width and height last given to GenerateTexture on each unit
-    unsigned long long nLastSetTimestamp = 0;
-    unsigned long long nLastDisplayedTimestamp = 0;
-    bool bLogGLErrors = false;
-
 protected:
-    /// How red and blue of a BGR frame find their places.
-    enum ERedBlueUpload
-    {
-        RED_BLUE_UNDECIDED, ///< no such frame was uploaded to this texture yet
-        RED_BLUE_BY_FORMAT, ///< the driver takes the BGR format
-        RED_BLUE_BY_SWIZZLE ///< the driver does not; the texture exchanges the channels when it is sampled
-    };
+    friend class CLockScope;
 
-    // Named steps of DrawGLScene; false: the frame cannot be drawn.
+    // Named steps of DrawGLScene, in their order; false: the frame cannot be drawn.
     bool DrawFrame(bool bExchangeBuffers);
-    void RequestEverything();
-    bool LacksDriverMemory();
-    void GiveUpFrameObjects();
-    bool PrepareTarget(int& nWidth, int& nHeight);
-    bool ApplyRequests(int nWidth, int nHeight);
-    void ApplyDefaultPTZ();
-    void ActivateRequestedObject();
-    ELensType ApplyAbsolutePTZ();
-    void ApplyAnalogPTZ();
-    void ApplyLensRequest(ELensType eMeshLens);
-    bool ApplyMaskRequest(int nWidth, int nHeight);
-    bool SetUpProjection(int nWidth, int nHeight);
-    void UpdateWallMesh();
-    void ComputeProjection(int nWidth, int nHeight);
-    void UploadMVP();
-    void BindFrameTarget(int nWidth, int nHeight);
-    void DrawView(int nWidth, int nHeight);
+    bool PrepareTarget(STargetShape& rTarget);
+    void DecideLayers();
+    bool Decide(const STargetShape& rTarget);
+    bool CheckMainProgram();
+    void ActivateView(bool bNewLens, ELensType eLensBefore);
+    bool PaintMasks(const STargetShape& rTarget);
+    void SetUpProjection();
+    bool HasFrame();
+    void BindFrameTarget(const STargetShape& rTarget);
+    bool AreMasksShown();
+    void DrawView(const STargetShape& rTarget);
     void DrawCompositionPasses(int nWidth, int nHeight);
-    void FinishFrame();
-    /// True when strings or an output overlay image send the view through the intermediate texture.
-    bool NeedsFrameTexture() const;
-    static bool HasImage(const SGOverlay& rOverlay);
-    /// Makes the framebuffer of the texture passes, if there is none, and binds it.
-    void PrepareFrameBuffer();
-    void ReadPixels(int nWidth, int nHeight, unsigned char* pPixels);
+    void FinishFrame(const STargetShape& rTarget);
+    /// Asks for all that a frame can build.
+    void RequestEverything();
+    /// Ends a frame that the driver had no memory for.
+    void GiveUpFrameObjects();
 
     void CreateViewObjects();
+    /// The object that draws the view in force.
+    CCGPUObjBase* ObjectInForce();
     void DeleteViewObjects();
     void FreeTextures();
     /// Forgets every GL name without touching GL: their context is gone.
     void ForgetGLNames();
-
-    // Input planes.
-    struct SPlaneUpload;
-    int ListPlanes(SPlaneUpload* pPlanes);
-    bool TexturesMissing();
-    bool FitsTexture();
-    bool FitsTexture(int nWidth, int nHeight);
-    bool UploadPlanes();
-    void UploadPlane(const SPlaneUpload& rPlane, bool bCreate);
-    void UploadRedBlue(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
-    void UploadWidened(const SPlaneUpload& rPlane);
-    void PreferRGBA(const SPlaneUpload& rPlane, unsigned char* pPixels, int nRowLength);
-    unsigned char* RepackRows(const SPlaneUpload& rPlane, int& nRowBytes);
-    void CreateQPTextures();
-    void UploadQPTextures();
-
-    // Programs.
-    bool CheckMainProgram();
-    void SetFormatSamplers();
-    bool CompileShader(unsigned int& nShader, unsigned int nKind, const std::string& strText,
-                       const char* pMessage);
-    const SDriverTraits& DriverTraits();
-    int PrepareTextureCopy(SShaderProperties& sShader, const char* pVertexText, const char* pFragmentText,
-                           int nWidth, int nHeight);
-    void BindCopySource(const SShaderProperties& rShader, int nUnit, unsigned int nTexture);
-    void DrawTextureCopy(SShaderProperties& sShader);
-
-    // Overlays.
-    void ReleaseOverlayTexture(SGOverlay& sOverlay);
-    void ParkOverlayTexture(SGOverlay& sOverlay);
-    void DropOversizedOverlays();
-    void UploadOverlay(SGOverlay& sOverlay);
-    int PrepareOutputOverlayProgram();
-    int PrepareMaskProgram(int nWidth, int nHeight);
-    void PrepareMaskTextures(int nWidth, int nHeight);
-    void PaintMaskPolygon(const SGPolygon& rPolygon);
-    void PrepareInputOverlayForMasks(int nWidth, int nHeight);
-    int PrepareStringProgram(int nWidth, int nHeight, bool& bFullRedraw);
-    void PrepareFontTexture();
-    bool PrepareStringTextures(int nWidth, int nHeight);
-    int PrepareStringCompositeProgram();
-    void DeleteParkedTextures();
-
-    /// Limits a move to finite angles: a view without a size must not lose its position.
-    void KeepFinitePTZ(float fPan, float fTilt, float fZoom);
-
-    /// The target holds YUV; a subclass whose target holds plain colours clears it.
-    bool bYUVOutput = true;
-    SDriverTraits* pDriverTraits; ///< of the context in use, asked for when first needed
-    ERedBlueUpload eRedBlueUpload = RED_BLUE_UNDECIDED;
-    int nMaxTextureSize = 0; ///< of the context in use; 0: not asked for yet
-    bool bReadBGRA = true;   ///< the driver reads back BGRA; else RGBA is exchanged here
-    bool bReadBGRAProven = false;
-    bool bStringsToTexture = false;     ///< the string programs were made to draw into a texture
-    bool bFrameInTextures = false;      ///< the input textures hold a whole frame
-    bool bUploadDecided = false;        ///< a plane went up as it is: the driver's likes were considered
-    bool bWidenPixels = false;          ///< frames of 3 bytes a pixel go up as RGBA
-    std::vector<unsigned char> vRepack; ///< a plane's rows in a form the driver takes
-    std::vector<unsigned int> vParkedTextures; ///< to be deleted on the GL thread
-    float fEyeDistance = 0.0f;
-    bool bObjectsMade = false;       ///< GL objects were made since the driver was last asked for errors
-    bool bDriverMemoryLacks = false; ///< for an object of this frame
-    unsigned int nErrorOfFrame = 0;  ///< GL error that was taken before the end of the frame
+    /// True when strings or an output overlay image send the view through the intermediate texture.
+    bool NeedsFrameTexture() const;
+    /// The active view object is the one of the view in force: its limits count at once.
+    bool IsViewDrawn() const;
+    /// Something was asked for that a frame is to show.
+    void RequestFrame();
+    void EnterLocked();
+    void LeaveLocked();
 };

@@ -1,38 +1,19 @@
-// Control operations: what the host asks for, stored until the next frame.
+// What to show and how: requests are stored, the rules are the control room's.
 
 #include "dewarp/CustomGPUDewarper.h"
 
-#include "dewarp/pipeline/LockScope.h"
-#include "dewarp/records/LogTag.h"
-
-#include <android/log.h>
+#include "dewarp/LockScope.h"
+#include "dewarp/Rooms.h"
+#include "dewarp/gl/PictureRequests.h"
+#include "dewarp/views/ViewList.h"
 
 #include <atomic>
-#include <cmath>
-
-namespace
-{
-
-// The eye stays a hair inside the sphere's far pole: at a distance of exactly 1 the point straight ahead lies
-// on the far plane, where rounding may cut it away.
-const float MAX_EYE_DISTANCE = 0.9999f;
-
-/// Refuses a value that is not a finite number.
-bool IsUsable(float fValue, const char* pFunction)
-{
-    if (std::isfinite(fValue))
-        return true;
-    __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: value is not a finite number", pFunction);
-    return false;
-}
-
-} // namespace
 
 void CCustomGPUDewarper::SetViewType(EViewType eView)
 {
     CLockScope oScope(*this);
     eRequestedView = eView;
-    DrawRequired();
+    RequestFrame();
 }
 
 EViewType CCustomGPUDewarper::GetViewType()
@@ -45,7 +26,7 @@ void CCustomGPUDewarper::SetMountType(EMountType eMount)
 {
     CLockScope oScope(*this);
     eRequestedMount = eMount;
-    DrawRequired();
+    RequestFrame();
 }
 
 EMountType CCustomGPUDewarper::GetMountType()
@@ -58,7 +39,7 @@ void CCustomGPUDewarper::SetLensType(ELensType eLens)
 {
     CLockScope oScope(*this);
     eRequestedLens = eLens;
-    DrawRequired();
+    RequestFrame();
 }
 
 ELensType CCustomGPUDewarper::GetLensType()
@@ -67,11 +48,17 @@ ELensType CCustomGPUDewarper::GetLensType()
     return eRequestedLens;
 }
 
+ELensType CCustomGPUDewarper::GetLensInForce()
+{
+    CLockScope oScope(*this);
+    return pParams->eLensType;
+}
+
 void CCustomGPUDewarper::SetInterpolationType(EInterpolationType eType)
 {
     CLockScope oScope(*this);
     eInterpolation = eType;
-    DrawRequired();
+    RequestFrame();
 }
 
 EInterpolationType CCustomGPUDewarper::GetInterpolationType()
@@ -83,25 +70,26 @@ EInterpolationType CCustomGPUDewarper::GetInterpolationType()
 void CCustomGPUDewarper::SetWireFrame(bool bEnable)
 {
     CLockScope oScope(*this);
+    if (bEnable && !bWireFrame)
+        pRooms->oReport.Refuse("%s: OpenGL ES draws no wire frames; it has no effect", "SetWireFrame");
     bWireFrame = bEnable;
-    DrawRequired();
+    RequestFrame();
 }
 
 void CCustomGPUDewarper::SetYUVparams(EYUVSpace eSpace, EYUVRange eRange)
 {
     CLockScope oScope(*this);
-    sMainShader.sYUV2RGBRequested.eSpace = eSpace;
-    sMainShader.sYUV2RGBRequested.eRange = eRange;
-    DrawRequired();
+    SPictureSettings sSettings = RequestedSettings(sMainShader);
+    sSettings.SetYUV(eSpace, eRange);
+    RequestSettings(sSettings, sMainShader);
+    RequestFrame();
 }
 
 void CCustomGPUDewarper::SetMountTilt(float fDegrees)
 {
     CLockScope oScope(*this);
-    if (!IsUsable(fDegrees, "SetMountTilt"))
-        return;
-    pParams->fMountTilt = fDegrees;
-    DrawRequired();
+    if (pRooms->oControl.SetMountTilt(fDegrees))
+        RequestFrame();
 }
 
 float CCustomGPUDewarper::GetMountTilt()
@@ -114,7 +102,7 @@ void CCustomGPUDewarper::SetStrictTiltLimits(bool bStrict)
 {
     CLockScope oScope(*this);
     pParams->bStrictTiltLimits = bStrict;
-    DrawRequired();
+    RequestFrame();
 }
 
 bool CCustomGPUDewarper::GetStrictTiltLimits()
@@ -126,18 +114,15 @@ bool CCustomGPUDewarper::GetStrictTiltLimits()
 void CCustomGPUDewarper::SetRotation(int nDegrees)
 {
     CLockScope oScope(*this);
-    if (nDegrees != 0 && nDegrees != 90 && nDegrees != 180 && nDegrees != 270) {
-        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: %d is not 0, 90, 180 or 270 degrees",
-                            "SetRotation", nDegrees);
+    bool bChanged = false;
+    if (!pRooms->oControl.SetRotation(nDegrees, bChanged))
         return;
-    }
-    if (nDegrees != nRotation) {
-        nRotation = nDegrees;
+    if (bChanged) {
         bViewSetupRequired = true;
         // A quarter turn exchanges what the flips mirror.
         sMainShader.bForceReload = true;
     }
-    DrawRequired();
+    RequestFrame();
 }
 
 int CCustomGPUDewarper::GetRotation()
@@ -149,9 +134,10 @@ int CCustomGPUDewarper::GetRotation()
 void CCustomGPUDewarper::SetFlip(bool bHorizontal, bool bVertical)
 {
     CLockScope oScope(*this);
-    sMainShader.bFlipHorizontalRequested = bHorizontal;
-    sMainShader.bFlipVerticalRequested = bVertical;
-    DrawRequired();
+    SPictureSettings sSettings = RequestedSettings(sMainShader);
+    sSettings.SetFlip(bHorizontal, bVertical);
+    RequestSettings(sSettings, sMainShader);
+    RequestFrame();
 }
 
 void CCustomGPUDewarper::GetFlip(bool& bHorizontal, bool& bVertical)
@@ -164,11 +150,11 @@ void CCustomGPUDewarper::GetFlip(bool& bHorizontal, bool& bVertical)
 void CCustomGPUDewarper::SetGains(float fLuma, float fChroma)
 {
     CLockScope oScope(*this);
-    if (!IsUsable(fLuma, "SetGains") || !IsUsable(fChroma, "SetGains"))
+    SPictureSettings sSettings = RequestedSettings(sMainShader);
+    if (!sSettings.SetGains(fLuma, fChroma, pRooms->oReport))
         return;
-    sMainShader.fLumaGainRequested = fLuma;
-    sMainShader.fChromaGainRequested = fChroma;
-    DrawRequired();
+    RequestSettings(sSettings, sMainShader);
+    RequestFrame();
 }
 
 void CCustomGPUDewarper::GetGains(float& fLuma, float& fChroma)
@@ -181,10 +167,10 @@ void CCustomGPUDewarper::GetGains(float& fLuma, float& fChroma)
 void CCustomGPUDewarper::SetYUVLevels(int nLumaMin, int nLumaMax, int nChromaMin)
 {
     CLockScope oScope(*this);
-    sMainShader.sYUV2RGBRequested.nLumaMin = nLumaMin;
-    sMainShader.sYUV2RGBRequested.nLumaMax = nLumaMax;
-    sMainShader.sYUV2RGBRequested.nChromaMin = nChromaMin;
-    DrawRequired();
+    SPictureSettings sSettings = RequestedSettings(sMainShader);
+    sSettings.SetLevels(nLumaMin, nLumaMax, nChromaMin);
+    RequestSettings(sSettings, sMainShader);
+    RequestFrame();
 }
 
 void CCustomGPUDewarper::GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChromaMin)
@@ -198,26 +184,23 @@ void CCustomGPUDewarper::GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChroma
 void CCustomGPUDewarper::SetEyeDistance(float fDistance)
 {
     CLockScope oScope(*this);
-    if (std::isnan(fDistance)) {
-        __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: value is not a number", "SetEyeDistance");
+    if (!pRooms->oControl.SetEyeDistance(fDistance))
         return;
-    }
-    fEyeDistance = fDistance > 0.0f ? std::fmin(fDistance, MAX_EYE_DISTANCE) : 0.0f;
     bViewSetupRequired = true;
-    DrawRequired();
+    RequestFrame();
 }
 
 float CCustomGPUDewarper::GetEyeDistance()
 {
     CLockScope oScope(*this);
-    return fEyeDistance;
+    return pRooms->oControl.fEyeDistance;
 }
 
 void CCustomGPUDewarper::SetLogGLErrors(bool bEnable)
 {
     CLockScope oScope(*this);
     bLogGLErrors = bEnable;
-    DrawRequired();
+    RequestFrame();
 }
 
 bool CCustomGPUDewarper::GetLogGLErrors()
@@ -230,7 +213,7 @@ void CCustomGPUDewarper::SetLogShaderCode(bool bEnable)
 {
     CLockScope oScope(*this);
     bLogShaderCode = bEnable;
-    DrawRequired();
+    RequestFrame();
 }
 
 bool CCustomGPUDewarper::GetLogShaderCode()
@@ -255,4 +238,71 @@ unsigned long long CCustomGPUDewarper::GetLastDisplayedTextureTimestamp()
 {
     CLockScope oScope(*this);
     return nLastDisplayedTimestamp;
+}
+
+bool CCustomGPUDewarper::IsDrawRequired()
+{
+    CLockScope oScope(*this);
+    return bDrawRequired || pRooms->oControl.IsMoving();
+}
+
+std::string CCustomGPUDewarper::GetLastErrorText()
+{
+    CLockScope oScope(*this);
+    return pRooms->oReport.LastError();
+}
+
+SPTZLimits CCustomGPUDewarper::GetViewLimits(EViewType eView, EMountType eMount)
+{
+    CLockScope oScope(*this);
+    SDewarpParams sParams = *pParams;
+    sParams.eViewType = eView;
+    sParams.eMountType = eMount;
+    return FindView(eView, eMount).Limits(sParams);
+}
+
+void CCustomGPUDewarper::GetDefaultPTZ(EViewType eView, EMountType eMount, float& fPan, float& fTilt,
+                                       float& fZoom)
+{
+    const SPTZ sPTZ = FindView(eView, eMount).DefaultPTZ(eMount);
+    fPan = sPTZ.fPan;
+    fTilt = sPTZ.fTilt;
+    fZoom = sPTZ.fZoom;
+}
+
+void CCustomGPUDewarper::GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
+                                        int& nWidth, int& nHeight)
+{
+    SDewarpParams sParams;
+    sParams.eViewType = eView;
+    sParams.eMountType = eMount;
+    sParams.nImageWidth = nInputWidth;
+    sParams.nImageHeight = nInputHeight;
+    FindView(eView, eMount).DefaultSize(sParams, nWidth, nHeight);
+}
+
+const char* CCustomGPUDewarper::GetViewName(EViewType eView)
+{
+    for (const SViewEntry& rEntry : ListViews()) {
+        if (rEntry.eType == eView)
+            return rEntry.pName;
+    }
+    return nullptr;
+}
+
+EViewType CCustomGPUDewarper::FindViewType(const std::string& strName)
+{
+    for (const SViewEntry& rEntry : ListViews()) {
+        if (strName == rEntry.pName)
+            return rEntry.eType;
+    }
+    return VIEW_UNSET;
+}
+
+std::vector<std::string> CCustomGPUDewarper::ListViewNames()
+{
+    std::vector<std::string> vNames;
+    for (const SViewEntry& rEntry : ListViews())
+        vNames.emplace_back(rEntry.pName);
+    return vNames;
 }

@@ -27,6 +27,9 @@ struct SEGLExtensions
 /// Fails: entry by entry, with null.
 SEGLExtensions LoadEGLExtensions();
 
+/// Waits until everything is drawn and the output buffer holds it, without a fence. Thread: GL thread.
+void FinishBufferImages();
+
 /// True when images of buffers of this pixel format are YUV to the driver, so that drawing into them takes
 /// YUV outputs; false when they are plain colours. Thread: any.
 bool IsYUVImage(int nPixelFormat);

@@ -2,7 +2,7 @@
 
 #include "ToolError.h"
 
-#include "dewarp/overlays/YUVColour.h"
+#include "dewarp/records/YUVColour.h"
 
 #include <algorithm>
 #include <cstring>

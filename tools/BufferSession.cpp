@@ -4,7 +4,7 @@
 #include "Notes.h"
 #include "ToolError.h"
 
-#include "dewarp/overlays/YUVColour.h"
+#include "dewarp/records/YUVColour.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #include "bench/accuracy/ExactMesh.h"
 
-#include "dewarp/views/GPUObjPanorama.h"
+#include "dewarp/gl/GPUObjPanorama.h"
 
 #include <algorithm>
 #include <array>

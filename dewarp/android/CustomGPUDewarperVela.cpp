@@ -2,8 +2,8 @@
 
 #include "dewarp/android/CustomGPUDewarperVela.h"
 
-#include "dewarp/records/LogTag.h"
-#include "platform/Display.h"
+#include "dewarp/MemoryGuard.h"
+#include "dewarp/Rooms.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>
@@ -89,6 +89,12 @@ bool CCustomGPUDewarperVela::StartGL()
     if (bGLStarted)
         StopGL();
     ReleaseFailedStart();
+    sHostContext = GetCurrentContext();
+    return GuardMemory("StartGL", pRooms->oReport, false, [&] { return Start(); });
+}
+
+bool CCustomGPUDewarperVela::Start()
+{
     ReinitializeOpenGLObjects();
     __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Enter", "StartGL");
     if (!OpenDisplay() || !ChooseConfig() || !CreateSurface() || !MakeUsableContextCurrent())
@@ -193,10 +199,19 @@ bool CCustomGPUDewarperVela::MakeUsableContextCurrent()
 bool CCustomGPUDewarperVela::StopGL()
 {
     const auto oDisplays = LockDisplays();
+    GuardMemory("StopGL", pRooms->oReport, true, [&] {
+        Stop();
+        return true;
+    });
+    return true;
+}
+
+void CCustomGPUDewarperVela::Stop()
+{
     __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: Stop OpenGLES", "StopGL");
     if (!bGLStarted) {
         ReinitializeOpenGLObjects();
-        return true;
+        return;
     }
     const SCurrentContext sBefore = GetCurrentContext();
     // Names die under their own context; when it is lost, or cannot be had on this thread, they die with it.
@@ -214,13 +229,13 @@ bool CCustomGPUDewarperVela::StopGL()
     OSDependentFBO(true);
     DestroyBufferImage(mInputImage);
     ReleaseBufferImages(mContext);
-    const bool bOther = sBefore.pContext != mContext;
+    // The host finds current what it had: now, or before StartGL where ours stood in its place since.
+    const SCurrentContext sHost = sBefore.pContext != mContext ? sBefore : sHostContext;
     ReleaseEGL();
     eglReleaseThread();
-    if (bOther)
-        RestoreCurrentContext(sBefore);
+    RestoreCurrentContext(sHost);
+    sHostContext = SCurrentContext();
     bGLStarted = false;
-    return true;
 }
 
 /// A start that failed leaves behind what it had made.
@@ -254,6 +269,8 @@ bool CCustomGPUDewarperVela::MakeOwnContextCurrent() const
 
 bool CCustomGPUDewarperVela::CheckOSDependentDrawGLSceneInitialization()
 {
+    if (!bGLStarted)
+        pRooms->oReport.Standing(FAULT_NOT_STARTED, "%s: GL is not started", "DrawGLScene");
     return bGLStarted && SetCurrentRenderingContext(&pRenderingContext);
 }
 
@@ -262,9 +279,9 @@ bool CCustomGPUDewarperVela::SetCurrentRenderingContext(void** /*ppContext*/)
     // The context stays current on the thread that started it, unless somebody else drew there meanwhile.
     if (!bGLStarted || MakeOwnContextCurrent())
         return true;
-    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG,
-                        "%s: the context cannot be made current: it is lost, or current on another thread",
-                        "SetCurrentRenderingContext");
+    pRooms->oReport.Standing(
+        FAULT_CONTEXT, "%s: the context cannot be made current: it is lost, or current on another thread",
+        "SetCurrentRenderingContext");
     return false;
 }
 

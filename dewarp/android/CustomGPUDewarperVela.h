@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/CustomGPUDewarper.h"
+#include "platform/Display.h"
 #include "platform/EGLExtensions.h"
 
 namespace android
@@ -32,7 +33,8 @@ public:
 
     /// Makes an image of the input buffer alone.
     bool CreateImage(android::GraphicBuffer* pInput);
-    /// Binds the buffers of the next frame. They must stay valid until DestroyImage. False: do not draw.
+    /// Binds the buffers of the next frame. They must stay valid until DestroyImage. An output of another
+    /// size than InitGL's, or one buffer for both, is refused. False: do not draw.
     bool CreateImageF(android::GraphicBuffer* pInput, android::GraphicBuffer* pOutput);
     /// Lets go of the buffers of the last frame.
     void DestroyImage();
@@ -56,6 +58,7 @@ public:
     int OSDependentCheckLoadShaders() override;
     int HandleStrings(int nWidth, int nHeight) override;
     void BindDefaultFrameBuffer() override;
+    bool IsTopDownTarget() override;
 
     // State, open as that of the base class.
     int nTargetWidth = 0;
@@ -78,6 +81,7 @@ public:
 
 private:
     // Steps of StartGL; false: it failed, and said so.
+    bool Start();
     bool OpenDisplay();
     bool ChooseConfig();
     bool CreateSurface();
@@ -88,11 +92,14 @@ private:
     bool MakeOwnContextCurrent() const;
     EGLImageKHR CreateBufferImage(android::GraphicBuffer* pBuffer, const char* pFunction);
     void DestroyBufferImage(EGLImageKHR& rImage);
+    bool AreFitting(const android::GraphicBuffer* pInput, const android::GraphicBuffer* pOutput);
     void DescribeInput(const android::GraphicBuffer& rInput);
     void SetOutputFormat(int nPixelFormat);
     bool IsThere(bool bEntryPoint, const char* pFunction, const char* pName) const;
+    void Stop();
     void ReleaseFailedStart();
     void ReleaseEGL();
 
     SEGLExtensions sExtensions;
+    SCurrentContext sHostContext; ///< what was current where StartGL was called
 };

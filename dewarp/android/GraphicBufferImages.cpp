@@ -2,13 +2,12 @@
 
 #include "dewarp/android/CustomGPUDewarperVela.h"
 
-#include "dewarp/pipeline/MemoryGuard.h"
-#include "dewarp/pipeline/PlaneUpload.h"
+#include "dewarp/MemoryGuard.h"
+#include "dewarp/Rooms.h"
+#include "dewarp/gl/PlaneUpload.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/YUVTargetText.h"
-#include "dewarp/views/GPUObjVCAM.h"
 #include "platform/DriverErrors.h"
-#include "platform/ShaderDialect.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>
@@ -64,7 +63,7 @@ EGLImageKHR CCustomGPUDewarperVela::CreateBufferImage(android::GraphicBuffer* pB
     if (!IsThere(sExtensions.eglCreateImageKHR != nullptr, pFunction, "eglCreateImageKHR") ||
         !IsThere(sExtensions.eglDestroyImageKHR != nullptr, pFunction, "eglDestroyImageKHR"))
         return EGL_NO_IMAGE_KHR;
-    return GuardMemory(pFunction, EGL_NO_IMAGE_KHR, [&] {
+    return GuardMemory(pFunction, pRooms->oReport, EGL_NO_IMAGE_KHR, [&] {
         return sExtensions.eglCreateImageKHR(mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
                                              static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()),
                                              IMAGE_ATTRIBUTES);
@@ -99,6 +98,10 @@ bool CCustomGPUDewarperVela::CreateImageF(android::GraphicBuffer* pInput, androi
 {
     // Those of a frame that was never let go of.
     DestroyImage();
+    if (!AreFitting(pInput, pOutput))
+        return FailImage("CreateImageF");
+    if (bGLStarted && SetCurrentRenderingContext(&pRenderingContext))
+        pRooms->oWatch.TakeHostErrors("CreateImageF");
     mInputImage = CreateBufferImage(pInput, "CreateImageF");
     mOutputImage = CreateBufferImage(pOutput, "CreateImageF");
     bool bTarget = mOutputImage != EGL_NO_IMAGE_KHR &&
@@ -106,7 +109,7 @@ bool CCustomGPUDewarperVela::CreateImageF(android::GraphicBuffer* pInput, androi
                            "glEGLImageTargetRenderbufferStorageOES");
     if (bTarget) {
         sExtensions.glEGLImageTargetRenderbufferStorageOES(GL_RENDERBUFFER, mOutputImage);
-        bTarget = !TakeDriverErrors(nErrorOfFrame);
+        bTarget = !TakeDriverErrors(pRooms->oWatch.m_nErrorOfFrame);
         SetOutputFormat(static_cast<int>(pOutput->getPixelFormat()));
     }
     if (pInput != nullptr)
@@ -117,6 +120,26 @@ bool CCustomGPUDewarperVela::CreateImageF(android::GraphicBuffer* pInput, androi
     if (sExtensions.eglDestroyImageKHR != nullptr)
         sExtensions.eglDestroyImageKHR(mDisplay, mInputImage);
     mInputImage = EGL_NO_IMAGE_KHR;
+    return false;
+}
+
+/// False, with a line that says why, for buffers that no frame can be drawn with.
+bool CCustomGPUDewarperVela::AreFitting(const android::GraphicBuffer* pInput,
+                                        const android::GraphicBuffer* pOutput)
+{
+    if (pInput == nullptr || pOutput == nullptr || pOutput->getNativeBuffer() == nullptr)
+        return true; // said when its image is made
+    if (pInput == pOutput) {
+        pRooms->oReport.Error("%s: one buffer cannot be input and output at once", "CreateImageF");
+        return false;
+    }
+    const int nWidth = static_cast<int>(pOutput->getWidth());
+    const int nHeight = static_cast<int>(pOutput->getHeight());
+    const bool bEmpty = nWidth < 1 || nHeight < 1; // no buffer at all: said when its image is made
+    if (bEmpty || (nWidth == nTargetWidth && nHeight == nTargetHeight))
+        return true;
+    pRooms->oReport.Error("%s: the output buffer is %d x %d, the pictures are %d x %d", "CreateImageF",
+                          nWidth, nHeight, nTargetWidth, nTargetHeight);
     return false;
 }
 
@@ -137,10 +160,9 @@ void CCustomGPUDewarperVela::DescribeInput(const android::GraphicBuffer& rInput)
 void CCustomGPUDewarperVela::SetOutputFormat(int nPixelFormat)
 {
     const bool bYUV = IsYUVImage(nPixelFormat);
-    if (bYUV == bYUVOutput)
+    if (bYUV == pRooms->oPrograms.IsYUVOutput())
         return;
-    bYUVOutput = bYUV;
-    pDriverTraits->bYUVOutput = bYUV;
+    pRooms->oPrograms.SetYUVOutput(bYUV);
     sMainShader.bForceReload = true;
     for (SShaderProperties* pShader :
          {&sOutputOverlayShader, &sStringCompositeShader, &sTextureToScreenShader})
@@ -206,8 +228,8 @@ bool CCustomGPUDewarperVela::OSDependentUploadTexture()
     glActiveTexture(GL_TEXTURE0);
     glBindTexture(GL_TEXTURE_EXTERNAL_OES, nInputTexture);
     glPixelStorei(GL_UNPACK_ALIGNMENT, UnpackAlignment(pParams->nImageStride));
+    pRooms->oWatch.BeginMaking();
     sExtensions.glEGLImageTargetTexture2DOES(GL_TEXTURE_EXTERNAL_OES, mInputImage);
-    bObjectsMade = true;
     glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     glTexParameteri(GL_TEXTURE_EXTERNAL_OES, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
@@ -235,12 +257,15 @@ void CCustomGPUDewarperVela::ExchangeOpenglFrontBackBuffers(void* /*pContext*/)
     if (!IsThere(sExtensions.eglCreateSyncKHR != nullptr, pFunction, "eglCreateSyncKHR") ||
         !IsThere(sExtensions.eglClientWaitSyncKHR != nullptr, pFunction, "eglClientWaitSyncKHR") ||
         !IsThere(sExtensions.eglDestroySyncKHR != nullptr, pFunction, "eglDestroySyncKHR")) {
-        glFinish();
+        FinishBufferImages();
         return;
     }
     mSync = sExtensions.eglCreateSyncKHR(mDisplay, EGL_SYNC_FENCE_KHR, nullptr);
-    if (mSync == EGL_NO_SYNC_KHR)
+    if (mSync == EGL_NO_SYNC_KHR) {
+        // Without a fence the frame is waited for the long way: the buffer must be complete on return.
+        FinishBufferImages();
         return;
+    }
     glFlush();
     sExtensions.eglClientWaitSyncKHR(mDisplay, mSync, 0, EGL_FOREVER_KHR);
     sExtensions.eglDestroySyncKHR(mDisplay, mSync);
@@ -263,8 +288,6 @@ int CCustomGPUDewarperVela::HandleStrings(int nWidth, int nHeight)
 int CCustomGPUDewarperVela::OSDependentCheckLoadShaders()
 {
     const bool bDrawToTexture = NeedsFrameTexture();
-    if (pVCAM != nullptr)
-        pVCAM->m_bTopDownTarget = !bDrawToTexture;
     if (bDrawToTexture == mDrawToTexture)
         return 0;
     __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG,
@@ -273,6 +296,11 @@ int CCustomGPUDewarperVela::OSDependentCheckLoadShaders()
                         static_cast<int>(reinterpret_cast<std::intptr_t>(mContext)));
     mDrawToTexture = bDrawToTexture;
     return 1;
+}
+
+bool CCustomGPUDewarperVela::IsTopDownTarget()
+{
+    return !NeedsFrameTexture();
 }
 
 std::string CCustomGPUDewarperVela::GetVertexShaderCode()

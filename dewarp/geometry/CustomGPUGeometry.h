@@ -85,7 +85,6 @@ public:
     float* m_pTexCoords = nullptr; ///< 2 floats a vertex
     int m_nBufferSize = 0;         ///< vertices
     float m_fGeometryAspect = 1.0f;
-    bool m_bHandedOver = false; ///< a mesh went to GL; cleared by whoever asks the driver how that ended
 
 private:
     bool HasVCAMRoom(int nFirst, int nCount) const;

@@ -1,11 +1,11 @@
 #include "dewarp/offscreen/CustomGPUDewarperOffscreen.h"
 
+#include "dewarp/LockScope.h"
+#include "dewarp/MemoryGuard.h"
+#include "dewarp/Rooms.h"
 #include "dewarp/offscreen/FrameCheck.h"
 #include "dewarp/offscreen/OffscreenTarget.h"
-#include "dewarp/pipeline/LockScope.h"
-#include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/VertexText.h"
-#include "dewarp/views/GPUObjVCAM.h"
 #include "platform/Display.h"
 
 #include <GLES3/gl31.h>
@@ -18,9 +18,9 @@ namespace
 
 const int MAX_TARGET_SIZE = 16384;
 
-bool Fail(const char* pFunction, const char* pMessage)
+bool Fail(CReport& rReport, const char* pFunction, const char* pMessage)
 {
-    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: %s", pFunction, pMessage);
+    rReport.Error("%s: %s", pFunction, pMessage);
     return false;
 }
 
@@ -36,7 +36,8 @@ struct CCustomGPUDewarperOffscreen::SState
     EGLSurface pSurface = EGL_NO_SURFACE;
     EGLContext pContext = EGL_NO_CONTEXT;
     COffscreenTarget oTarget;
-    bool bDrawToTexture = false; ///< the main program draws to the intermediate texture
+    SCurrentContext sHostContext; ///< what was current where StartGL was called
+    bool bDrawToTexture = false;  ///< the main program draws to the intermediate texture
     bool bStarted = false;
 
     /// A surface of one pixel, for drivers that make no context current without one. Nothing is drawn into
@@ -73,7 +74,7 @@ struct CCustomGPUDewarperOffscreen::SState
 
 CCustomGPUDewarperOffscreen::CCustomGPUDewarperOffscreen() : pState(std::make_unique<SState>())
 {
-    bYUVOutput = false;
+    pRooms->oPrograms.SetYUVOutput(false);
 }
 
 CCustomGPUDewarperOffscreen::~CCustomGPUDewarperOffscreen()
@@ -85,8 +86,8 @@ bool CCustomGPUDewarperOffscreen::InitGL(int nWidth, int nHeight)
 {
     CLockScope oScope(*this);
     if (nWidth < 1 || nHeight < 1 || nWidth > MAX_TARGET_SIZE || nHeight > MAX_TARGET_SIZE) {
-        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: target size %d x %d is outside 1 to %d",
-                            "InitGL", nWidth, nHeight, MAX_TARGET_SIZE);
+        pRooms->oReport.Error("%s: target size %d x %d is outside 1 to %d", "InitGL", nWidth, nHeight,
+                              MAX_TARGET_SIZE);
         return false;
     }
     pState->nTargetWidth = nWidth;
@@ -101,21 +102,29 @@ bool CCustomGPUDewarperOffscreen::StartGL()
     const auto oDisplays = LockDisplays();
     if (pState->bStarted)
         StopGL();
+    pState->sHostContext = GetCurrentContext();
+    const bool bDone = GuardMemory("StartGL", pRooms->oReport, false, [&] { return Start(); });
+    if (!bDone)
+        pState->FreeEGL();
+    return bDone;
+}
+
+bool CCustomGPUDewarperOffscreen::Start()
+{
     const bool bHadView = pParams->eViewType != VIEW_UNSET || bHasOldView;
     const float fPan = pParams->fPan;
     const float fTilt = pParams->fTilt;
     const float fZoom = pParams->fZoom;
     pState->pDisplay = OpenOffscreenDisplay();
     if (pState->pDisplay == EGL_NO_DISPLAY)
-        return Fail("StartGL",
+        return Fail(pRooms->oReport, "StartGL",
                     "no EGL display gives an OpenGL ES 3.1 context (default, surfaceless and device "
                     "platforms tried)");
     pState->pContext = CreateOffscreenContext(pState->pDisplay, &pState->pConfig);
     pState->CreateSurface();
     if (pState->pContext == EGL_NO_CONTEXT ||
         !eglMakeCurrent(pState->pDisplay, pState->pSurface, pState->pSurface, pState->pContext)) {
-        pState->FreeEGL();
-        return Fail("StartGL", "the OpenGL ES context cannot be made current");
+        return Fail(pRooms->oReport, "StartGL", "the OpenGL ES context cannot be made current");
     }
     ReinitializeOpenGLObjects();
     bSceneInitialized = false;
@@ -148,25 +157,43 @@ bool CCustomGPUDewarperOffscreen::StopGL()
     ReinitializeOpenGLObjects();
     pState->oTarget.Free();
     pState->bStarted = false;
-    const bool bOther = sBefore.pContext != pState->pContext;
+    // The host finds current what it had: now, or before StartGL where ours stood in its place since.
+    const SCurrentContext sHost = sBefore.pContext != pState->pContext ? sBefore : pState->sHostContext;
     pState->FreeEGL();
-    if (bOther)
-        RestoreCurrentContext(sBefore);
+    RestoreCurrentContext(sHost);
+    pState->sHostContext = SCurrentContext();
     return true;
 }
 
 bool CCustomGPUDewarperOffscreen::SetTexture(SImageProperties* pImage, bool bGain, SQPInfo* pQP,
                                              unsigned long long nTimestamp)
 {
-    const std::string strFault = FindFrameFault(pImage, pQP);
-    if (!strFault.empty())
-        return Fail("SetTexture", strFault.c_str());
+    const std::string strFault = GuardMemory("SetTexture", pRooms->oReport, std::string("out of memory"),
+                                             [&] { return FindFrameFault(pImage, pQP); });
+    if (!strFault.empty()) {
+        CLockScope oScope(*this);
+        return Fail(pRooms->oReport, "SetTexture", strFault.c_str());
+    }
     return CCustomGPUDewarper::SetTexture(pImage, bGain, pQP, nTimestamp);
 }
 
 bool CCustomGPUDewarperOffscreen::CheckOSDependentDrawGLSceneInitialization()
 {
-    return SetCurrentRenderingContext(&pRenderingContext);
+    SRooms& r = *pRooms;
+    if (!pState->bStarted)
+        r.oReport.Standing(FAULT_NOT_STARTED, "%s: GL is not started", "DrawGLScene");
+    if (!SetCurrentRenderingContext(&pRenderingContext))
+        return false;
+    if (pState->oTarget.Has(pState->nTargetWidth, pState->nTargetHeight))
+        return true;
+    // Frames go to a new target; the one that can still be read back goes with the old.
+    r.oReadBack.ForgetFrame();
+    r.oWatch.TakeHostErrors("DrawGLScene");
+    if (pState->oTarget.Create(pState->nTargetWidth, pState->nTargetHeight))
+        return true;
+    r.oReport.Standing(FAULT_NO_TARGET, "%s: the driver has no target of that size (%d x %d)", "DrawGLScene",
+                       pState->nTargetWidth, pState->nTargetHeight);
+    return false;
 }
 
 bool CCustomGPUDewarperOffscreen::InitializeScene()
@@ -192,11 +219,12 @@ bool CCustomGPUDewarperOffscreen::SetCurrentRenderingContext(void** ppContext)
 {
     if (!pState->bStarted)
         return false;
-    if (!pState->MakeCurrent())
-        return Fail("SetCurrentRenderingContext",
-                    "the context cannot be made current: it is lost, or current on another thread");
-    if (!pState->oTarget.Create(pState->nTargetWidth, pState->nTargetHeight))
-        return Fail("SetCurrentRenderingContext", "the driver has no target of that size");
+    if (!pState->MakeCurrent()) {
+        pRooms->oReport.Standing(
+            FAULT_CONTEXT, "%s: the context cannot be made current: it is lost, or current on another thread",
+            "SetCurrentRenderingContext");
+        return false;
+    }
     *ppContext = pState->pContext;
     return true;
 }
@@ -227,12 +255,15 @@ void CCustomGPUDewarperOffscreen::Unlock()
 int CCustomGPUDewarperOffscreen::OSDependentCheckLoadShaders()
 {
     const bool bWanted = NeedsFrameTexture();
-    if (pVCAM != nullptr)
-        pVCAM->m_bTopDownTarget = !bWanted;
     if (bWanted == pState->bDrawToTexture)
         return 0;
     pState->bDrawToTexture = bWanted;
     return 1;
+}
+
+bool CCustomGPUDewarperOffscreen::IsTopDownTarget()
+{
+    return !NeedsFrameTexture();
 }
 
 void CCustomGPUDewarperOffscreen::BindDefaultFrameBuffer()

@@ -39,8 +39,11 @@ public:
     void Unlock() override;
     int OSDependentCheckLoadShaders() override;
     void BindDefaultFrameBuffer() override;
+    bool IsTopDownTarget() override;
 
 private:
+    bool Start();
+
     struct SState; ///< EGL objects, target and lock
     std::unique_ptr<SState> pState;
     bool bHasOldView = false; ///< a view was drawn before GL was stopped

@@ -34,7 +34,7 @@ bool IsComplete()
 
 bool COffscreenTarget::Create(int nWidth, int nHeight)
 {
-    if (m_nFrameBuffer != 0 && nWidth == m_nWidth && nHeight == m_nHeight)
+    if (Has(nWidth, nHeight))
         return true;
     Free();
     GLint nMaxTexture = 0;

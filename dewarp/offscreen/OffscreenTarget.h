@@ -11,6 +11,11 @@ class COffscreenTarget
 public:
     /// Makes the buffer anew if the size differs from the one there is. Leaves the framebuffer bound then.
     bool Create(int nWidth, int nHeight);
+    /// True when there is a buffer of that size.
+    bool Has(int nWidth, int nHeight) const
+    {
+        return m_nFrameBuffer != 0 && nWidth == m_nWidth && nHeight == m_nHeight;
+    }
     void Free();
     /// Forgets the names without touching GL: their context is gone.
     void Forget();

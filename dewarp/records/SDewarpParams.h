@@ -4,6 +4,15 @@
 
 #include "dewarp/records/Enumerations.h"
 
+/// The mount in force of a dewarper whose GL objects were freed: the requested one is applied anew.
+inline constexpr EMountType MOUNT_NOT_APPLIED = static_cast<EMountType>(-1);
+
+/// True for a mount that a camera can have.
+inline bool IsMountSet(EMountType eMount)
+{
+    return eMount != MOUNT_UNSET && eMount != MOUNT_NOT_APPLIED;
+}
+
 /// Units: degrees, pixels, bytes. The defaults are those of a dewarper that has not been asked anything yet.
 struct SDewarpParams
 {

@@ -38,6 +38,11 @@ SEGLExtensions LoadEGLExtensions()
     return s;
 }
 
+void FinishBufferImages()
+{
+    glFinish();
+}
+
 bool IsYUVImage(int nPixelFormat)
 {
     for (const int nPlain : PLAIN_FORMATS) {

@@ -53,15 +53,20 @@ void GL_APIENTRY ImageRenderbuffer(GLenum nTarget, GLeglImageOES pImage)
     CBufferTextures::Get().SetTarget(pImage);
 }
 
+/// Brings the drawn picture into the output buffer. Reading back waits by itself where the driver would not.
+bool FetchPicture(const char* pFunction)
+{
+    if (CBufferTextures::Get().FetchTarget())
+        return true;
+    __android_log_print(ANDROID_LOG_ERROR, "LUMORVIDEOMANAGER_DEWRAP", "%s: the driver is out of memory",
+                        pFunction);
+    return false;
+}
+
 EGLint EGLAPIENTRY ClientWaitSync(EGLDisplay pDisplay, EGLSyncKHR pSync, EGLint nFlags, EGLTimeKHR nTimeout)
 {
     const EGLint nResult = pClientWaitSync.load()(pDisplay, pSync, nFlags, nTimeout);
-    // Reading back waits by itself where the driver would not.
-    if (CBufferTextures::Get().FetchTarget())
-        return nResult;
-    __android_log_print(ANDROID_LOG_ERROR, "LUMORVIDEOMANAGER_DEWRAP", "%s: the driver is out of memory",
-                        "eglClientWaitSyncKHR");
-    return EGL_FALSE;
+    return FetchPicture("eglClientWaitSyncKHR") ? nResult : EGL_FALSE;
 }
 
 /// Puts our function before the driver's. Null where the driver has none.
@@ -90,6 +95,12 @@ SEGLExtensions LoadEGLExtensions()
     s.eglClientWaitSyncKHR = Wrap("eglClientWaitSyncKHR", pClientWaitSync, &ClientWaitSync);
     s.eglDestroySyncKHR = DriverFunction<PFNEGLDESTROYSYNCKHRPROC>("eglDestroySyncKHR");
     return s;
+}
+
+void FinishBufferImages()
+{
+    glFinish();
+    FetchPicture("FinishBufferImages");
 }
 
 bool IsYUVImage(int /*nPixelFormat*/)

@@ -3,7 +3,7 @@
 
 #include "dewarp/CustomGPUGeometry.h"
 #include "dewarp/android/CustomGPUDewarperVela.h"
-#include "dewarp/overlays/YUVColour.h"
+#include "dewarp/records/YUVColour.h"
 #include "dewarp/shaders/DiscardText.h"
 #include "dewarp/shaders/FragmentText.h"
 #include "dewarp/shaders/PassTexts.h"

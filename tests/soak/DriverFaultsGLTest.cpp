@@ -74,21 +74,28 @@ TEST(FrameFault, MainProgramThatDoesNotBuildFailsTheFrameOnly)
     }
 }
 
-TEST(FrameFault, RebuildThatFailsRefusesTheFrameAndIsTriedAgainWithTheNext)
+TEST(FrameFault, RebuildThatFailsRefusesTheFrameAndIsTriedAgainWhenSomethingChanges)
 {
     CTestFrame oFrame(AsymmetricPicture(64, 64), IMAGE_FORMAT_NV12);
     CTestDewarper oDewarper(32, 32);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
     CLogCapture oLog;
     oDewarper.SetFlip(true, false);
-    CGLRecorder::Get().Inject("GL_COMPILE_STATUS", GL_FALSE, 0, 2);
+    CGLRecorder::Get().Inject("GL_COMPILE_STATUS", GL_FALSE, 0, 4);
     EXPECT_FALSE(oDewarper.DrawFrame(oFrame));
+    EXPECT_FALSE(oDewarper.DrawFrame(oFrame)) << "tried once more";
     CGLRecorder::Get().ClearInjections();
+    CGLRecorder::Get().Start();
+    for (int i = 0; i < 3; ++i)
+        EXPECT_FALSE(oDewarper.DrawFrame(oFrame));
+    EXPECT_EQ(CGLRecorder::Get().Count("glCompileShader"), 0) << "nothing changed";
+    EXPECT_EQ(oLog.Lines().size(), 3u) << "the driver's words twice and ours once" << oLog.Text();
+    EXPECT_EQ(oDewarper.GetLastErrorText(), "DrawGLScene: the view's program could not be built");
+    oDewarper.SetFlip(true, true);
     EXPECT_TRUE(oDewarper.DrawFrame(oFrame));
     EXPECT_NO_GL_ERROR();
 }
 
-// A view with clip bands needs a second program once its bands are known.
 TEST(FrameFault, ProgramWithClipBandsThatDoesNotBuildRefusesTheFrame)
 {
     CTestFrame oFrame(AsymmetricPicture(64, 64), IMAGE_FORMAT_NV12);
@@ -96,12 +103,14 @@ TEST(FrameFault, ProgramWithClipBandsThatDoesNotBuildRefusesTheFrame)
     oDewarper.SetMountType(MOUNT_WALL);
     oDewarper.SetViewType(VIEW_PANORAMA_FULL);
     CGLRecorder::Get().Start();
-    CGLRecorder::Get().Inject("GL_LINK_STATUS", GL_FALSE, 1);
+    CGLRecorder::Get().Inject("GL_LINK_STATUS", GL_FALSE);
     CLogCapture oLog;
     EXPECT_FALSE(oDewarper.DrawFrame(oFrame));
-    EXPECT_EQ(CGLRecorder::Get().Count("glLinkProgram"), 2);
+    EXPECT_EQ(CGLRecorder::Get().Count("glLinkProgram"), 1) << "the bands are known before it is made";
     EXPECT_EQ(oLog.Lines().size(), 1u) << oLog.Text();
-    EXPECT_TRUE(oDewarper.DrawFrame(oFrame));
+    EXPECT_TRUE(oLog.Contains("LoadShaderPrograms: the program does not link: ")) << oLog.Text();
+    EXPECT_TRUE(oDewarper.DrawFrame(oFrame)) << "a first program is tried for at every frame";
+    EXPECT_EQ(CGLRecorder::Get().Count("glLinkProgram"), 2);
     EXPECT_NO_GL_ERROR();
 }
 

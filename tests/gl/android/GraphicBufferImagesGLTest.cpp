@@ -91,7 +91,7 @@ TEST_F(GraphicBufferImages, AFrameBindsBothBuffers)
 
 TEST_F(GraphicBufferImages, AFrameWithABadOutputIsRefused)
 {
-    CTestBuffer oBad(64, 40, 4711);
+    CTestBuffer oBad(m_oDewarper.nTargetWidth, m_oDewarper.nTargetHeight, 4711);
     CLogCapture oLog;
     EXPECT_FALSE(m_oDewarper.CreateImageF(m_oInput.get(), oBad.get()));
     EXPECT_EQ(m_oDewarper.mInputImage, EGL_NO_IMAGE_KHR);

@@ -1,7 +1,7 @@
 // Pictures out of graphic buffers, beside those of the desktop class.
 #include "TestVela.h"
 
-#include "dewarp/overlays/YUVColour.h"
+#include "dewarp/records/YUVColour.h"
 #include <thread>
 
 namespace

@@ -1,7 +1,7 @@
 // Strings that share pixels: drawn again together, and the same picture whatever was there before.
 #include "tests/gl/overlays/OverlayTools.h"
 
-#include "dewarp/overlays/GPUObjString.h"
+#include "dewarp/gl/GPUObjString.h"
 
 #include <gtest/gtest.h>
 #include <random>

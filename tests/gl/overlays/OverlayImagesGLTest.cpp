@@ -1,4 +1,5 @@
 // Overlay images: what is copied, what is uploaded, when, and from which thread.
+#include "dewarp/Rooms.h"
 #include "tests/gl/overlays/OverlayTools.h"
 
 #include <GLES3/gl31.h>
@@ -245,8 +246,9 @@ TEST_F(OverlayImages, NullRemovesTheImageAndItsTexture)
     EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
     EXPECT_FALSE(glIsTexture(nInput));
     EXPECT_FALSE(glIsTexture(nOutput));
-    // What stays are the two frame textures, their framebuffer, the overlay's program (three names) and quad.
-    EXPECT_EQ(CGLRecorder::Get().LivingGLNames(), nNames + 2 + 1 + 3 + 2);
+    // What stays are the two frame textures, their framebuffer, two programs (three names each), which may be
+    // wanted again, and the overlay's quad.
+    EXPECT_EQ(CGLRecorder::Get().LivingGLNames(), nNames + 2 + 1 + 6 + 2);
     EXPECT_EQ(oDewarper.SetInputOverlay(nullptr, 0, 0, 0), 1) << "also when there is none";
 }
 
@@ -285,7 +287,7 @@ TEST_F(OverlayImages, AnImageThatNoTextureHoldsIsRefusedWithOneLogLine)
 class CSmallTextures : public CTestDewarper
 {
 public:
-    explicit CSmallTextures(int nMost) : CTestDewarper(WIDTH, HEIGHT) { nMaxTextureSize = nMost; }
+    explicit CSmallTextures(int nMost) : CTestDewarper(WIDTH, HEIGHT) { pRooms->oTextures.nMaxTextureSize = nMost; }
 };
 
 TEST(OversizedOverlays, LeaveTheViewAsItIsWhereTheDriverHasNoTextureForThem)

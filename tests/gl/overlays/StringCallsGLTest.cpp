@@ -1,7 +1,7 @@
 // Text: which draw calls a list of strings makes, and which it saves.
 #include "tests/gl/overlays/OverlayTools.h"
 
-#include "dewarp/overlays/GPUObjString.h"
+#include "dewarp/gl/GPUObjString.h"
 #include "dewarp/tables/GPUFont.h"
 
 #include <GLES3/gl31.h>

@@ -102,8 +102,9 @@ TEST_F(Programs, AFragmentTextThatFailsLeavesBothNamesOnRecordButDeleted)
     EXPECT_EQ(oDewarper.CheckLoadShaders(), -1);
     EXPECT_NE(oDewarper.sMainShader.nVertexShader, 0u);
     EXPECT_NE(oDewarper.sMainShader.nFragmentShader, 0u);
-    EXPECT_EQ(CGLRecorder::Get().Living(GL_KIND_SHADER), 0);
-    EXPECT_EQ(CGLRecorder::Get().Living(GL_KIND_PROGRAM), 0);
+    EXPECT_FALSE(glIsShader(oDewarper.sMainShader.nVertexShader));
+    EXPECT_FALSE(glIsShader(oDewarper.sMainShader.nFragmentShader));
+    EXPECT_EQ(CGLRecorder::Get().Living(GL_KIND_PROGRAM), 1) << "the one before is kept";
     CGLRecorder::Get().ClearInjections();
     // The request was taken over: nothing is to be done until the next one. Nor can anything be drawn.
     EXPECT_EQ(oDewarper.CheckLoadShaders(), 0);

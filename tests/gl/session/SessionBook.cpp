@@ -117,7 +117,7 @@ static void WriteGolden(const CSessionBook& rBook)
 static std::string WriteText(const std::string& strFolder, const CSessionBook& rBook)
 {
     std::filesystem::create_directories(strFolder);
-    const std::string strPath = strFolder + "/sessions-" + rBook.Group() + ".txt";
+    std::string strPath = strFolder + "/sessions-" + rBook.Group() + ".txt";
     std::ofstream oFile(strPath, std::ios::trunc);
     oFile << rBook.Text();
     EXPECT_TRUE(oFile.flush().good()) << strPath;

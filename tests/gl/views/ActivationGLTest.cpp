@@ -1,9 +1,9 @@
 // Meshes of the view objects in their buffers.
-#include "dewarp/views/GPUObjFisheye.h"
-#include "dewarp/views/GPUObjPanorama.h"
-#include "dewarp/views/GPUObjPanoramaMulti.h"
-#include "dewarp/views/GPUObjPanoramaWall.h"
-#include "dewarp/views/GPUObjVCAM.h"
+#include "dewarp/gl/GPUObjFisheye.h"
+#include "dewarp/gl/GPUObjPanorama.h"
+#include "dewarp/gl/GPUObjPanoramaMulti.h"
+#include "dewarp/gl/GPUObjPanoramaWall.h"
+#include "dewarp/gl/GPUObjVCAM.h"
 #include "tests/support/TestDewarper.h"
 
 #include <GLES3/gl31.h>

@@ -1,6 +1,6 @@
 // How view objects bind their buffers and draw.
-#include "dewarp/views/GPUObjFisheye.h"
-#include "dewarp/views/GPUObjVCAM.h"
+#include "dewarp/gl/GPUObjFisheye.h"
+#include "dewarp/gl/GPUObjVCAM.h"
 #include "tests/support/TestDewarper.h"
 
 #include <GLES3/gl31.h>

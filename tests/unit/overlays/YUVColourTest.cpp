@@ -1,4 +1,4 @@
-#include "dewarp/overlays/YUVColour.h"
+#include "dewarp/records/YUVColour.h"
 
 #include "tests/support/TestFrame.h"
 

@@ -1,5 +1,5 @@
 // Pixels of 3 bytes made into pixels of 4.
-#include "dewarp/pipeline/WidenPixels.h"
+#include "dewarp/gl/WidenPixels.h"
 
 #include <gtest/gtest.h>
 

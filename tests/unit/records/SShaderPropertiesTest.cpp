@@ -1,4 +1,4 @@
-#include "dewarp/records/SShaderProperties.h"
+#include "dewarp/gl/SShaderProperties.h"
 
 #include <gtest/gtest.h>
 

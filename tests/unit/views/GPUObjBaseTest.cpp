@@ -1,4 +1,4 @@
-#include "dewarp/views/GPUObjBase.h"
+#include "dewarp/gl/GPUObjBase.h"
 
 #include "tests/unit/views/ViewCase.h"
 

@@ -1,4 +1,4 @@
-#include "dewarp/views/GPUObjFisheye.h"
+#include "dewarp/gl/GPUObjFisheye.h"
 
 #include "tests/unit/views/ViewCase.h"
 

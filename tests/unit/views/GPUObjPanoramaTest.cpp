@@ -1,6 +1,6 @@
-#include "dewarp/views/GPUObjPanorama.h"
+#include "dewarp/gl/GPUObjPanorama.h"
 
-#include "dewarp/views/GPUObjPanoramaMulti.h"
+#include "dewarp/gl/GPUObjPanoramaMulti.h"
 #include "tests/unit/views/ViewCase.h"
 
 #include <gtest/gtest.h>

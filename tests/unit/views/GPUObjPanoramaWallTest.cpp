@@ -1,4 +1,4 @@
-#include "dewarp/views/GPUObjPanoramaWall.h"
+#include "dewarp/gl/GPUObjPanoramaWall.h"
 
 #include "tests/unit/views/ViewCase.h"
 

@@ -1,4 +1,4 @@
-#include "dewarp/views/GPUObjVCAM.h"
+#include "dewarp/gl/GPUObjVCAM.h"
 
 #include "tests/unit/views/ViewCase.h"
 

@@ -5,7 +5,7 @@
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/records/SDewarpParams.h"
 #include "dewarp/records/SGRect.h"
-#include "dewarp/records/SShaderProperties.h"
+#include "dewarp/gl/SShaderProperties.h"
 
 /// The records that a view object is handed.
 struct SViewCase

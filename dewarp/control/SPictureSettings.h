@@ -1,0 +1,24 @@
+/// \file
+/// How a frame's colours and sides are to be shown.
+#pragma once
+
+#include "dewarp/records/SYUV2RGBConversionParams.h"
+
+class CReport;
+
+struct SPictureSettings
+{
+    SYUV2RGBConversionParams sYUV2RGB;
+    bool bGain = false; ///< multiply luma and chroma by the gains
+    float fLumaGain = 1.1765f;
+    float fChromaGain = 2.0f;
+    bool bFlipHorizontal = false;
+    bool bFlipVertical = false;
+
+    /// Each takes its values and returns true, or refuses them with a log line.
+    /// Thread: any, serialised by the host.
+    void SetYUV(EYUVSpace eSpace, EYUVRange eRange);
+    void SetLevels(int nLumaMin, int nLumaMax, int nChromaMin);
+    bool SetGains(float fLuma, float fChroma, CReport& rReport);
+    void SetFlip(bool bHorizontal, bool bVertical);
+};

@@ -1,0 +1,17 @@
+#include "dewarp/gl/GPUObjPanoramaMulti.h"
+
+#include "dewarp/views/ViewList.h"
+
+CCGPUObjPanoramaDual::CCGPUObjPanoramaDual()
+    : CCGPUObjPanoramaMulti(FindView(VIEW_PANORAMA_DUAL, MOUNT_CEILING))
+{}
+
+CCGPUObjPanoramaTriple::CCGPUObjPanoramaTriple()
+    : CCGPUObjPanoramaMulti(FindView(VIEW_PANORAMA_TRIPLE, MOUNT_CEILING))
+{}
+
+void CCGPUObjPanoramaMulti::AdjustPTZ(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams,
+                                      SDewarpMatrices* /*pMatrices*/, float /*fAspect*/, int /*nRotation*/)
+{
+    Rebuild(pGeometry, pParams);
+}

@@ -1,0 +1,38 @@
+/// \file
+/// Base of the objects that draw a view of the list.
+#pragma once
+
+#include "dewarp/gl/GPUObjBase.h"
+#include "dewarp/views/View.h"
+
+/// Answers for its view: every question goes to the view's value, with the mesh that is held.
+class CCGPUObjView : public CCGPUObjBase
+{
+public:
+    void CheckPTZ(SDewarpParams* pParams) override;
+    void AdjustPTZ(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams, SDewarpMatrices* pMatrices,
+                   float fAspect, int nRotation) override;
+    void OnMouseMove(SGPoint* pFrom, SGPoint* pTo, SDewarpParams* pParams, SDewarpMatrices* pMatrices,
+                     SShaderProperties* pShader) override;
+    void CheckClipPlanes(SDewarpParams* pParams, SDewarpMatrices* pMatrices,
+                         SShaderProperties* pShader) override;
+    void SetProjectionMatrix(SDewarpMatrices* pMatrices, float fLeft, float fRight, float fBottom, float fTop,
+                             float fNear, float fFar) override;
+    float GetGeometryAspect(SDewarpParams* pParams) override;
+    float GetScaleMultiplier(SDewarpParams* pParams) override;
+    /// Builds the mesh when there is none.
+    void Activate(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams) override;
+    float GetEyeDistance(SDewarpParams* pParams) override;
+
+    const CView& View() const { return m_rView; }
+    /// Into the buffers there are, or into new ones.
+    void Rebuild(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams) override;
+
+protected:
+    explicit CCGPUObjView(const CView& rView) : m_rView(rView) {}
+
+    const CView& m_rView;
+};
+
+/// Writes bands into what a program is asked for.
+void RequestBands(const SClipBands& rBands, SShaderProperties& rShader);

@@ -1,0 +1,41 @@
+/// \file
+/// Picture settings as a program's requests.
+#pragma once
+
+#include "dewarp/control/SPictureSettings.h"
+#include "dewarp/gl/SShaderProperties.h"
+
+/// What a program was asked for. Thread: any, serialised by the host.
+inline SPictureSettings RequestedSettings(const SShaderProperties& rShader)
+{
+    SPictureSettings sSettings;
+    sSettings.sYUV2RGB = rShader.sYUV2RGBRequested;
+    sSettings.bGain = rShader.bGainRequested;
+    sSettings.fLumaGain = rShader.fLumaGainRequested;
+    sSettings.fChromaGain = rShader.fChromaGainRequested;
+    sSettings.bFlipHorizontal = rShader.bFlipHorizontalRequested;
+    sSettings.bFlipVertical = rShader.bFlipVerticalRequested;
+    return sSettings;
+}
+
+/// Asks a program for settings.
+inline void RequestSettings(const SPictureSettings& rSettings, SShaderProperties& rShader)
+{
+    rShader.sYUV2RGBRequested = rSettings.sYUV2RGB;
+    rShader.bGainRequested = rSettings.bGain;
+    rShader.fLumaGainRequested = rSettings.fLumaGain;
+    rShader.fChromaGainRequested = rSettings.fChromaGain;
+    rShader.bFlipHorizontalRequested = rSettings.bFlipHorizontal;
+    rShader.bFlipVerticalRequested = rSettings.bFlipVertical;
+}
+
+/// Puts a program's requests in force: its texts are written from them next.
+inline void TakeSettings(SShaderProperties& rShader)
+{
+    rShader.bGain = rShader.bGainRequested;
+    rShader.fLumaGain = rShader.fLumaGainRequested;
+    rShader.fChromaGain = rShader.fChromaGainRequested;
+    rShader.bFlipHorizontal = rShader.bFlipHorizontalRequested;
+    rShader.bFlipVertical = rShader.bFlipVerticalRequested;
+    rShader.sYUV2RGB = rShader.sYUV2RGBRequested;
+}
