@@ -27,6 +27,7 @@ static bool bShortMeshesWanted = false;
 static std::string strErrors;
 static std::set<std::pair<char, GLuint>> oNames;
 static std::vector<EGLContext> vFreeContexts;
+static std::set<EGLContext> oUsedContexts; ///< from the pool, not current since
 static std::set<EGLContext> oWatched;
 
 template <class F>
@@ -97,6 +98,7 @@ extern "C" EGLContext eglCreateContext(EGLDisplay pDisplay, EGLConfig pConfig, E
         return fReal(pDisplay, pConfig, pShare, pAttributes);
     EGLContext pContext = vFreeContexts.back();
     vFreeContexts.pop_back();
+    oUsedContexts.insert(pContext);
     return pContext;
 }
 
@@ -129,7 +131,9 @@ extern "C" EGLBoolean eglMakeCurrent(EGLDisplay pDisplay, EGLSurface pDraw, EGLS
         fCallback(OnMessage, nullptr);
     }
     UseProgramsOf(pContext);
-    ResetContext();
+    // A context that was current before keeps its state, as with any driver.
+    if (oUsedContexts.erase(pContext) != 0)
+        ResetContext();
     return EGL_TRUE;
 }
 

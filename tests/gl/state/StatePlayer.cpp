@@ -1,0 +1,238 @@
+#include "tests/gl/state/StatePlayer.h"
+
+#include "tests/fuzz/GLWatch.h"
+#include "tests/gl/state/StateCalls.h"
+
+#include <cmath>
+#include <utility>
+
+static const int FIRST_WIDTH = 64;
+static const int FIRST_HEIGHT = 48;
+
+CStatePlayer::CStatePlayer()
+{
+    m_oDewarper.InitGL(FIRST_WIDTH, FIRST_HEIGHT);
+    Start();
+}
+
+std::string CStatePlayer::Play(const std::vector<SStateCall>& vCalls)
+{
+    for (const SStateCall& rCall : vCalls) {
+        rCall.fCall(*this, rCall.pArguments);
+        if (!m_strFault.empty())
+            break;
+    }
+    return m_strFault;
+}
+
+void CStatePlayer::Fail(const std::string& strFault)
+{
+    if (m_strFault.empty())
+        m_strFault = strFault;
+}
+
+void CStatePlayer::Start()
+{
+    m_bStarted = m_oDewarper.StartGL();
+    m_bUploaded = false;
+    if (!m_bStarted)
+        Fail("GL does not start");
+}
+
+void CStatePlayer::Stop()
+{
+    m_oDewarper.StopGL();
+    m_bStarted = false;
+    m_bUploaded = false;
+}
+
+void CStatePlayer::FreeObjects(bool bReinitialize)
+{
+    if (!m_bStarted)
+        return;
+    m_bUploaded = false;
+    // A comparison leaves no context current.
+    void* pContext = nullptr;
+    m_oDewarper.SetCurrentRenderingContext(&pContext);
+    if (bReinitialize)
+        m_oDewarper.ReinitializeOpenGLObjects();
+    else
+        m_oDewarper.FreeOpenGLObjects();
+}
+
+void CStatePlayer::GiveFrame(const std::shared_ptr<CFuzzFrame>& pFrame, const std::shared_ptr<SQPInfo>& pQP,
+                             bool bGain, bool bGood)
+{
+    const bool bTaken = m_oDewarper.SetTexture(&pFrame->sImage, bGain, pQP.get(), 1);
+    if (bTaken != bGood)
+        Fail(bGood ? "a good frame is refused" : "a bad frame is taken");
+    if (!bTaken)
+        return;
+    m_sGiven.pFrame = pFrame;
+    m_sGiven.bGain = bGain;
+    if (pQP != nullptr)
+        m_sGiven.pQP = pQP;
+    m_bWaiting = true;
+}
+
+void CStatePlayer::TakeInput(const SOverlayImage& sImage)
+{
+    if (!m_sGiven.vMasks.empty())
+        return;
+    m_sGiven.sInput = sImage;
+    m_sGiven.bMasksChanged = false;
+}
+
+/// Masks and input overlay share one image: with the next frame masks take the place of an overlay, and an
+/// emptied list takes away the overlay that was there when it was given.
+void CStatePlayer::FollowMasks()
+{
+    if (!m_bStarted || m_sGiven.pFrame == nullptr)
+        return;
+    if (m_sGiven.bMasksChanged || !m_sGiven.vMasks.empty())
+        m_sGiven.sInput = SOverlayImage();
+    m_sGiven.bMasksChanged = false;
+}
+
+void CStatePlayer::Draw(bool bCompare)
+{
+    const bool bWanted = m_bStarted && (m_bWaiting || m_bUploaded);
+    const bool bDrawn = m_oDewarper.DrawGLScene(false);
+    FollowMasks();
+    const std::string strErrors = TakeGLErrors();
+    if (!strErrors.empty())
+        Fail("GL errors: " + strErrors);
+    if (bDrawn != bWanted)
+        Fail(bDrawn ? "a frame is drawn that is not there" : "a frame is not drawn");
+    if (!bDrawn)
+        return;
+    m_bWaiting = false;
+    m_bUploaded = true;
+    // A view that was taken back shows the flat picture for one frame, and then what a fresh dewarper shows.
+    if (m_oDewarper.pParams->eViewType == VIEW_UNSET && !m_oDewarper.DrawGLScene(false))
+        Fail("a frame is not drawn");
+    const SDewarpParams& rParams = *m_oDewarper.pParams;
+    if (!std::isfinite(rParams.fPan) || !std::isfinite(rParams.fTilt) || !std::isfinite(rParams.fZoom))
+        Fail("the position in force is no number: " + StateWords());
+    else if (bCompare)
+        Compare();
+}
+
+std::string CStatePlayer::StateWords()
+{
+    const SDewarpParams& rParams = *m_oDewarper.pParams;
+    return "view " + std::to_string(rParams.eViewType) + " (asked for " +
+           std::to_string(m_oDewarper.GetViewType()) + "), mount " + std::to_string(rParams.eMountType) +
+           ", lens " + std::to_string(rParams.eLensType) + " (asked for " +
+           std::to_string(m_oDewarper.GetLensType()) + "), at " + NumberWords(rParams.fPan) + ", " +
+           NumberWords(rParams.fTilt) + ", " + NumberWords(rParams.fZoom) + ", mount tilt " +
+           NumberWords(rParams.fMountTilt) + (rParams.bStrictTiltLimits ? "" : " not strict") +
+           ", rotation " + std::to_string(m_oDewarper.GetRotation());
+}
+
+/// The drawn picture's rows; empty: none.
+static std::vector<unsigned char> PictureOf(CCustomGPUDewarperOffscreen& rDewarper, int& nWidth)
+{
+    int nSize = 0;
+    int nHeight = 0;
+    int nStride = 0;
+    const unsigned char* pStart = rDewarper.GetImage(&nSize, &nWidth, &nHeight, &nStride);
+    if (pStart == nullptr)
+        return {};
+    const unsigned char* pRows = pStart + static_cast<std::ptrdiff_t>(nHeight + nHeight % 2) * nStride;
+    return std::vector<unsigned char>(pRows, pRows + nSize);
+}
+
+static void CopySettings(CCustomGPUDewarperOffscreen& rFrom, CCustomGPUDewarperOffscreen& rTo)
+{
+    rTo.SetViewType(rFrom.GetViewType());
+    // A mount that was asked for may be "unset": then the one in force stays.
+    rTo.SetMountType(rFrom.pParams->eMountType);
+    rTo.SetLensType(rFrom.GetLensType() == LENS_UNSET ? rFrom.pParams->eLensType : rFrom.GetLensType());
+    rTo.SetMountTilt(rFrom.GetMountTilt());
+    rTo.SetStrictTiltLimits(rFrom.GetStrictTiltLimits());
+    rTo.SetInterpolationType(rFrom.GetInterpolationType());
+    rTo.SetRotation(rFrom.GetRotation());
+    rTo.SetEyeDistance(rFrom.GetEyeDistance());
+    bool bHorizontal = false;
+    bool bVertical = false;
+    rFrom.GetFlip(bHorizontal, bVertical);
+    rTo.SetFlip(bHorizontal, bVertical);
+    float fLuma = 0.0f;
+    float fChroma = 0.0f;
+    rFrom.GetGains(fLuma, fChroma);
+    rTo.SetGains(fLuma, fChroma);
+    int nLumaMin = 0;
+    int nLumaMax = 0;
+    int nChromaMin = 0;
+    rFrom.GetYUVLevels(nLumaMin, nLumaMax, nChromaMin);
+    rTo.SetYUVLevels(nLumaMin, nLumaMax, nChromaMin);
+}
+
+/// True when the fresh dewarper has drawn the frame in force.
+bool CStatePlayer::BringIntoState(CCustomGPUDewarperOffscreen& rFresh)
+{
+    int nWidth = 0;
+    int nHeight = 0;
+    m_oDewarper.GetTargetWidthHeight(nWidth, nHeight);
+    if (!rFresh.InitGL(nWidth, nHeight) || !rFresh.StartGL())
+        return false;
+    CopySettings(m_oDewarper, rFresh);
+    rFresh.SetYUVparams(m_sGiven.eSpace, m_sGiven.eRange);
+    rFresh.SetStrings(m_sGiven.vStrings);
+    if (!m_sGiven.vMasks.empty())
+        rFresh.SetMaskPolygons(m_sGiven.vMasks);
+    SOverlayImage sInput = m_sGiven.sInput;
+    if (sInput.IsThere())
+        rFresh.SetInputOverlay(sInput.vPixels.data(), sInput.nWidth, sInput.nHeight, 0);
+    SOverlayImage sOutput = m_sGiven.sOutput;
+    if (sOutput.IsThere())
+        rFresh.SetOutputOverlay(sOutput.vPixels.data(), sOutput.nWidth, sOutput.nHeight, 0);
+    // The first frame brings the view's own position; ours comes after it.
+    const auto DrawFrame = [&] {
+        return rFresh.SetTexture(&m_sGiven.pFrame->sImage, m_sGiven.bGain, m_sGiven.pQP.get(), 1) &&
+               rFresh.DrawGLScene(false);
+    };
+    if (!DrawFrame())
+        return false;
+    const SDewarpParams& rParams = *m_oDewarper.pParams;
+    rFresh.AbsolutePTZ(rParams.fPan, rParams.fTilt, rParams.fZoom);
+    return DrawFrame();
+}
+
+void CStatePlayer::Compare()
+{
+    ++m_nCompared;
+    int nWidth = 0;
+    const std::vector<unsigned char> vOurs = PictureOf(m_oDewarper, nWidth);
+    CCustomGPUDewarperOffscreen oFresh;
+    if (!BringIntoState(oFresh)) {
+        Fail("a fresh dewarper does not draw the frame: " + StateWords());
+        return;
+    }
+    const std::vector<unsigned char> vTheirs = PictureOf(oFresh, nWidth);
+    const SDewarpParams& rParams = *oFresh.pParams;
+    const std::string strFresh = ", fresh at " + NumberWords(rParams.fPan) + ", " +
+                                 NumberWords(rParams.fTilt) + ", " + NumberWords(rParams.fZoom) + ", lens " +
+                                 std::to_string(rParams.eLensType);
+    // What is drawn with may hold a mark that this picture does not show.
+    const bool bSameText = oFresh.sMainShader.strVertexShader == m_oDewarper.sMainShader.strVertexShader &&
+                           oFresh.sMainShader.strFragmentShader == m_oDewarper.sMainShader.strFragmentShader;
+    oFresh.StopGL();
+    TakeGLErrors();
+    if (vOurs.size() != vTheirs.size())
+        return Fail("the pictures differ in size: " + StateWords());
+    int nDiffering = 0;
+    std::size_t nFirst = 0;
+    for (std::size_t i = 0; i < vOurs.size(); i += 4)
+        if (!std::equal(&vOurs[i], &vOurs[i] + 4, &vTheirs[i])) {
+            nFirst = nDiffering++ == 0 ? i / 4 : nFirst;
+        }
+    if (nDiffering > 0)
+        Fail("the picture differs from a fresh one in " + std::to_string(nDiffering) + " of " +
+             std::to_string(vOurs.size() / 4) + " pixels, first at " +
+             std::to_string(nFirst % static_cast<std::size_t>(nWidth)) + ", " +
+             std::to_string(nFirst / static_cast<std::size_t>(nWidth)) + ": " + StateWords() + strFresh);
+    else if (!bSameText)
+        Fail("the program differs from a fresh one's, the picture does not: " + StateWords() + strFresh);
+}
