@@ -29,6 +29,12 @@ const SRoomRule* RuleOf(const std::string& strPath, const std::vector<SRoomRule>
     return pFound;
 }
 
+std::vector<std::string> With(std::vector<std::string> vTexts, const std::vector<std::string>& vMore)
+{
+    vTexts.insert(vTexts.end(), vMore.begin(), vMore.end());
+    return vTexts;
+}
+
 bool IsOwn(const std::string& strInclude)
 {
     return strInclude[0] == '"';
@@ -45,46 +51,43 @@ std::string Bare(const std::string& strInclude)
 const std::vector<SRoomRule>& HouseRules()
 {
     static const int PLAIN = HEADER_STANDARD;
-    static const int TIMED = HEADER_STANDARD | HEADER_CLOCK;
-    static const int DRAWING = TIMED | HEADER_GL | HEADER_LOG;
+    static const int TELLING = PLAIN | HEADER_LOG;
+    static const int DRAWING = TELLING | HEADER_CLOCK | HEADER_GL;
     static const int HOSTING = DRAWING | HEADER_EGL;
-    static const std::vector<std::string> GEOMETRY = {"dewarp/geometry/", "dewarp/lenses/", "dewarp/records/",
-                                                      "platform/Assert.h"};
-    static const std::vector<std::string> HOSTS = {"dewarp/android/", "dewarp/offscreen/"};
-    static const std::vector<std::string> PARSING = {"dewarp/overlays/", "dewarp/records/"};
+    static const std::vector<std::string> HOSTS = {"dewarp/android/", "dewarp/offscreen/", "dewarp/hosted/"};
+    static const std::vector<std::string> EVERYTHING = {"dewarp/", "platform/"};
+    static const std::vector<std::string> DECIDING = {"dewarp/records/", "dewarp/lenses/", "dewarp/geometry/",
+                                                      "dewarp/views/"};
     static const std::vector<SRoomRule> RULES = {
-        // The classes that hold the rooms together.
-        {"dewarp/", {"dewarp/", "platform/"}, DRAWING, {}},
-        {"dewarp/CustomGPUGeometry", GEOMETRY, PLAIN, {"dewarp/views/"}},
-
+        // Each may include rooms above it.
         {"dewarp/records/", {"dewarp/records/"}, PLAIN, {}},
-        {"dewarp/records/SShaderProperties.cpp", {"dewarp/records/"}, PLAIN | HEADER_GL, {}},
-        {"dewarp/lenses/",
-         {"dewarp/lenses/", "dewarp/records/", "dewarp/tables/"},
-         PLAIN,
-         {"dewarp/geometry/", "dewarp/views/"}},
-        {"dewarp/geometry/", GEOMETRY, PLAIN, {"dewarp/views/"}},
         {"dewarp/tables/", {"dewarp/tables/"}, PLAIN, {}},
-        {"dewarp/shaders/",
-         {"dewarp/shaders/", "dewarp/records/Enumerations.h", "dewarp/records/ColourMatrix.h"},
+        {"dewarp/lenses/", {"dewarp/lenses/", "dewarp/records/", "dewarp/tables/"}, PLAIN, {}},
+        {"dewarp/geometry/",
+         {"dewarp/geometry/", "dewarp/records/", "dewarp/lenses/", "dewarp/tables/", "platform/Assert.h"},
          PLAIN,
          {}},
-        {"dewarp/pipeline/", {"dewarp/", "platform/"}, DRAWING, HOSTS},
-        {"dewarp/views/",
-         {"dewarp/views/", "dewarp/geometry/", "dewarp/lenses/", "dewarp/records/",
-          "dewarp/CustomGPUGeometry.h", "platform/Assert.h"},
-         PLAIN | HEADER_GL,
-         {"dewarp/shaders/", "dewarp/pipeline/", "dewarp/CustomGPUDewarper"}},
+        {"dewarp/views/", DECIDING, PLAIN, {}},
+        {"dewarp/control/", With(DECIDING, {"dewarp/control/", "platform/Report.h"}), TELLING, {}},
+        {"dewarp/overlays/", {"dewarp/overlays/", "dewarp/records/", "platform/Report.h"}, TELLING, {}},
+        {"dewarp/shaders/",
+         {"dewarp/shaders/", "dewarp/records/Enumerations.h", "dewarp/records/ColourMatrix"},
+         PLAIN,
+         {}},
+        // Of control only its records: what was decided, not how.
+        {"dewarp/gl/",
+         With(DECIDING, {"dewarp/gl/", "dewarp/tables/", "dewarp/overlays/", "dewarp/shaders/",
+                         "dewarp/control/S", "platform/"}),
+         DRAWING, With(HOSTS, {"dewarp/CustomGPUDewarper"})},
 
-        {"dewarp/overlays/", {"dewarp/", "platform/"}, DRAWING, HOSTS},
-        // Parsers and builders of the byte lists, and what they fill.
-        {"dewarp/overlays/BigEndian", PARSING, PLAIN, {}},
-        {"dewarp/overlays/MaskPolygonFormat", PARSING, PLAIN | HEADER_LOG, {}},
-        {"dewarp/overlays/StringFormat", PARSING, PLAIN | HEADER_LOG, {}},
-        {"dewarp/overlays/SGPUString", PARSING, PLAIN, {}},
+        // The classes that hold the rooms together.
+        {"dewarp/", EVERYTHING, DRAWING, HOSTS},
+        // Everything a host may want to have.
+        {"dewarp/LumorDewarp.h", {"dewarp/"}, HOSTING, {"dewarp/android/"}},
 
-        {"dewarp/offscreen/", {"dewarp/", "platform/"}, HOSTING, {"dewarp/android/"}},
-        {"dewarp/android/", {"dewarp/", "platform/"}, HOSTING | HEADER_ANDROID, {"dewarp/offscreen/"}},
+        {"dewarp/offscreen/", EVERYTHING, HOSTING, {"dewarp/android/", "dewarp/hosted/"}},
+        {"dewarp/hosted/", EVERYTHING, HOSTING, {"dewarp/android/", "dewarp/offscreen/"}},
+        {"dewarp/android/", EVERYTHING, HOSTING | HEADER_ANDROID, {"dewarp/offscreen/", "dewarp/hosted/"}},
 
         {"platform/",
          {"platform/"},

@@ -95,6 +95,16 @@ TEST(IncludeRules, EveryRoomIncludesOnlyWhatItMay)
     EXPECT_EQ(Join(BrokenIncludeRules(oSources, HouseRules())), "");
 }
 
+TEST(IncludeRules, NoTwoRoomsNeedEachOther)
+{
+    EXPECT_EQ(Join(RoomsThatNeedEachOther(ReadSources({"dewarp", "platform"}, CODE))), "");
+}
+
+TEST(IncludeRules, MethodsStandInTheRoomOfTheirClass)
+{
+    EXPECT_EQ(Join(MethodsAwayFromHome(ReadSources({"dewarp", "platform"}, CODE))), "");
+}
+
 TEST(IncludeRules, OwnHeadersAreThere)
 {
     const MSources oSources = ReadSources({"dewarp", "platform"}, {".h", ".cpp", ".inc"});
@@ -119,15 +129,16 @@ TEST(IncludeRules, UsersOfTheLibraryKeepToInstalledHeadersAndDrawNothingThemselv
 TEST(IncludeRules, EGLIsCalledOnlyByHostsAndPlatform)
 {
     const MSources oSources =
-        Without(ReadSources({"dewarp"}, CODE), {"dewarp/android/", "dewarp/offscreen/"});
+        Without(ReadSources({"dewarp"}, CODE), {"dewarp/android/", "dewarp/hosted/", "dewarp/offscreen/"});
     EXPECT_EQ(Join(Calls(oSources, "egl")), "");
 }
 
 TEST(IncludeRules, RoomsWithoutGLCallNoGL)
 {
-    MSources oSources = ReadSources(
-        {"dewarp/records", "dewarp/lenses", "dewarp/geometry", "dewarp/tables", "dewarp/shaders"}, CODE);
-    oSources.erase("dewarp/records/SShaderProperties.cpp");
+    const MSources oSources =
+        ReadSources({"dewarp/records", "dewarp/tables", "dewarp/lenses", "dewarp/geometry", "dewarp/views",
+                     "dewarp/control", "dewarp/overlays", "dewarp/shaders"},
+                    CODE);
     EXPECT_EQ(Join(Calls(oSources, "gl")), "");
 }
 
@@ -175,72 +186,107 @@ VStrings Broken(const MSources& oSources)
     return BrokenIncludeRules(oSources, HouseRules());
 }
 
+/// Lines that include these headers below dewarp/.
+std::string Includes(const VStrings& vHeaders)
+{
+    std::string strText;
+    for (const std::string& strHeader : vHeaders)
+        strText += Concatenate({"#include \"dewarp/", strHeader, "\"\n"});
+    return strText;
+}
+
 } // namespace
 
-TEST(BrokenIncludeRules, GLInGeometryIsFoundThroughOtherFiles)
+TEST(BrokenIncludeRules, RoomsIncludeThoseBeforeThem)
 {
-    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <GLES3/gl31.h>\n"}}),
-              VStrings{"dewarp/geometry/A.cpp may not reach <GLES3/gl31.h>"});
-    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/lenses/B.h\"\n"},
-                      {"dewarp/lenses/B.h", "#include <GLES3/gl31.h>\n"}}),
-              (VStrings{"dewarp/geometry/A.cpp may not reach <GLES3/gl31.h>",
-                        "dewarp/lenses/B.h may not reach <GLES3/gl31.h>"}));
+    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", Includes({"records/B.h", "tables/B.h", "lenses/B.h"})},
+                      {"dewarp/geometry/A.cpp", Includes({"records/B.h", "lenses/B.h", "tables/B.h"})},
+                      {"dewarp/views/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h"})},
+                      {"dewarp/control/A.cpp",
+                       Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h", "control/B.h"})},
+                      {"dewarp/overlays/A.cpp", Includes({"records/B.h", "overlays/B.h"})},
+                      {"dewarp/CFoo.h", Includes({"control/B.h", "gl/B.h", "tables/B.h"})},
+                      {"dewarp/hosted/A.cpp", Includes({"CFoo.h", "gl/B.h", "hosted/B.h"})}}),
+              VStrings{});
+}
+
+TEST(BrokenIncludeRules, NoRoomIncludesOneBehindIt)
+{
+    for (const auto& [pRoom, pOther] : {std::pair{"records", "tables"},
+                                        {"tables", "records"},
+                                        {"lenses", "geometry"},
+                                        {"geometry", "views"},
+                                        {"views", "control"},
+                                        {"views", "tables"},
+                                        {"views", "overlays"},
+                                        {"control", "overlays"},
+                                        {"control", "gl"},
+                                        {"overlays", "views"},
+                                        {"overlays", "geometry"},
+                                        {"shaders", "views"},
+                                        {"gl", "offscreen"}}) {
+        const std::string strPath = Concatenate({"dewarp/", pRoom, "/A.cpp"});
+        const VStrings vBroken = Broken({{strPath, Includes({Concatenate({pOther, "/B.h"})})}});
+        ASSERT_FALSE(vBroken.empty()) << pRoom << " " << pOther;
+        EXPECT_EQ(vBroken.front(), Concatenate({strPath, " may not include \"dewarp/", pOther, "/B.h\""}));
+    }
+}
+
+TEST(BrokenIncludeRules, GLIsFoundThroughOtherFiles)
+{
+    for (const char* pRoom :
+         {"records", "tables", "lenses", "geometry", "views", "control", "overlays", "shaders"}) {
+        const std::string strRoom = Concatenate({"dewarp/", pRoom, "/"});
+        EXPECT_EQ(Broken({{strRoom + "A.cpp", Concatenate({"#include \"", strRoom, "B.h\"\n"})},
+                          {strRoom + "B.h", "#include <GLES3/gl31.h>\n"}}),
+                  (VStrings{strRoom + "A.cpp may not reach <GLES3/gl31.h>",
+                            strRoom + "B.h may not reach <GLES3/gl31.h>"}));
+    }
+}
+
+TEST(BrokenIncludeRules, ClocksAndTheLogAreForSomeRoomsOnly)
+{
     EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <chrono>\n#include <android/log.h>\n"}}).size(),
               2u);
-    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/views/B.h\"\n"}}).size(), 2u);
-    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include <cmath>\n#include \"dewarp/geometry/B.h\"\n"}}),
-              VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/control/A.cpp", "#include <chrono>\n#include <android/log.h>\n"}}),
+              VStrings{"dewarp/control/A.cpp may not reach <chrono>"});
+    EXPECT_EQ(Broken({{"dewarp/overlays/A.cpp", "#include <android/log.h>\n"}}), VStrings{});
 }
 
-TEST(BrokenIncludeRules, GeometryKnowsLensesAndLensesKnowNoGeometry)
-{
-    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/lenses/B.h\"\n"},
-                      {"dewarp/lenses/B.h", "#include <span>\n#include \"dewarp/tables/C.h\"\n"}}),
-              VStrings{});
-    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", "#include \"dewarp/geometry/B.h\"\n"}}).size(), 2u);
-    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", "#include \"platform/Assert.h\"\n"}}).size(), 1u);
-    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", "#include <GLES3/gl31.h>\n"}}).size(), 1u);
-    EXPECT_EQ(Broken({{"dewarp/geometry/A.cpp", "#include \"dewarp/tables/B.h\"\n"}}).size(), 1u);
-}
-
-TEST(BrokenIncludeRules, OnlyTheShaderRecordKnowsGL)
-{
-    EXPECT_EQ(Broken({{"dewarp/records/SShaderProperties.cpp", "#include <GLES3/gl31.h>\n"}}), VStrings{});
-    EXPECT_EQ(Broken({{"dewarp/records/SShaderProperties.h", "#include <GLES3/gl31.h>\n"}}).size(), 1u);
-    EXPECT_EQ(Broken({{"dewarp/records/A.h", "#include \"dewarp/geometry/B.h\"\n"}}).size(), 1u);
-}
-
-TEST(BrokenIncludeRules, ShaderTextKnowsNoDewarper)
+TEST(BrokenIncludeRules, ShaderTextKnowsFormatsAndColourMatricesOnly)
 {
     EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/CustomGPUDewarper.h\"\n"}}).size(), 1u);
-    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/records/SShaderProperties.h\"\n"}}).size(),
-              1u);
-    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", "#include \"dewarp/records/Enumerations.h\"\n"
-                                               "#include \"dewarp/records/ColourMatrix.h\"\n"}}),
-              VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/shaders/A.cpp", Includes({"records/SShaderProperties.h"})}}).size(), 1u);
+    EXPECT_EQ(
+        Broken({{"dewarp/shaders/A.cpp", Includes({"records/Enumerations.h", "records/ColourMatrix.h"})}}),
+        VStrings{});
 }
 
-TEST(BrokenIncludeRules, ThePipelineKnowsNoHost)
+TEST(BrokenIncludeRules, DrawingKnowsDecisionsAndNoHost)
 {
-    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include <EGL/egl.h>\n"}}).size(), 1u);
-    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include <ui/GraphicBuffer.h>\n"}}).size(), 1u);
-    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include \"dewarp/offscreen/B.h\"\n"}}).size(), 1u);
-    EXPECT_EQ(Broken({{"dewarp/pipeline/A.cpp", "#include \"platform/Display.h\"\n"},
+    EXPECT_EQ(Broken({{"dewarp/gl/A.cpp", "#include <EGL/egl.h>\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/gl/A.cpp", "#include <ui/GraphicBuffer.h>\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/gl/A.cpp", Includes({"control/SFrameDecision.h", "views/B.h"})}}), VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/gl/A.cpp", Includes({"control/Requests.h"})}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/gl/A.cpp", Includes({"gl/B.h"})},
+                      {"dewarp/gl/B.h", Includes({"CustomGPUDewarper.h"})}})
+                  .size(),
+              3u);
+    EXPECT_EQ(Broken({{"dewarp/gl/A.cpp", "#include \"platform/Display.h\"\n"},
                       {"platform/Display.h", "#include <EGL/egl.h>\n"}}),
-              VStrings{"dewarp/pipeline/A.cpp may not reach <EGL/egl.h>"});
+              VStrings{"dewarp/gl/A.cpp may not reach <EGL/egl.h>"});
 }
 
-TEST(BrokenIncludeRules, ViewsKnowNoShaderText)
+TEST(BrokenIncludeRules, HostsKnowNoOtherHost)
 {
-    EXPECT_EQ(Broken({{"dewarp/views/A.cpp", "#include \"dewarp/shaders/B.h\"\n"}}).size(), 2u);
-    EXPECT_EQ(Broken({{"dewarp/views/A.cpp", "#include <GLES3/gl31.h>\n"}}), VStrings{});
-}
-
-TEST(BrokenIncludeRules, ParsersKnowNoGL)
-{
-    EXPECT_EQ(Broken({{"dewarp/overlays/StringFormat.cpp", "#include \"dewarp/overlays/B.h\"\n"},
-                      {"dewarp/overlays/B.h", "#include <GLES3/gl31.h>\n"}}),
-              VStrings{"dewarp/overlays/StringFormat.cpp may not reach <GLES3/gl31.h>"});
+    for (const char* pHost : {"android", "offscreen", "hosted"}) {
+        EXPECT_EQ(Broken({{Concatenate({"dewarp/", pHost, "/A.cpp"}),
+                           Includes({"android/B.h", "offscreen/B.h", "hosted/B.h"})}})
+                      .size(),
+                  2u);
+    }
+    EXPECT_EQ(Broken({{"dewarp/CFoo.cpp", Includes({"offscreen/B.h"})}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/LumorDewarp.h", Includes({"offscreen/B.h", "hosted/B.h"})}}), VStrings{});
 }
 
 TEST(BrokenIncludeRules, ThePlatformKnowsNoDewarper)
