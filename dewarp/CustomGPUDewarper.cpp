@@ -37,6 +37,7 @@ void CCustomGPUDewarper::DeleteViewObjects()
         if (pObject != nullptr)
             pObject->Reset();
     }
+    pRooms->sViews.oAnyView.Reset();
     pFisheye = nullptr;
     pFisheyeCircular = nullptr;
     pVCAM = nullptr;
@@ -66,8 +67,8 @@ void CCustomGPUDewarper::ForgetGLNames()
     r.oPrograms.ForgetAll();
     for (CCGPUObjBase* pObject : std::initializer_list<CCGPUObjBase*>{
              &r.sViews.oFisheye, &r.sViews.oFisheyeCircular, &r.sViews.oVCAM, &r.sViews.oPanorama,
-             &r.sViews.oPanoramaWall, &r.sViews.oPanoramaDual, &r.sViews.oPanoramaTriple, pStringObject,
-             pAuxFisheye, pAuxFisheye2})
+             &r.sViews.oPanoramaWall, &r.sViews.oPanoramaDual, &r.sViews.oPanoramaTriple, &r.sViews.oAnyView,
+             pStringObject, pAuxFisheye, pAuxFisheye2})
         pObject->Forget();
 }
 

@@ -222,6 +222,8 @@ protected:
     bool PaintMasks(const STargetShape& rTarget);
     void SetUpProjection();
     bool HasFrame();
+    /// Says so when the frame is larger than the driver's textures.
+    void SayIfTooLarge();
     void BindFrameTarget(const STargetShape& rTarget);
     bool AreMasksShown();
     void DrawView(const STargetShape& rTarget);

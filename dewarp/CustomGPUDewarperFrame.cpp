@@ -123,10 +123,10 @@ bool CCustomGPUDewarper::Decide(const STargetShape& rTarget)
     SRooms& r = *pRooms;
     const bool bSetUp = bViewSetupRequired || rTarget.nWidth != pMatrices->nViewportWidth ||
                         rTarget.nHeight != pMatrices->nViewportHeight || *pParams != *pLastDrawnParams;
+    r.sDecision.sPicture = RequestedSettings(sMainShader);
     if (IsDecidedFor(r.sDecision, r.oControl, rTarget))
         return bSetUp;
     DecideView(r.oControl, rTarget, r.sDecision);
-    r.sDecision.sPicture = RequestedSettings(sMainShader);
     RequestBands(r.sDecision.sBands, sMainShader);
     return true;
 }
@@ -138,6 +138,7 @@ void CCustomGPUDewarper::ResetCustomGPUObjects()
         if (pObject != nullptr)
             pObject->Reset();
     }
+    pRooms->sViews.oAnyView.Reset();
     if (pActiveViewObject == nullptr)
         return;
     pActiveViewObject->Activate(pGeometry, pParams);
@@ -178,8 +179,10 @@ bool CCustomGPUDewarper::PaintMasks(const STargetShape& rTarget)
     // What could not be painted must be tried again.
     bMaskPolygonsChanged = false;
     const int nResult = MaskPolygonsToInputOverlay();
-    if (nResult < 0)
+    if (nResult < 0) {
         bMaskPolygonsChanged = true;
+        SayIfTooLarge();
+    }
     glViewport(0, 0, rTarget.nWidth, rTarget.nHeight);
     return nResult >= 0;
 }
@@ -193,6 +196,7 @@ void CCustomGPUDewarper::SetUpProjection()
     SetIdentityMatrix(pMatrices->fModel);
     pVCAM->m_fEyeDistance = r.sDecision.fEyeDistance;
     pVCAM->m_bTopDownTarget = r.sDecision.sTarget.bTopDown;
+    r.sViews.oAnyView.m_bTopDownTarget = r.sDecision.sTarget.bTopDown;
     AdjustPTZ();
     MultiplyMatrices(pMatrices->fModelView, pMatrices->fView, pMatrices->fModel);
     MultiplyMatrices(pMatrices->fMVP, pMatrices->fProjection, pMatrices->fModelView);
@@ -211,7 +215,11 @@ bool CCustomGPUDewarper::AdjustPTZ()
 
 bool CCustomGPUDewarper::HasFrame()
 {
-    return pRooms->oInput.bFrameInTextures && !pRooms->oWatch.LacksMemory();
+    SRooms& r = *pRooms;
+    if (!r.oInput.bFrameInTextures && !bTextureUpload)
+        r.oReport.Standing(FAULT_NO_FRAME, "%s: no frame was handed over since GL was started or freed",
+                           "DrawGLScene");
+    return r.oInput.bFrameInTextures && !r.oWatch.LacksMemory();
 }
 
 /// Looks once more, now that everything is made: no frame is drawn with a mask missing.

@@ -70,11 +70,8 @@ void CCustomGPUDewarper::UploadTexture()
             if (r.oInput.TexturesMissing())
                 InitializeTextures();
             const EUploadResult eResult = r.oInput.Upload();
-            if (eResult == UPLOAD_TOO_LARGE)
-                r.oReport.Standing(
-                    FAULT_FRAME_SIZE, "%s: frames of %d x %d are larger than this driver's textures (%d)",
-                    "DrawGLScene", pParams->nImageWidth, pParams->nImageHeight, r.oTextures.MaxSize());
-            else if (eResult == UPLOAD_NOT_WHOLE && !r.oWatch.LacksMemory())
+            SayIfTooLarge();
+            if (eResult == UPLOAD_NOT_WHOLE && !r.oWatch.LacksMemory())
                 r.oReport.Standing(
                     FAULT_FRAME_PLANES,
                     "%s: the frame is not whole: a plane is missing, its rows are too short, or "
@@ -84,6 +81,15 @@ void CCustomGPUDewarper::UploadTexture()
         glActiveTexture(GL_TEXTURE0);
     }
     UploadOverlayTexture();
+}
+
+void CCustomGPUDewarper::SayIfTooLarge()
+{
+    SRooms& r = *pRooms;
+    if (!r.oInput.Fits())
+        r.oReport.Standing(FAULT_FRAME_SIZE,
+                           "%s: frames of %d x %d are larger than this driver's textures (%d)", "DrawGLScene",
+                           pParams->nImageWidth, pParams->nImageHeight, r.oTextures.MaxSize());
 }
 
 void CCustomGPUDewarper::BindTextures()

@@ -103,6 +103,9 @@ CCGPUObjBase* CCustomGPUDewarper::ObjectInForce()
         return pPanoramaTriple;
     case MESH_FISHEYE_CIRCULAR:
         return pFisheyeCircular;
+    case MESH_OF_VIEW:
+        pRooms->sViews.oAnyView.Show(pRooms->oControl.View());
+        return &pRooms->sViews.oAnyView;
     default:
         return pFisheye;
     }

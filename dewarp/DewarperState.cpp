@@ -15,7 +15,7 @@ SRooms::SRooms()
                             &oCopies.sTextureToTextureShader};
     for (CCGPUObjBase* pObject : std::initializer_list<CCGPUObjBase*>{
              &sViews.oFisheye, &sViews.oFisheyeCircular, &sViews.oVCAM, &sViews.oPanorama,
-             &sViews.oPanoramaWall, &sViews.oPanoramaDual, &sViews.oPanoramaTriple,
+             &sViews.oPanoramaWall, &sViews.oPanoramaDual, &sViews.oPanoramaTriple, &sViews.oAnyView,
              &oStringPass.oStringObject, &oOutputOverlay.sQuad.oQuad, &oCopies.sQuad.oQuad})
         pObject->m_pWatch = &oWatch;
 }

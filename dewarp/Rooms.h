@@ -40,7 +40,7 @@ enum EFrameFault : int
     FAULT_NO_TEXT,
 };
 
-/// The seven objects that draw views.
+/// The objects that draw views: seven with a name of their own, and one for all others.
 struct SViewObjects
 {
     CCGPUObjFisheye oFisheye;
@@ -50,6 +50,7 @@ struct SViewObjects
     CCGPUObjPanoramaWall oPanoramaWall;
     CCGPUObjPanoramaDual oPanoramaDual;
     CCGPUObjPanoramaTriple oPanoramaTriple;
+    CCGPUObjAnyView oAnyView; ///< draws every other view
 };
 
 /// One of each, in the order in which they need each other.

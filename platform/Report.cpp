@@ -2,36 +2,45 @@
 
 #include <android/log.h>
 
-#include <cstdarg>
 #include <cstdio>
+
+// No priority of the log: the text is kept only.
+static const int KEPT_ONLY = -1;
 
 // The formats are literals of the callers, checked there by the compiler.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
+void CReport::Write(int nPriority, const char* pFormat, std::va_list vArguments)
+{
+    std::vsnprintf(m_aLast, sizeof m_aLast, pFormat, vArguments);
+    if (nPriority != KEPT_ONLY)
+        __android_log_print(nPriority, m_pTag, "%s", m_aLast);
+}
+
+#pragma GCC diagnostic pop
+
 void CReport::Error(const char* pFormat, ...)
 {
-    va_list vArguments;
+    std::va_list vArguments;
     va_start(vArguments, pFormat);
-    std::vsnprintf(m_aLast, sizeof m_aLast, pFormat, vArguments);
+    Write(ANDROID_LOG_ERROR, pFormat, vArguments);
     va_end(vArguments);
-    __android_log_print(ANDROID_LOG_ERROR, m_pTag, "%s", m_aLast);
 }
 
 void CReport::Refuse(const char* pFormat, ...)
 {
-    va_list vArguments;
+    std::va_list vArguments;
     va_start(vArguments, pFormat);
-    std::vsnprintf(m_aLast, sizeof m_aLast, pFormat, vArguments);
+    Write(ANDROID_LOG_INFO, pFormat, vArguments);
     va_end(vArguments);
-    __android_log_print(ANDROID_LOG_INFO, m_pTag, "%s", m_aLast);
 }
 
 void CReport::Keep(const char* pFormat, ...)
 {
-    va_list vArguments;
+    std::va_list vArguments;
     va_start(vArguments, pFormat);
-    std::vsnprintf(m_aLast, sizeof m_aLast, pFormat, vArguments);
+    Write(KEPT_ONLY, pFormat, vArguments);
     va_end(vArguments);
 }
 
@@ -41,11 +50,8 @@ void CReport::Standing(int nCause, const char* pFormat, ...)
     if ((m_nStanding & nBit) != 0)
         return;
     m_nStanding |= nBit;
-    va_list vArguments;
+    std::va_list vArguments;
     va_start(vArguments, pFormat);
-    std::vsnprintf(m_aLast, sizeof m_aLast, pFormat, vArguments);
+    Write(ANDROID_LOG_ERROR, pFormat, vArguments);
     va_end(vArguments);
-    __android_log_print(ANDROID_LOG_ERROR, m_pTag, "%s", m_aLast);
 }
-
-#pragma GCC diagnostic pop

@@ -3,6 +3,8 @@
 /// once.
 #pragma once
 
+#include <cstdarg>
+
 /// Owns: the text of the last error, at most 255 characters. Allocates nothing.
 /// Thread: any, serialised by whoever owns the object. Fails: never; what is too long is cut off.
 class CReport
@@ -25,6 +27,8 @@ public:
     const char* LastError() const { return m_aLast; }
 
 private:
+    void Write(int nPriority, const char* pFormat, std::va_list vArguments);
+
     const char* m_pTag;
     unsigned int m_nStanding = 0;
     char m_aLast[256] = "";

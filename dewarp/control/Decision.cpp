@@ -56,7 +56,7 @@ void DecideView(const CControl& rControl, const STargetShape& rTarget, SFrameDec
     d.fEyeDistance = rControl.fEyeDistance;
     const CView& rView = rControl.View();
     d.pView = &rView;
-    d.sMesh = MeshKeyOf(rView.Mesh(), d.sParams);
+    d.sMesh = rView.MeshKey(d.sParams);
     d.fMeshAspect = rView.MeshAspect(d.sParams);
     d.fImageAspect = ShownImageAspect(d.sParams, d.nRotation);
     d.sBands = rView.ClipBands(d.sParams, d.fMeshAspect, rTarget.nWidth, rTarget.nHeight);

@@ -13,10 +13,10 @@ static bool SameBits(float fLeft, float fRight)
 
 bool SMeshKey::operator==(const SMeshKey& sOther) const
 {
-    return eMesh == sOther.eMesh && eLens == sOther.eLens && nImageWidth == sOther.nImageWidth &&
-           nImageHeight == sOther.nImageHeight && SameBits(fPan, sOther.fPan) &&
-           SameBits(fTilt, sOther.fTilt) && SameBits(fMountTilt, sOther.fMountTilt) &&
-           bStrict == sOther.bStrict;
+    return eMesh == sOther.eMesh && eView == sOther.eView && eLens == sOther.eLens &&
+           nImageWidth == sOther.nImageWidth && nImageHeight == sOther.nImageHeight &&
+           SameBits(fPan, sOther.fPan) && SameBits(fTilt, sOther.fTilt) &&
+           SameBits(fMountTilt, sOther.fMountTilt) && bStrict == sOther.bStrict;
 }
 
 SMeshKey MeshKeyOf(EViewMesh eMesh, const SDewarpParams& sParams)

@@ -17,6 +17,7 @@ enum EViewMesh : int
     MESH_PANORAMA_WALL,
     MESH_PANORAMA_DUAL,
     MESH_PANORAMA_TRIPLE,
+    MESH_OF_VIEW, ///< one that a single view builds for itself
 };
 
 /// Everything that one mesh depends on; what it does not depend on is 0. A mesh is fresh when it was built
@@ -24,6 +25,7 @@ enum EViewMesh : int
 struct SMeshKey
 {
     EViewMesh eMesh = MESH_NONE;
+    EViewType eView = VIEW_UNSET; ///< whose it is, for MESH_OF_VIEW
     ELensType eLens = LENS_UNKNOWN;
     int nImageWidth = 0;
     int nImageHeight = 0;

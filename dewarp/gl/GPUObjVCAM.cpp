@@ -25,7 +25,7 @@ void CCGPUObjVCAM::DrawArrays(SDewarpParams* pParams, SDewarpMatrices* pMatrices
         return;
     }
     SViewPart aParts[MAX_VIEW_PARTS];
-    const int nParts = m_rView.Parts(*pParams, *pMatrices, m_fGeometryAspect, m_bTopDownTarget, aParts);
+    const int nParts = m_pView->Parts(*pParams, *pMatrices, m_fGeometryAspect, m_bTopDownTarget, aParts);
     for (int i = 0; i < nParts; ++i) {
         const SViewPart& rPart = aParts[i];
         std::memcpy(m_fQuadMatrix, rPart.fMVP, sizeof m_fQuadMatrix);
@@ -38,5 +38,5 @@ void CCGPUObjVCAM::DrawArrays(SDewarpParams* pParams, SDewarpMatrices* pMatrices
 
 float CCGPUObjVCAM::GetEyeDistance(SDewarpParams* /*pParams*/)
 {
-    return m_rView.EyeDistance(m_fEyeDistance);
+    return m_pView->EyeDistance(m_fEyeDistance);
 }

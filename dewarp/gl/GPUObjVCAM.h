@@ -19,6 +19,4 @@ public:
     float m_fQuadMatrix[16] = {}; ///< working copy while the quad view is drawn
     /// Distance of the eye behind the sphere's centre, 0 to 1.
     float m_fEyeDistance = 0.0f;
-    /// Row 0 of the target is the top of the picture: the quarters' rows count from the other end.
-    bool m_bTopDownTarget = false;
 };

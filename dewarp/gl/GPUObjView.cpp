@@ -1,5 +1,7 @@
 #include "dewarp/gl/GPUObjView.h"
 
+#include "dewarp/views/ViewList.h"
+
 #include <algorithm>
 
 void RequestBands(const SClipBands& rBands, SShaderProperties& rShader)
@@ -11,13 +13,13 @@ void RequestBands(const SClipBands& rBands, SShaderProperties& rShader)
 
 void CCGPUObjView::CheckPTZ(SDewarpParams* pParams)
 {
-    m_rView.LimitPTZ(*pParams);
+    m_pView->LimitPTZ(*pParams);
 }
 
 void CCGPUObjView::AdjustPTZ(CCustomGPUGeometry* /*pGeometry*/, SDewarpParams* pParams,
                              SDewarpMatrices* pMatrices, float fAspect, int nRotation)
 {
-    m_rView.Move(*pParams, m_fGeometryAspect, fAspect, nRotation, pMatrices->fModel);
+    m_pView->Move(*pParams, m_fGeometryAspect, fAspect, nRotation, pMatrices->fModel);
 }
 
 void CCGPUObjView::OnMouseMove(SGPoint* pFrom, SGPoint* pTo, SDewarpParams* pParams,
@@ -29,31 +31,48 @@ void CCGPUObjView::OnMouseMove(SGPoint* pFrom, SGPoint* pTo, SDewarpParams* pPar
         sDrag.nLeftBand = pShader->anClipPlanes[0];
         sDrag.nTopBand = pShader->anClipPlanes[2];
     }
-    m_rView.Drag(sDrag, *pParams);
+    m_pView->Drag(sDrag, *pParams);
 }
 
 void CCGPUObjView::CheckClipPlanes(SDewarpParams* pParams, SDewarpMatrices* pMatrices,
                                    SShaderProperties* pShader)
 {
-    SClipBands sBands =
-        m_rView.ClipBands(*pParams, m_fGeometryAspect, pMatrices->nViewportWidth, pMatrices->nViewportHeight);
+    SClipBands sBands = m_pView->ClipBands(*pParams, m_fGeometryAspect, pMatrices->nViewportWidth,
+                                           pMatrices->nViewportHeight);
     RequestBands(sBands, *pShader);
 }
 
 void CCGPUObjView::SetProjectionMatrix(SDewarpMatrices* pMatrices, float fLeft, float fRight, float fBottom,
                                        float fTop, float fNear, float fFar)
 {
-    m_rView.Project({fLeft, fRight, fBottom, fTop, fNear, fFar}, pMatrices->fProjection);
+    m_pView->Project({fLeft, fRight, fBottom, fTop, fNear, fFar}, pMatrices->fProjection);
+}
+
+void CCGPUObjView::DrawArrays(SDewarpParams* pParams, SDewarpMatrices* pMatrices, SShaderProperties* pShader)
+{
+    SViewPart aParts[MAX_VIEW_PARTS];
+    const int nParts = m_pView->Parts(*pParams, *pMatrices, m_fGeometryAspect, m_bTopDownTarget, aParts);
+    if (nParts == 1) {
+        glDrawArrays(m_nPrimitiveMode, 0, m_nVertexCount);
+        return;
+    }
+    for (int i = 0; i < nParts; ++i) {
+        const SViewPart& rPart = aParts[i];
+        glUniformMatrix4fv(pShader->nMVPMatrixLocation, 1, GL_FALSE, rPart.fMVP);
+        glViewport(rPart.nX, rPart.nY, rPart.nWidth, rPart.nHeight);
+        glDrawArrays(m_nPrimitiveMode, 0, m_nVertexCount);
+    }
+    glViewport(0, 0, pMatrices->nViewportWidth, pMatrices->nViewportHeight);
 }
 
 float CCGPUObjView::GetGeometryAspect(SDewarpParams* pParams)
 {
-    return m_rView.Aspect(*pParams, m_fGeometryAspect);
+    return m_pView->Aspect(*pParams, m_fGeometryAspect);
 }
 
 float CCGPUObjView::GetScaleMultiplier(SDewarpParams* pParams)
 {
-    return m_rView.ScaleMultiplier(*pParams);
+    return m_pView->ScaleMultiplier(*pParams);
 }
 
 void CCGPUObjView::Activate(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams)
@@ -64,21 +83,23 @@ void CCGPUObjView::Activate(CCustomGPUGeometry* pGeometry, SDewarpParams* pParam
 
 float CCGPUObjView::GetEyeDistance(SDewarpParams* /*pParams*/)
 {
-    return m_rView.EyeDistance(0.0f);
+    return m_pView->EyeDistance(0.0f);
 }
 
 void CCGPUObjView::Rebuild(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams)
 {
-    const SMeshKey sKey = MeshKeyOf(m_rView.Mesh(), *pParams);
+    const SMeshKey sKey = m_pView->MeshKey(*pParams);
     // Until it is whole the mesh is nobody's: memory may run out on the way.
     m_sBuiltFor = SMeshKey();
-    BuildMesh(*pGeometry, sKey);
+    m_pView->BuildMesh(*pGeometry, sKey);
     if (m_nVertexCount == 0)
         UploadMesh(*pGeometry);
     else
         RefillMesh(*pGeometry);
     if (m_nVertexCount == 0)
         return;
-    m_fGeometryAspect = m_rView.MeshAspect(*pParams);
+    m_fGeometryAspect = m_pView->MeshAspect(*pParams);
     m_sBuiltFor = sKey;
 }
+
+CCGPUObjAnyView::CCGPUObjAnyView() : CCGPUObjView(FindView(VIEW_FISHEYE, MOUNT_CEILING)) {}

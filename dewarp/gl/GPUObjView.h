@@ -18,20 +18,35 @@ public:
                          SShaderProperties* pShader) override;
     void SetProjectionMatrix(SDewarpMatrices* pMatrices, float fLeft, float fRight, float fBottom, float fTop,
                              float fNear, float fFar) override;
+    /// Draws the parts of the view, each with its matrix in its part of the viewport.
+    void DrawArrays(SDewarpParams* pParams, SDewarpMatrices* pMatrices, SShaderProperties* pShader) override;
     float GetGeometryAspect(SDewarpParams* pParams) override;
     float GetScaleMultiplier(SDewarpParams* pParams) override;
     /// Builds the mesh when there is none.
     void Activate(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams) override;
     float GetEyeDistance(SDewarpParams* pParams) override;
 
-    const CView& View() const { return m_rView; }
+    const CView& View() const { return *m_pView; }
     /// Into the buffers there are, or into new ones.
     void Rebuild(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams) override;
 
 protected:
-    explicit CCGPUObjView(const CView& rView) : m_rView(rView) {}
+    explicit CCGPUObjView(const CView& rView) : m_pView(&rView) {}
 
-    const CView& m_rView;
+    const CView* m_pView;
+
+public:
+    /// Row 0 of the target is the top of the picture: parts count their rows from the other end.
+    bool m_bTopDownTarget = false;
+};
+
+/// Draws the views that have no object of their own, one after another.
+class CCGPUObjAnyView : public CCGPUObjView
+{
+public:
+    CCGPUObjAnyView();
+    /// The view to draw from now on; a mesh of another view is no longer fresh.
+    void Show(const CView& rView) { m_pView = &rView; }
 };
 
 /// Writes bands into what a program is asked for.

@@ -42,7 +42,7 @@ public:
     void ForgetDriver() { nMaxTextureSize = 0; }
 
     int anTextureUnitSize[RECORDED_UNITS][2] = {}; ///< width and height last given to Generate on each unit
-    int nMaxTextureSize = 0; ///< of the driver in use; 0: not asked for yet
+    int nMaxTextureSize = 0;                       ///< of the driver in use; 0: not asked for yet
 
 private:
     CDriverWatch& m_rWatch;

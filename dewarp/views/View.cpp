@@ -6,6 +6,16 @@
 // in the middle, one that reaches back to depth -1 is still inside.
 static const float FLAT_EYE_DISTANCE = 0.99f;
 
+SMeshKey CView::MeshKey(const SDewarpParams& rParams) const
+{
+    return MeshKeyOf(Mesh(), rParams);
+}
+
+void CView::BuildMesh(CCustomGPUGeometry& rGeometry, const SMeshKey& rKey) const
+{
+    ::BuildMesh(rGeometry, rKey);
+}
+
 float CView::Aspect(const SDewarpParams& /*rParams*/, float fMeshAspect) const
 {
     return fMeshAspect;

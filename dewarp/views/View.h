@@ -64,6 +64,10 @@ public:
     CView& operator=(const CView&) = delete;
 
     virtual EViewMesh Mesh() const = 0;
+    /// What its mesh depends on, and how it is built from that. A view with a mesh of its own (MESH_OF_VIEW)
+    /// answers both.
+    virtual SMeshKey MeshKey(const SDewarpParams& rParams) const;
+    virtual void BuildMesh(CCustomGPUGeometry& rGeometry, const SMeshKey& rKey) const;
     /// Width to height of what the mesh lays out.
     virtual float MeshAspect(const SDewarpParams& rParams) const = 0;
     /// Width to height of what the view shows, for a mesh of that aspect.
