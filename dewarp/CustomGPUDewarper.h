@@ -109,7 +109,8 @@ public:
     /// Factors on luma and chroma, used while SetTexture's bGain is true.
     void SetGains(float fLuma, float fChroma);
     void GetGains(float& fLuma, float& fChroma);
-    /// Levels of the limited range, 0..255.
+    /// Levels of the limited range, 0..255. Equal luma levels, which leave no range, are refused with a log
+    /// line.
     void SetYUVLevels(int nLumaMin, int nLumaMax, int nChromaMin);
     void GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChromaMin);
     /// Moves the virtual camera's eye back along its axis, in radii of the sphere: 0 (rectilinear) to 1

@@ -168,7 +168,8 @@ void CCustomGPUDewarper::SetYUVLevels(int nLumaMin, int nLumaMax, int nChromaMin
 {
     CLockScope oScope(*this);
     SPictureSettings sSettings = RequestedSettings(sMainShader);
-    sSettings.SetLevels(nLumaMin, nLumaMax, nChromaMin);
+    if (!sSettings.SetLevels(nLumaMin, nLumaMax, nChromaMin, pRooms->oReport))
+        return;
     RequestSettings(sSettings, sMainShader);
     RequestFrame();
 }

@@ -82,8 +82,8 @@ struct SRooms
     SViewObjects sViews;
 
     bool bProgramTriedAgain = false; ///< the view's program failed, and was tried once more
-    SDewarpMatrices sMatrices;      ///< of the view
-    SDewarpParams sLastDrawnParams; ///< of the last projection
+    SDewarpMatrices sMatrices;       ///< of the view
+    SDewarpParams sLastDrawnParams;  ///< of the last projection
     // For the check of threads in debug builds.
     std::atomic<std::size_t> nThreadInside{0}; ///< who holds the lock; 0: nobody
     int nDepthInside = 0;

@@ -8,11 +8,17 @@ void SPictureSettings::SetYUV(EYUVSpace eSpace, EYUVRange eRange)
     sYUV2RGB.eRange = eRange;
 }
 
-void SPictureSettings::SetLevels(int nLumaMin, int nLumaMax, int nChromaMin)
+bool SPictureSettings::SetLevels(int nLumaMin, int nLumaMax, int nChromaMin, CReport& rReport)
 {
+    // The conversion divides by the range.
+    if (nLumaMin == nLumaMax) {
+        rReport.Refuse("%s: levels from %d to %d leave no range", "SetYUVLevels", nLumaMin, nLumaMax);
+        return false;
+    }
     sYUV2RGB.nLumaMin = nLumaMin;
     sYUV2RGB.nLumaMax = nLumaMax;
     sYUV2RGB.nChromaMin = nChromaMin;
+    return true;
 }
 
 bool SPictureSettings::SetGains(float fLuma, float fChroma, CReport& rReport)

@@ -18,7 +18,7 @@ struct SPictureSettings
     /// Each takes its values and returns true, or refuses them with a log line.
     /// Thread: any, serialised by the host.
     void SetYUV(EYUVSpace eSpace, EYUVRange eRange);
-    void SetLevels(int nLumaMin, int nLumaMax, int nChromaMin);
+    bool SetLevels(int nLumaMin, int nLumaMax, int nChromaMin, CReport& rReport);
     bool SetGains(float fLuma, float fChroma, CReport& rReport);
     void SetFlip(bool bHorizontal, bool bVertical);
 };
