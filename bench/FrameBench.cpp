@@ -5,7 +5,7 @@
 #include "bench/BareQuad.h"
 #include "bench/Frames.h"
 #include "dewarp/LumorDewarp.h"
-#include "platform/ShaderDialect.h"
+#include "platform/DriverTraits.h"
 
 #include <GLES3/gl31.h>
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 /// EGL displays and contexts of a process without windows.
 #pragma once
 
-#include <EGL/egl.h>
+#include "platform/CurrentContext.h"
 
 #include <mutex>
 
@@ -29,14 +29,6 @@ EGLDisplay OpenOffscreenDisplay();
 /// none.
 EGLContext CreateOffscreenContext(EGLDisplay pDisplay, EGLConfig* pConfig);
 
-/// What was current on this thread, to be put back later.
-struct SCurrentContext
-{
-    EGLDisplay pDisplay = EGL_NO_DISPLAY;
-    EGLSurface pDrawSurface = EGL_NO_SURFACE;
-    EGLSurface pReadSurface = EGL_NO_SURFACE;
-    EGLContext pContext = EGL_NO_CONTEXT;
-};
-
+/// What is current on this thread; to be put back later.
 SCurrentContext GetCurrentContext();
 void RestoreCurrentContext(const SCurrentContext& rCurrent);

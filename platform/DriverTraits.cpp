@@ -1,3 +1,5 @@
+#include "platform/DriverTraits.h"
+
 #include "platform/ShaderDialect.h"
 
 #include <GLES3/gl31.h>

@@ -4,6 +4,8 @@
 
 #include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
+#include "platform/BufferImages.h"
+#include "platform/Display.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>

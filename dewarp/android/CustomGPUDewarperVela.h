@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dewarp/CustomGPUDewarper.h"
-#include "platform/Display.h"
+#include "platform/CurrentContext.h"
 #include "platform/EGLExtensions.h"
 
 namespace android

@@ -7,6 +7,7 @@
 #include "dewarp/gl/PlaneUpload.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/YUVTargetText.h"
+#include "platform/BufferImages.h"
 #include "platform/DriverErrors.h"
 
 #include <GLES3/gl31.h>

@@ -3,9 +3,6 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
-#include "dewarp/records/SDewarpParams.h"
-
-class CCustomGPUGeometry;
 
 enum EViewMesh : int
 {
@@ -37,10 +34,3 @@ struct SMeshKey
     /// Angles are the same when their bits are: a NaN equals itself, -0 is not 0.
     bool operator==(const SMeshKey& sOther) const;
 };
-
-/// The key of a view's mesh. An unknown mesh counts as none. Thread: any. Fails: never.
-SMeshKey MeshKeyOf(EViewMesh eMesh, const SDewarpParams& sParams);
-
-/// Runs the key's generator. MESH_NONE leaves a mesh without vertices. Thread: as the generator. Fails: as
-/// the generator.
-void BuildMesh(CCustomGPUGeometry& oGeometry, const SMeshKey& sKey);

@@ -1,10 +1,7 @@
 #include "dewarp/gl/GPUObjBase.h"
 
 #include "dewarp/gl/DriverWatch.h"
-#include "dewarp/lenses/SLens.h"
 #include "dewarp/views/ViewList.h"
-
-#include "dewarp/lenses/SLens.h"
 
 namespace
 {
@@ -159,9 +156,4 @@ bool CCGPUObjBase::IsNamed(GLuint nBuffer)
     if (nBuffer == 0)
         Reset();
     return nBuffer != 0;
-}
-
-bool NeedsTexCoordClip(ELensType eLens)
-{
-    return FindLens(eLens).bClipRows;
 }

@@ -8,7 +8,6 @@
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/records/SDewarpParams.h"
 #include "dewarp/records/SGRect.h"
-
 #include <GLES3/gl31.h>
 
 class CDriverWatch;
@@ -78,6 +77,3 @@ private:
     void Announce();
     bool IsNamed(GLuint nBuffer);
 };
-
-/// Lenses whose circle is wider than 90 degrees leave the image's rows in some views.
-bool NeedsTexCoordClip(ELensType eLens);

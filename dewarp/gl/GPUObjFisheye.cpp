@@ -1,5 +1,6 @@
 #include "dewarp/gl/GPUObjFisheye.h"
 
+#include "dewarp/geometry/MeshBuild.h"
 #include "dewarp/views/ViewList.h"
 
 CCGPUObjFisheye::CCGPUObjFisheye(bool bCircular)

@@ -1,15 +1,7 @@
 #include "dewarp/gl/GPUObjView.h"
 
+#include "dewarp/gl/PictureRequests.h"
 #include "dewarp/views/ViewList.h"
-
-#include <algorithm>
-
-void RequestBands(const SClipBands& rBands, SShaderProperties& rShader)
-{
-    std::copy(std::begin(rBands.anPlanes), std::end(rBands.anPlanes), rShader.anClipPlanesRequested);
-    rShader.fClipValueRequested = rBands.fDepth;
-    rShader.bTexCoordClipRequested = rBands.bTexCoordRows;
-}
 
 void CCGPUObjView::CheckPTZ(SDewarpParams* pParams)
 {

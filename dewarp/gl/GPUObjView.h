@@ -3,7 +3,8 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjBase.h"
-#include "dewarp/views/View.h"
+
+class CView;
 
 /// Answers for its view: every question goes to the view's value, with the mesh that is held.
 class CCGPUObjView : public CCGPUObjBase
@@ -48,6 +49,3 @@ public:
     /// The view to draw from now on; a mesh of another view is no longer fresh.
     void Show(const CView& rView) { m_pView = &rView; }
 };
-
-/// Writes bands into what a program is asked for.
-void RequestBands(const SClipBands& rBands, SShaderProperties& rShader);

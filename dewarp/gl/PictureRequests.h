@@ -1,9 +1,13 @@
 /// \file
-/// Picture settings as a program's requests.
+/// Picture settings and clip bands as a program's requests.
 #pragma once
 
 #include "dewarp/control/SPictureSettings.h"
 #include "dewarp/gl/SShaderProperties.h"
+#include "dewarp/views/View.h"
+
+#include <algorithm>
+#include <iterator>
 
 /// What a program was asked for. Thread: any, serialised by the host.
 inline SPictureSettings RequestedSettings(const SShaderProperties& rShader)
@@ -38,4 +42,12 @@ inline void TakeSettings(SShaderProperties& rShader)
     rShader.bFlipHorizontal = rShader.bFlipHorizontalRequested;
     rShader.bFlipVertical = rShader.bFlipVerticalRequested;
     rShader.sYUV2RGB = rShader.sYUV2RGBRequested;
+}
+
+/// Asks a program for bands.
+inline void RequestBands(const SClipBands& rBands, SShaderProperties& rShader)
+{
+    std::copy(std::begin(rBands.anPlanes), std::end(rBands.anPlanes), rShader.anClipPlanesRequested);
+    rShader.fClipValueRequested = rBands.fDepth;
+    rShader.bTexCoordClipRequested = rBands.bTexCoordRows;
 }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dewarp/gl/SShaderProperties.h"
-#include "platform/ShaderDialect.h"
+#include "platform/DriverTraits.h"
 
 #include <array>
 #include <cstddef>

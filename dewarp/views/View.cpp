@@ -1,5 +1,7 @@
 #include "dewarp/views/View.h"
 
+#include "dewarp/geometry/MeshBuild.h"
+
 #include <cstring>
 
 // The whole scene lies between the near plane (0.01) and the far plane (2): a mesh at depth 0 comes to stand

@@ -8,6 +8,8 @@
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SPTZLimits.h"
 
+class CCustomGPUGeometry;
+
 /// Bands of the target that a view stays inside, as the shader texts take them: framebuffer x minimum and
 /// maximum, y minimum and maximum, -1 without a limit; depth below which nothing is drawn, 0 without one;
 /// whether texture rows outside the picture are left out.

@@ -1,4 +1,4 @@
-#include "platform/EGLExtensions.h"
+#include "platform/BufferImages.h"
 
 namespace
 {

@@ -9,7 +9,7 @@
 #include "dewarp/shaders/PassTexts.h"
 #include "dewarp/shaders/VertexText.h"
 #include "dewarp/shaders/YUVTargetText.h"
-#include "platform/ShaderDialect.h"
+#include "platform/DriverTraits.h"
 
 namespace
 {

@@ -1,5 +1,5 @@
 // Colour planes that a driver takes faster as RGBA: which calls they become, and that no picture changes.
-#include "platform/ShaderDialect.h"
+#include "platform/DriverTraits.h"
 #include "tests/support/TestDewarper.h"
 
 #include <GLES3/gl31.h>

@@ -1,5 +1,6 @@
 #include "TinyContext.h"
 
+#include "platform/DriverTraits.h"
 #include "platform/ShaderDialect.h"
 
 #include <GLES3/gl31.h>

@@ -1,5 +1,6 @@
 // A view without an object of its own: it builds its own mesh and is drawn in its parts.
 #include "dewarp/gl/GPUObjView.h"
+#include "dewarp/views/View.h"
 #include "tests/support/TestDewarper.h"
 
 #include <gtest/gtest.h>

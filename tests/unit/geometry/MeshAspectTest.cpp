@@ -1,6 +1,7 @@
 #include "MeshChecks.h"
 
 #include "dewarp/geometry/MeshAspect.h"
+#include "dewarp/geometry/MeshBuild.h"
 
 TEST(MeshAspect, IsWhatTheGeneratorLeaves)
 {

@@ -1,4 +1,4 @@
-#include "dewarp/geometry/MeshKey.h"
+#include "dewarp/geometry/MeshBuild.h"
 
 #include "MeshChecks.h"
 

@@ -1,4 +1,4 @@
-#include "platform/ShaderDialect.h"
+#include "platform/DriverTraits.h"
 
 #include <gtest/gtest.h>
 
