@@ -3,6 +3,7 @@
 #include <android/log.h>
 
 #include <cstdio>
+#include <cstring>
 
 // No priority of the log: the text is kept only.
 static const int KEPT_ONLY = -1;
@@ -42,6 +43,9 @@ void CReport::Keep(const char* pFormat, ...)
     va_start(vArguments, pFormat);
     Write(KEPT_ONLY, pFormat, vArguments);
     va_end(vArguments);
+    // The log drops line ends too.
+    for (std::size_t i = std::strlen(m_aLast); i > 0 && m_aLast[i - 1] == '\n'; --i)
+        m_aLast[i - 1] = '\0';
 }
 
 void CReport::Standing(int nCause, const char* pFormat, ...)

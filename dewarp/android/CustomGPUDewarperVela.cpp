@@ -35,20 +35,22 @@ const EGLint CONFIG_ATTRIBUTES[] = {
     EGL_NONE,
 };
 
-bool Fail(const char* pMessage)
+bool Fail(CReport& rReport, const char* pMessage)
 {
     __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, pMessage, "StartGL");
+    rReport.Keep(pMessage, "StartGL");
     return false;
 }
 
 /// Looks for an error that a call left although it reported success.
-bool SucceededQuietly(const char* pMessage)
+bool SucceededQuietly(CReport& rReport, const char* pMessage)
 {
     const EGLint nError = eglGetError();
     if (nError == EGL_SUCCESS)
         return true;
     __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, pMessage, "StartGL",
                         static_cast<unsigned int>(nError));
+    rReport.Keep(pMessage, "StartGL", static_cast<unsigned int>(nError));
     return false;
 }
 
@@ -106,7 +108,7 @@ bool CCustomGPUDewarperVela::Start()
     OSDependentFBO(false);
     if (nFramebuffer == 0 || nRenderbuffer == 0) {
         OSDependentFBO(true);
-        return Fail("%s: the driver makes no framebuffer");
+        return Fail(pRooms->oReport, "%s: the driver makes no framebuffer");
     }
     float fPan = 0.0f;
     float fTilt = 0.0f;
@@ -130,18 +132,18 @@ bool CCustomGPUDewarperVela::OpenDisplay()
 {
     mDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
     if (mDisplay == EGL_NO_DISPLAY)
-        return Fail("%s: Error getting the display");
+        return Fail(pRooms->oReport, "%s: Error getting the display");
     EGLint nMajor = 0;
     EGLint nMinor = 0;
     if (!InitializeDisplay(mDisplay, &nMajor, &nMinor)) {
         mDisplay = EGL_NO_DISPLAY;
-        return Fail("%s: Error in opengl es init");
+        return Fail(pRooms->oReport, "%s: Error in opengl es init");
     }
     __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: egl major version is: %d and minro is: %d",
                         "StartGL", nMajor, nMinor);
     if (!eglBindAPI(EGL_OPENGL_ES_API))
-        return Fail("%s: Error in eslbind");
-    return SucceededQuietly("%s failed (%x).\n");
+        return Fail(pRooms->oReport, "%s: Error in eslbind");
+    return SucceededQuietly(pRooms->oReport, "%s failed (%x).\n");
 }
 
 bool CCustomGPUDewarperVela::ChooseConfig()
@@ -149,7 +151,7 @@ bool CCustomGPUDewarperVela::ChooseConfig()
     mConfig = nullptr;
     nNumConfigs = 0;
     if (!eglChooseConfig(mDisplay, CONFIG_ATTRIBUTES, &mConfig, 1, &nNumConfigs))
-        return Fail("%s: Error choosing the config");
+        return Fail(pRooms->oReport, "%s: Error choosing the config");
     __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: egl numconfig returned is: %d", "StartGL",
                         nNumConfigs);
     return true;
@@ -163,7 +165,7 @@ bool CCustomGPUDewarperVela::CreateSurface()
                         nTargetHeight);
     const EGLint aSize[] = {EGL_WIDTH, nTargetWidth, EGL_HEIGHT, nTargetHeight, EGL_NONE};
     mSurface = eglCreatePbufferSurface(mDisplay, mConfig, aSize);
-    return mSurface != EGL_NO_SURFACE || Fail("%s: Error creating surface");
+    return mSurface != EGL_NO_SURFACE || Fail(pRooms->oReport, "%s: Error creating surface");
 }
 
 bool CCustomGPUDewarperVela::CreateContext(EGLint nVersion)
@@ -177,7 +179,7 @@ bool CCustomGPUDewarperVela::MakeContextCurrent()
 {
     if (!eglMakeCurrent(mDisplay, mSurface, mSurface, mContext))
         return false;
-    return SucceededQuietly("%s failed4 (%x).\n");
+    return SucceededQuietly(pRooms->oReport, "%s failed4 (%x).\n");
 }
 
 /// Most drivers answer a request for version 2 with the highest version they have; others need to be asked.
@@ -192,10 +194,10 @@ bool CCustomGPUDewarperVela::MakeUsableContextCurrent()
         eglDestroyContext(mDisplay, mContext);
     }
     if (!CreateContext(3))
-        return Fail("%s: Error creating surface");
+        return Fail(pRooms->oReport, "%s: Error creating surface");
     if (!MakeContextCurrent())
         return false;
-    return IsCurrentVersionUsable() || Fail("%s: Error creating surface");
+    return IsCurrentVersionUsable() || Fail(pRooms->oReport, "%s: Error creating surface");
 }
 
 bool CCustomGPUDewarperVela::StopGL()

@@ -25,9 +25,12 @@ const EYUVRange BUFFER_YUV_RANGE = static_cast<EYUVRange>(4);
 
 const EGLint IMAGE_ATTRIBUTES[] = {EGL_IMAGE_PRESERVED_KHR, EGL_TRUE, EGL_NONE};
 
+const char* const NO_IMAGE_TEXT = "%s: Error creating egl image ";
+
+/// The line alone: the reason was kept before, where it is known best.
 bool FailImage(const char* pFunction)
 {
-    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: Error creating egl image ", pFunction);
+    __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, NO_IMAGE_TEXT, pFunction);
     return false;
 }
 
@@ -51,23 +54,28 @@ void LogNativeBuffer(const ANativeWindowBuffer& rBuffer)
 bool CCustomGPUDewarperVela::IsThere(bool bEntryPoint, const char* pFunction, const char* pName) const
 {
     if (!bEntryPoint)
-        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: the driver has no %s", pFunction, pName);
+        pRooms->oReport.Error("%s: the driver has no %s", pFunction, pName);
     return bEntryPoint;
 }
 
 EGLImageKHR CCustomGPUDewarperVela::CreateBufferImage(android::GraphicBuffer* pBuffer, const char* pFunction)
 {
     if (!bGLStarted || pBuffer == nullptr || pBuffer->getNativeBuffer() == nullptr ||
-        !SetCurrentRenderingContext(&pRenderingContext))
+        !SetCurrentRenderingContext(&pRenderingContext)) {
+        pRooms->oReport.Keep(NO_IMAGE_TEXT, pFunction);
         return EGL_NO_IMAGE_KHR;
+    }
     // What could not be destroyed is not made.
     if (!IsThere(sExtensions.eglCreateImageKHR != nullptr, pFunction, "eglCreateImageKHR") ||
         !IsThere(sExtensions.eglDestroyImageKHR != nullptr, pFunction, "eglDestroyImageKHR"))
         return EGL_NO_IMAGE_KHR;
     return GuardMemory(pFunction, pRooms->oReport, EGL_NO_IMAGE_KHR, [&] {
-        return sExtensions.eglCreateImageKHR(mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
-                                             static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()),
-                                             IMAGE_ATTRIBUTES);
+        const EGLImageKHR pImage = sExtensions.eglCreateImageKHR(
+            mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
+            static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()), IMAGE_ATTRIBUTES);
+        if (pImage == EGL_NO_IMAGE_KHR)
+            pRooms->oReport.Keep(NO_IMAGE_TEXT, pFunction);
+        return pImage;
     });
 }
 
@@ -111,6 +119,8 @@ bool CCustomGPUDewarperVela::CreateImageF(android::GraphicBuffer* pInput, androi
     if (bTarget) {
         sExtensions.glEGLImageTargetRenderbufferStorageOES(GL_RENDERBUFFER, mOutputImage);
         bTarget = !TakeDriverErrors(pRooms->oWatch.m_nErrorOfFrame);
+        if (!bTarget)
+            pRooms->oReport.Keep(NO_IMAGE_TEXT, "CreateImageF");
         SetOutputFormat(static_cast<int>(pOutput->getPixelFormat()));
     }
     if (pInput != nullptr)
@@ -210,8 +220,7 @@ bool CCustomGPUDewarperVela::InitializeTextures()
     glActiveTexture(GL_TEXTURE0);
     glPixelStorei(GL_UNPACK_ALIGNMENT, UnpackAlignment(pParams->nImageStride));
     if (!OSDependentUploadTexture()) {
-        __android_log_print(ANDROID_LOG_ERROR, DEWARP_LOG_TAG, "%s: Error uploading texture",
-                            "InitializeTextures");
+        pRooms->oReport.Error("%s: Error uploading texture", "InitializeTextures");
         return false;
     }
     bTexturesNeedInit = false;

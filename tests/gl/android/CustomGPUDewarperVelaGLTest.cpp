@@ -212,6 +212,7 @@ TEST(CustomGPUDewarperVela, EveryStepOfTheStartMayFail)
                 ExpectLine(oLog, oLog.Lines().size() - 1, rStep.nPriority, rStep.pLine);
             else
                 EXPECT_EQ(strLast, "StartGL: Creating a surface of width is: 16 and height is: 16");
+            EXPECT_EQ(oDewarper.GetLastErrorText(), rStep.pLine != nullptr ? rStep.pLine : "");
             EXPECT_EQ(oDewarper.nFramebuffer, 0u);
             EXPECT_FALSE(oDewarper.DrawGLScene(true));
 

@@ -82,6 +82,8 @@ TEST_F(Fence, MissingEntryPointsAreNamed)
         const bool bDrawn = bBound && m_oDewarper.DrawGLScene(true);
         m_oDewarper.DestroyImage();
         const std::string strName = pName;
+        EXPECT_TRUE(bBound || m_oDewarper.GetLastErrorText() == "CreateImageF: the driver has no " + strName)
+            << m_oDewarper.GetLastErrorText();
         // Fences only delay; without them the frame is drawn, and finished another way.
         const bool bFence = strName.find("Sync") != std::string::npos;
         EXPECT_EQ(bDrawn, bFence);

@@ -115,6 +115,7 @@ TEST_F(GraphicBufferImages, EitherImageOfAFrameMayFail)
         EXPECT_EQ(m_oDewarper.mOutputImage == EGL_NO_IMAGE_KHR, nSkip == 1);
         EXPECT_EQ(m_oRecorder.Living(EGL_KIND_IMAGE), nSkip == 1 ? 0 : 1);
         EXPECT_EQ(oLog.Text(), "CreateImageF: Error creating egl image \n");
+        EXPECT_EQ(m_oDewarper.GetLastErrorText(), "CreateImageF: Error creating egl image ");
     }
     EXPECT_FALSE(m_oDewarper.CreateImageF(nullptr, m_oOutput.get()));
     EXPECT_FALSE(m_oDewarper.CreateImageF(m_oInput.get(), nullptr));
