@@ -1,7 +1,8 @@
-# add_dewarp_test(NAME <name> SOURCES <files> [GL] [LONG] [SECONDS <n>] [LIBRARIES <targets>])
+# add_dewarp_test(NAME <name> SOURCES <files> [GL] [INTERNALS] [LONG] [SECONDS <n>] [LIBRARIES <targets>])
 #
 # One GoogleTest program, one CTest entry. GL tests get Mesa without a window system and exit 77 (skipped)
-# where no context is to be had. LONG tests are left out of `./test` and run in `./test --full` (label `long`);
+# where no context is to be had. Tests link the library as hosts do, and so see what it exports; INTERNALS ones
+# are made of its objects and see everything. LONG tests are left out of `./test` and run in `./test --full` (label `long`);
 # a program with a short and a long form gets a second entry, with that label and its own environment.
 # SECONDS, about what it takes: the longest tests begin first, so that no processor is idle at the end.
 find_package(GTest REQUIRED)
@@ -16,11 +17,15 @@ target_precompile_headers(dewarp_test_pch PRIVATE
     <algorithm> <cmath> <cstdlib> <cstring> <functional> <map> <random> <string> <vector> <gtest/gtest.h>)
 
 function(add_dewarp_test)
-    cmake_parse_arguments(ARG "GL;LONG" "NAME;SECONDS" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_parse_arguments(ARG "GL;INTERNALS;LONG" "NAME;SECONDS" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${ARG_NAME} ${ARG_SOURCES})
-    target_link_libraries(${ARG_NAME} PRIVATE lumor_dewarp dewarp_test_support ${ARG_LIBRARIES} GTest::gtest)
+    target_link_libraries(${ARG_NAME} PRIVATE dewarp_test_support ${ARG_LIBRARIES} GTest::gtest
+        $<IF:$<BOOL:${ARG_INTERNALS}>,lumor_dewarp_objects,lumor_dewarp>)
     if(ARG_GL)
         target_link_libraries(${ARG_NAME} PRIVATE dewarp_gl_test_main)
+        # The recording layer looks for the driver's libraries behind the program, which takes nothing else of
+        # them where it is made of the library's objects.
+        target_link_options(${ARG_NAME} PRIVATE -Wl,--no-as-needed)
     else()
         target_link_libraries(${ARG_NAME} PRIVATE GTest::gtest_main)
     endif()

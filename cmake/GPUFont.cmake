@@ -16,4 +16,4 @@ add_custom_command(
 set_source_files_properties(tables/GPUFontPixels.S PROPERTIES
     OBJECT_DEPENDS ${sFontFile}
     COMPILE_DEFINITIONS "GPU_FONT_FILE=\"${sFontFile}\"")
-target_sources(lumor_dewarp PRIVATE tables/GPUFont.cpp tables/GPUFontPixels.S)
+target_sources(lumor_dewarp_objects PRIVATE tables/GPUFont.cpp tables/GPUFontPixels.S)

@@ -1,16 +1,21 @@
 # What cmake --install gives: headers, library, tool, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS lumor_dewarp EXPORT lumor_dewarp_targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY dewarp platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumor_dewarp
-    FILES_MATCHING PATTERN "*.h"
-    # The library's own business, and what stands in for Android's headers.
-    PATTERN "dewarp/pipeline" EXCLUDE
-    PATTERN "platform/android" EXCLUDE
-    PATTERN "platform/include" EXCLUDE
-    PATTERN "platform/linux" EXCLUDE)
-# Graphic buffers under Android's name, for hosts of the Android class where the system has none.
-install(DIRECTORY platform/linux/include/ui DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumor_dewarp)
+install(TARGETS lumor_dewarp EXPORT lumor_dewarp_targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+
+# install_headers(FOLDER HEADER...): headers below the folder, each in the folder that it has there.
+function(install_headers sFolder)
+    foreach(sHeader ${ARGN})
+        cmake_path(GET sHeader PARENT_PATH sRoom)
+        install(FILES ${sFolder}/${sHeader} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/lumor_dewarp/${sRoom})
+    endforeach()
+endfunction()
+include(PublicHeaders)
+install_headers(${PROJECT_SOURCE_DIR} ${LUMOR_PUBLIC_HEADERS})
+if(NOT ANDROID)
+    install_headers(${PROJECT_SOURCE_DIR}/platform/linux/include ${LUMOR_STAND_IN_HEADERS})
+endif()
 
 if(LUMOR_BUILD_TOOLS)
     # The tool finds the library beside its own folder, wherever both are moved to.
@@ -31,5 +36,10 @@ install(FILES ${PROJECT_BINARY_DIR}/lumor_dewarpConfig.cmake
 # The file lies two folders below the prefix or deeper (lib/x86_64-linux-gnu/pkgconfig): it finds the prefix
 # from its own place, so that an installed tree may be moved.
 file(RELATIVE_PATH sToPrefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+# A static library brings none of what it was linked with.
+set(sStaticLibraries "")
+if(NOT LUMOR_BUILD_SHARED)
+    set(sStaticLibraries " -lstdc++ -lm")
+endif()
 configure_file(cmake/lumor_dewarp.pc.in ${PROJECT_BINARY_DIR}/lumor_dewarp.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/lumor_dewarp.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

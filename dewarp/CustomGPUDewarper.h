@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/DewarperState.h"
+#include "platform/Export.h"
 
 struct STargetShape;
 
@@ -27,7 +28,7 @@ struct STargetShape;
 ///
 /// Control operations store requests; the next DrawGLScene puts them in force. What is drawn follows from the
 /// requests, the position in force and the frame alone, never from what was drawn before.
-class CCustomGPUDewarper : public CDewarperState
+class LUMOR_API CCustomGPUDewarper : public CDewarperState
 {
 public:
     CCustomGPUDewarper();

@@ -13,6 +13,7 @@
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"
 #include "dewarp/records/SQPInfo.h"
+#include "platform/Export.h"
 
 #include <cstddef>
 #include <memory>
@@ -32,7 +33,7 @@ struct SRooms;
 /// What the rooms of the library hold for one dewarper, under the names that hosts and their diagnostics
 /// know. Each value lives in one room; a reference here shows it. Change them through the dewarper's
 /// operations only. Owns: the rooms. Thread: as the dewarper.
-class CDewarperState
+class LUMOR_API CDewarperState
 {
 public:
     CDewarperState(const CDewarperState&) = delete;

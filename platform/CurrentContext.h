@@ -2,10 +2,12 @@
 /// A thread's current context.
 #pragma once
 
+#include "platform/Export.h"
+
 #include <EGL/egl.h>
 
 /// What was current on this thread, to be put back later.
-struct SCurrentContext
+struct LUMOR_API SCurrentContext
 {
     EGLDisplay pDisplay = EGL_NO_DISPLAY;
     EGLSurface pDrawSurface = EGL_NO_SURFACE;

@@ -2,6 +2,8 @@
 /// The extension functions that bind graphic buffers and wait for frames.
 #pragma once
 
+#include "platform/Export.h"
+
 #include <EGL/egl.h>
 // clang-format off
 #include <EGL/eglext.h>
@@ -10,7 +12,7 @@
 // clang-format on
 
 /// Entry points under their own names; null where the driver has none.
-struct SEGLExtensions
+struct LUMOR_API SEGLExtensions
 {
     PFNEGLCREATEIMAGEKHRPROC eglCreateImageKHR = nullptr;
     PFNEGLDESTROYIMAGEKHRPROC eglDestroyImageKHR = nullptr;

@@ -5,6 +5,7 @@
 #include "dewarp/CustomGPUDewarper.h"
 #include "platform/CurrentContext.h"
 #include "platform/EGLExtensions.h"
+#include "platform/Export.h"
 
 namespace android
 {
@@ -17,7 +18,7 @@ class GraphicBuffer;
 /// Thread: everything but InitGL and the control operations on the thread that called StartGL; the host
 /// serialises all calls to one dewarper. Several dewarpers may live on one thread or on several.
 /// Fails: with false and a log line, save where told.
-class CCustomGPUDewarperVela : public CCustomGPUDewarper
+class LUMOR_API CCustomGPUDewarperVela : public CCustomGPUDewarper
 {
 public:
     CCustomGPUDewarperVela();

@@ -5,13 +5,14 @@
 #include "dewarp/lenses/LensSizes.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SGRect.h"
+#include "platform/Export.h"
 
 /// Builds one mesh at a time into m_pVertices and m_pTexCoords.
 /// Units: degrees at every argument; texture coordinates 0..1 from the top left of the input image.
 /// Owns: its arrays; they grow, never shrink, until destruction, and stay valid until the next Generate call.
 /// Thread: any, serialised by the host. Touches no GL.
 /// Fails: never; an unknown lens counts as equidistant. Impossible states stop the program on an assertion.
-class CCustomGPUGeometry
+class LUMOR_API CCustomGPUGeometry
 {
 public:
     CCustomGPUGeometry() = default;

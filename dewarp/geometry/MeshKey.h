@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "platform/Export.h"
 
 enum EViewMesh : int
 {
@@ -19,7 +20,7 @@ enum EViewMesh : int
 
 /// Everything that one mesh depends on; what it does not depend on is 0. A mesh is fresh when it was built
 /// for exactly this key. Units: degrees, pixels.
-struct SMeshKey
+struct LUMOR_API SMeshKey
 {
     EViewMesh eMesh = MESH_NONE;
     EViewType eView = VIEW_UNSET; ///< whose it is, for MESH_OF_VIEW

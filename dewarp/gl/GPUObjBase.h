@@ -8,6 +8,8 @@
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/records/SDewarpParams.h"
 #include "dewarp/records/SGRect.h"
+#include "platform/Export.h"
+
 #include <GLES3/gl31.h>
 
 class CDriverWatch;
@@ -16,7 +18,7 @@ class CDriverWatch;
 /// pixels. Owns: the two buffers of its mesh. Thread: GL thread, context current (CheckPTZ and OnMouseMove
 /// touch no GL: any thread, serialised). Fails: never; a mesh without buffers draws nothing, GL errors of
 /// buffers are not checked here.
-class CCGPUObjBase
+class LUMOR_API CCGPUObjBase
 {
 public:
     CCGPUObjBase() = default;

@@ -3,9 +3,10 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjView.h"
+#include "platform/Export.h"
 
 /// With the primitive mode GL_TRIANGLE_FAN the object shows the lens circle only; MakeCircular sets it.
-class CCGPUObjFisheye : public CCGPUObjView
+class LUMOR_API CCGPUObjFisheye : public CCGPUObjView
 {
 public:
     explicit CCGPUObjFisheye(bool bCircular = false);

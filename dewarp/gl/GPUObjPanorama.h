@@ -3,9 +3,10 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjView.h"
+#include "platform/Export.h"
 
 /// Serves VIEW_PANORAMA_FULL, _HALF and _QUARTER.
-class CCGPUObjPanorama : public CCGPUObjView
+class LUMOR_API CCGPUObjPanorama : public CCGPUObjView
 {
 public:
     CCGPUObjPanorama();

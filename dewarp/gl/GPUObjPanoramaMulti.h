@@ -3,9 +3,10 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjView.h"
+#include "platform/Export.h"
 
 /// What both have in common: pan and tilt live in the mesh, which is built anew whenever they change.
-class CCGPUObjPanoramaMulti : public CCGPUObjView
+class LUMOR_API CCGPUObjPanoramaMulti : public CCGPUObjView
 {
 public:
     void AdjustPTZ(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams, SDewarpMatrices* pMatrices,
@@ -15,13 +16,13 @@ protected:
     using CCGPUObjView::CCGPUObjView;
 };
 
-class CCGPUObjPanoramaDual : public CCGPUObjPanoramaMulti
+class LUMOR_API CCGPUObjPanoramaDual : public CCGPUObjPanoramaMulti
 {
 public:
     CCGPUObjPanoramaDual();
 };
 
-class CCGPUObjPanoramaTriple : public CCGPUObjPanoramaMulti
+class LUMOR_API CCGPUObjPanoramaTriple : public CCGPUObjPanoramaMulti
 {
 public:
     CCGPUObjPanoramaTriple();

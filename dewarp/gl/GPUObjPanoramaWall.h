@@ -3,9 +3,10 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjView.h"
+#include "platform/Export.h"
 
 /// Pan, mount tilt and the strictness of the limits live in the mesh.
-class CCGPUObjPanoramaWall : public CCGPUObjView
+class LUMOR_API CCGPUObjPanoramaWall : public CCGPUObjView
 {
 public:
     CCGPUObjPanoramaWall();

@@ -3,8 +3,9 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjBase.h"
+#include "platform/Export.h"
 
-class CCGPUObjPolygon : public CCGPUObjBase
+class LUMOR_API CCGPUObjPolygon : public CCGPUObjBase
 {
 public:
     explicit CCGPUObjPolygon(SGPolygon sPolygon);

@@ -4,13 +4,14 @@
 
 #include "dewarp/gl/GPUObjBase.h"
 #include "dewarp/overlays/SGPUString.h"
+#include "platform/Export.h"
 
 #include <cstddef>
 #include <vector>
 
 /// Holds one quad a glyph of the font, each covering the whole viewport, and the strings as last drawn.
 /// Thread: GL thread, context current.
-class CCGPUObjString : public CCGPUObjBase
+class LUMOR_API CCGPUObjString : public CCGPUObjBase
 {
 public:
     using CCGPUObjBase::Activate;

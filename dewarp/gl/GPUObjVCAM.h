@@ -3,8 +3,9 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjView.h"
+#include "platform/Export.h"
 
-class CCGPUObjVCAM : public CCGPUObjView
+class LUMOR_API CCGPUObjVCAM : public CCGPUObjView
 {
 public:
     CCGPUObjVCAM();

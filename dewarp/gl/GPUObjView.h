@@ -3,11 +3,12 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjBase.h"
+#include "platform/Export.h"
 
 class CView;
 
 /// Answers for its view: every question goes to the view's value, with the mesh that is held.
-class CCGPUObjView : public CCGPUObjBase
+class LUMOR_API CCGPUObjView : public CCGPUObjBase
 {
 public:
     void CheckPTZ(SDewarpParams* pParams) override;
@@ -42,7 +43,7 @@ public:
 };
 
 /// Draws the views that have no object of their own, one after another.
-class CCGPUObjAnyView : public CCGPUObjView
+class LUMOR_API CCGPUObjAnyView : public CCGPUObjView
 {
 public:
     CCGPUObjAnyView();

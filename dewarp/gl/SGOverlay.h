@@ -3,13 +3,14 @@
 #pragma once
 
 #include "dewarp/records/SGRect.h"
+#include "platform/Export.h"
 
 #include <vector>
 
 /// Units: pixels; rows packed, top row first, 4 bytes (R, G, B, A) a pixel.
 /// Owns: its copy of the pixels and one GL texture.
 /// Thread: a record with a texture must be reset on the GL thread.
-struct SGOverlay
+struct LUMOR_API SGOverlay
 {
     unsigned char* pData = nullptr; ///< null when no overlay is set
     int nWidth = 0;

@@ -3,12 +3,13 @@
 #pragma once
 
 #include "dewarp/records/SYUV2RGBConversionParams.h"
+#include "platform/Export.h"
 
 #include <string>
 
 /// Every parameter that shapes the text is held twice: as requested by the host and as in force in the
 /// current program. A difference means that the program must be rebuilt.
-struct SShaderProperties
+struct LUMOR_API SShaderProperties
 {
     std::string strVertexShader;
     std::string strFragmentShader;

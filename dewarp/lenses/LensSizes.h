@@ -3,7 +3,8 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "platform/Export.h"
 
 /// Lens model that the frame size stands for; LENS_UNKNOWN when no known sensor has that size.
 /// Units: pixels. Thread: any. Fails: never.
-ELensType AutoDetectLensType(int nWidth, int nHeight);
+LUMOR_API ELensType AutoDetectLensType(int nWidth, int nHeight);

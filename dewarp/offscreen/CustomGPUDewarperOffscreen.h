@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/CustomGPUDewarper.h"
+#include "platform/Export.h"
 
 #include <memory>
 
@@ -12,7 +13,7 @@
 /// Thread: StartGL, DrawGLScene, GetImage and StopGL on one thread, the rendering thread; everything else on
 /// any thread, also while a frame is drawn: Lock and Unlock exclude, and nest.
 /// Fails: with false and one log line.
-class CCustomGPUDewarperOffscreen : public CCustomGPUDewarper
+class LUMOR_API CCustomGPUDewarperOffscreen : public CCustomGPUDewarper
 {
 public:
     CCustomGPUDewarperOffscreen();

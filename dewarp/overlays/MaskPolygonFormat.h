@@ -7,6 +7,7 @@
 #pragma once
 
 #include "dewarp/records/SGRect.h"
+#include "platform/Export.h"
 
 #include <vector>
 
@@ -15,11 +16,11 @@
 /// Thread: any. Touches no GL.
 /// Fails: no masks when pData is null or nLength below 1; an incomplete last record is dropped with a log
 /// line.
-std::vector<SGPolygon> ParseMaskPolygons(const unsigned char* pData, int nLength);
+LUMOR_API std::vector<SGPolygon> ParseMaskPolygons(const unsigned char* pData, int nLength);
 
 /// The bytes from which ParseMaskPolygons reads these masks again.
 /// Units: pixels. Owns: nothing. Thread: any. Touches no GL.
 /// Fails: a coordinate outside -32768 to 32767, more than 65,535 points in a mask or more bytes than an int
 /// can count is refused with a log line and no bytes at all. Masks never give no bytes otherwise, so ask
 /// before handing on an empty list: it would take away every mask.
-std::vector<unsigned char> BuildMaskPolygons(const std::vector<SGPolygon>& vPolygons);
+LUMOR_API std::vector<unsigned char> BuildMaskPolygons(const std::vector<SGPolygon>& vPolygons);

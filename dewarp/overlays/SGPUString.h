@@ -2,10 +2,12 @@
 /// One line of text drawn over the result.
 #pragma once
 
+#include "platform/Export.h"
+
 #include <string>
 
 /// Units: pixels of the target, from its top left.
-struct SGPUString
+struct LUMOR_API SGPUString
 {
     std::string strText; ///< codes 32 to 127 are drawable
     int nX = 0;

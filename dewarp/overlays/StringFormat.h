@@ -9,6 +9,7 @@
 #pragma once
 
 #include "dewarp/overlays/SGPUString.h"
+#include "platform/Export.h"
 
 #include <vector>
 
@@ -17,11 +18,11 @@
 /// Thread: any. Touches no GL.
 /// Fails: no strings when pData is null or nLength below 1; an incomplete last record is dropped with a log
 /// line.
-std::vector<SGPUString> ParseStrings(const unsigned char* pData, int nLength);
+LUMOR_API std::vector<SGPUString> ParseStrings(const unsigned char* pData, int nLength);
 
 /// The bytes from which ParseStrings reads these strings again; what was drawn is not kept.
 /// Units: pixels. Owns: nothing. Thread: any. Touches no GL.
 /// Fails: a place outside -32768 to 32767, a height or length outside 0 to 65,535, an alignment or reference
 /// outside 0 to 255 or more bytes than an int can count is refused with a log line and no bytes at all.
 /// Strings never give no bytes otherwise.
-std::vector<unsigned char> BuildStrings(const std::vector<SGPUString>& vStrings);
+LUMOR_API std::vector<unsigned char> BuildStrings(const std::vector<SGPUString>& vStrings);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "platform/Export.h"
 
 /// The mount in force of a dewarper whose GL objects were freed: the requested one is applied anew.
 inline constexpr EMountType MOUNT_NOT_APPLIED = static_cast<EMountType>(-1);
@@ -14,7 +15,7 @@ inline bool IsMountSet(EMountType eMount)
 }
 
 /// Units: degrees, pixels, bytes. The defaults are those of a dewarper that has not been asked anything yet.
-struct SDewarpParams
+struct LUMOR_API SDewarpParams
 {
     float fPan = 0.0f;
     float fTilt = 0.0f;

@@ -2,15 +2,17 @@
 /// Integer points, rectangles, triangles and polygons, in pixels.
 #pragma once
 
+#include "platform/Export.h"
+
 #include <vector>
 
-struct SGPoint
+struct LUMOR_API SGPoint
 {
     int x = 0;
     int y = 0;
 };
 
-struct SGRect
+struct LUMOR_API SGRect
 {
     int x = 0;
     int y = 0;
@@ -26,13 +28,13 @@ struct SGRect
 };
 
 /// Three corners in input image pixels, in drawing order.
-struct SGTriangle
+struct LUMOR_API SGTriangle
 {
     SGPoint aCorners[3];
 };
 
 /// A closed polygon in input image pixels (the last point connects to the first) and its colour.
-struct SGPolygon
+struct LUMOR_API SGPolygon
 {
     std::vector<SGPoint> vPoints;
     unsigned int nColor = 0; ///< 0xRRGGBBAA

@@ -3,12 +3,13 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "platform/Export.h"
 
 #include <initializer_list>
 
 /// Planes belong to the host (unless bOwnsBuffers) and must stay valid until the next frame has been drawn.
 /// Chroma rows are nStride / 2 (planar) or nStride (interleaved) bytes apart.
-struct SImageProperties
+struct LUMOR_API SImageProperties
 {
     unsigned char* pPlane0 = nullptr; ///< Y, or the only plane of a packed format
     unsigned char* pPlane1 = nullptr; ///< interleaved chroma, or U

@@ -2,8 +2,10 @@
 /// Positions of a view, and how far it may be moved.
 #pragma once
 
+#include "platform/Export.h"
+
 /// A position: pan, tilt and zoom, degrees.
-struct SPTZ
+struct LUMOR_API SPTZ
 {
     float fPan = 0.0f;
     float fTilt = 0.0f;
@@ -11,14 +13,14 @@ struct SPTZ
 };
 
 /// How far one of the three may go. Equal bounds: it is fixed there.
-struct SPTZRange
+struct LUMOR_API SPTZRange
 {
     float fLow = 0.0f;
     float fHigh = 0.0f;
     bool bPeriodic = false; ///< goes round; the bounds say where it is wrapped
 };
 
-struct SPTZLimits
+struct LUMOR_API SPTZLimits
 {
     SPTZRange sPan;
     SPTZRange sTilt;

@@ -2,9 +2,11 @@
 /// Side information of a decoded frame: one value per macroblock.
 #pragma once
 
+#include "platform/Export.h"
+
 /// Owns its arrays (new[]). Each byte array holds nHeight * nStride entries, pMotion as many 32-bit words; a
 /// null pMotion or pMBType is carried as null.
-struct SQPInfo
+struct LUMOR_API SQPInfo
 {
     unsigned char* pQP = nullptr;     ///< quantiser
     unsigned int* pMotion = nullptr;  ///< carried, never uploaded

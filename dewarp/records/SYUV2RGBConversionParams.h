@@ -3,9 +3,10 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "platform/Export.h"
 
 /// Levels are on the 0..255 scale and count for the limited range only.
-struct SYUV2RGBConversionParams
+struct LUMOR_API SYUV2RGBConversionParams
 {
     EYUVSpace eSpace = YUV_SPACE_AUTO;
     EYUVRange eRange = YUV_RANGE_AUTO;

@@ -8,13 +8,15 @@
 /// of one empty pixel; cell 32 is empty and cell 127 is opaque to its very edge.
 #pragma once
 
+#include "platform/Export.h"
+
 namespace GPU_FONT
 {
 
-extern const int nW; ///< 608 pixels
-extern const int nH; ///< 384 pixels
-extern const int nCols;
-extern const int nRows;
-extern const unsigned char pGPU_FONT[466944]; ///< nW * nH * 2 bytes
+extern LUMOR_API const int nW; ///< 608 pixels
+extern LUMOR_API const int nH; ///< 384 pixels
+extern LUMOR_API const int nCols;
+extern LUMOR_API const int nRows;
+extern LUMOR_API const unsigned char pGPU_FONT[466944]; ///< nW * nH * 2 bytes
 
 } // namespace GPU_FONT

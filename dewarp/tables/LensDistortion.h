@@ -4,14 +4,16 @@
 /// their length unit does not matter.
 #pragma once
 
+#include "platform/Export.h"
+
 namespace LENS_DISTORTION
 {
-extern const float fDomainForDSL215[86];
-extern const float fRangeForDSL215[86];
-extern const float fDomainForDSL418[101];
-extern const float fRangeForDSL418[101];
-extern const float fDomainForDSL419[91];
-extern const float fRangeForDSL419[91];
-extern const float fDomainForDSL239[101];
-extern const float fRangeForDSL239[101];
+extern LUMOR_API const float fDomainForDSL215[86];
+extern LUMOR_API const float fRangeForDSL215[86];
+extern LUMOR_API const float fDomainForDSL418[101];
+extern LUMOR_API const float fRangeForDSL418[101];
+extern LUMOR_API const float fDomainForDSL419[91];
+extern LUMOR_API const float fRangeForDSL419[91];
+extern LUMOR_API const float fDomainForDSL239[101];
+extern LUMOR_API const float fRangeForDSL239[101];
 } // namespace LENS_DISTORTION

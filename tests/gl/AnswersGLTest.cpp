@@ -1,6 +1,6 @@
 // What setters leave behind and getters answer; what is refused; what a dewarper without a platform does.
-#include "dewarp/shaders/VertexText.h"
 #include "tests/support/TestDewarper.h"
+#include "tests/unit/shaders/GoldenTexts.h"
 
 #include <GLES3/gl31.h>
 
@@ -153,9 +153,10 @@ TEST_F(Answers, AMaskOfTwoPointsCoversNothing)
 TEST_F(Answers, TheBaseWritesTheUnturnedVertexText)
 {
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
-    SVertexTextInput sPlain;
-    EXPECT_EQ(oDewarper.CCustomGPUDewarper::GetVertexShaderCode(), VertexText(sPlain));
-    EXPECT_NE(oDewarper.GetVertexShaderCode(), VertexText(sPlain)) << "rows are drawn top row first";
+    const SGoldenCase sPlain = GoldenCases("vertex").front();
+    ASSERT_EQ(sPlain.strKey, "vertex 0 0 0 0");
+    EXPECT_EQ(oDewarper.CCustomGPUDewarper::GetVertexShaderCode(), sPlain.strText);
+    EXPECT_NE(oDewarper.GetVertexShaderCode(), sPlain.strText) << "rows are drawn top row first";
 }
 
 TEST(DewarperWithoutAPlatform, HasNoTargetAndDrawsNothing)

@@ -55,21 +55,26 @@ const std::vector<SRoomRule>& HouseRules()
     static const int DRAWING = TELLING | HEADER_CLOCK | HEADER_GL;
     static const int HOSTING = DRAWING | HEADER_EGL;
     static const std::vector<std::string> HOSTS = {"dewarp/android/", "dewarp/offscreen/", "dewarp/hosted/"};
+    static const std::string EXPORT = "platform/Export.h";
     static const std::vector<std::string> EVERYTHING = {"dewarp/", "platform/"};
     static const std::vector<std::string> DECIDING = {"dewarp/records/", "dewarp/lenses/", "dewarp/geometry/",
                                                       "dewarp/views/"};
     static const std::vector<SRoomRule> RULES = {
         // Each may include rooms above it.
-        {"dewarp/records/", {"dewarp/records/"}, PLAIN, {}},
-        {"dewarp/tables/", {"dewarp/tables/"}, PLAIN, {}},
-        {"dewarp/lenses/", {"dewarp/lenses/", "dewarp/records/", "dewarp/tables/"}, PLAIN, {}},
+        {"dewarp/records/", {"dewarp/records/", EXPORT}, PLAIN, {}},
+        {"dewarp/tables/", {"dewarp/tables/", EXPORT}, PLAIN, {}},
+        {"dewarp/lenses/", {"dewarp/lenses/", "dewarp/records/", "dewarp/tables/", EXPORT}, PLAIN, {}},
         {"dewarp/geometry/",
-         {"dewarp/geometry/", "dewarp/records/", "dewarp/lenses/", "dewarp/tables/", "platform/Assert.h"},
+         {"dewarp/geometry/", "dewarp/records/", "dewarp/lenses/", "dewarp/tables/", "platform/Assert.h",
+          EXPORT},
          PLAIN,
          {}},
         {"dewarp/views/", DECIDING, PLAIN, {}},
         {"dewarp/control/", With(DECIDING, {"dewarp/control/", "platform/Report.h"}), TELLING, {}},
-        {"dewarp/overlays/", {"dewarp/overlays/", "dewarp/records/", "platform/Report.h"}, TELLING, {}},
+        {"dewarp/overlays/",
+         {"dewarp/overlays/", "dewarp/records/", "platform/Report.h", EXPORT},
+         TELLING,
+         {}},
         {"dewarp/shaders/",
          {"dewarp/shaders/", "dewarp/records/Enumerations.h", "dewarp/records/ColourMatrix"},
          PLAIN,
@@ -145,19 +150,16 @@ std::vector<std::string> BrokenIncludeRules(const MSources& oSources, const std:
     return vBroken;
 }
 
-std::vector<std::string> BrokenUserRules(const MSources& oSources)
+std::vector<std::string> BrokenUserRules(const MSources& oSources, const std::set<std::string>& oInstalled)
 {
-    // Headers are installed, sources and folders above are not; these rooms are nobody's business.
-    static const std::vector<std::string> PRIVATE = {
-        "dewarp/pipeline/", "dewarp/shaders/", "dewarp/gl/", "platform/android/",
-        "platform/linux/",  "tests/",          "bench/"};
+    static const std::vector<std::string> OURS = {"dewarp/", "platform/", "tests/", "bench/"};
     std::vector<std::string> vBroken;
     for (const auto& [strPath, strSource] : oSources) {
         for (const std::string& strInclude : IncludesOf(strSource)) {
             const std::string strName = Bare(strInclude);
             const bool bOutside = strName.find("..") != std::string::npos ||
                                   strName.find(".c") != std::string::npos ||
-                                  StartsWithOneOf(strName, PRIVATE);
+                                  (StartsWithOneOf(strName, OURS) && !oInstalled.contains(strName));
             const bool bDrawing = (KindOf(strInclude) & (HEADER_GL | HEADER_EGL)) != 0;
             if (bOutside || bDrawing)
                 vBroken.push_back(Concatenate({strPath, " may not include ", strInclude}));

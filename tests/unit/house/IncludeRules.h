@@ -4,6 +4,7 @@
 
 #include "SourceTree.h"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,6 @@ ESystemHeader KindOf(const std::string& strInclude);
 /// One line for every include that breaks a rule, and for every file without a rule.
 std::vector<std::string> BrokenIncludeRules(const MSources& oSources, const std::vector<SRoomRule>& vRules);
 
-/// One line for every include and call that a user of the library may not have: our sources, the library's
-/// own business, GL and EGL.
-std::vector<std::string> BrokenUserRules(const MSources& oSources);
+/// One line for every include and call that a user of the library may not have: our sources, headers of ours
+/// that are not installed, GL and EGL.
+std::vector<std::string> BrokenUserRules(const MSources& oSources, const std::set<std::string>& oInstalled);
