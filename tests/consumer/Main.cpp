@@ -1,9 +1,39 @@
-// Draws one frame with the installed library: a gray picture must come out gray in the middle.
-#include "dewarp/offscreen/CustomGPUDewarperOffscreen.h"
+// Draws one frame with the installed library, as a host with a class of its own does: a gray picture must
+// come out gray in the middle.
+#include "dewarp/LumorDewarp.h"
 #include "platform/LogSink.h"
 
 #include <cstdio>
 #include <vector>
+
+namespace
+{
+
+/// A host's own class. What the library keeps behind its pointers is not declared here.
+class CCountingDewarper : public CCustomGPUDewarperOffscreen
+{
+public:
+    void IncrementDrawCount() override
+    {
+        CCustomGPUDewarperOffscreen::IncrementDrawCount();
+        nFrames++;
+    }
+
+    int nFrames = 0;
+};
+
+/// Directly below the class without a context: nothing of it is drawn.
+class CBareDewarper : public CCustomGPUDewarper
+{
+public:
+    bool GetTargetWidthHeight(int& nWidth, int& nHeight) override
+    {
+        nWidth = nHeight = 64;
+        return true;
+    }
+};
+
+} // namespace
 
 int main()
 {
@@ -16,7 +46,11 @@ int main()
     sImage.nStride = nSide;
     sImage.nFormat = IMAGE_FORMAT_GRAY8;
 
-    CCustomGPUDewarperOffscreen oDewarper;
+    CBareDewarper oBare;
+    oBare.AbsolutePTZ(10.0f, 20.0f, 90.0f);
+    if (oBare.FindViewType("quad") != VIEW_VCAM_QUAD || AutoDetectLensType(3, 5) != LENS_UNKNOWN)
+        return 4;
+    CCountingDewarper oDewarper;
     if (!oDewarper.InitGL(64, 32) || !oDewarper.StartGL())
         return 77; // no OpenGL ES here
     oDewarper.SetViewType(VIEW_VCAM);
@@ -29,7 +63,7 @@ int main()
     int nHeight = 0;
     int nStride = 0;
     const unsigned char* pImage = oDewarper.GetImage(&nSize, &nWidth, &nHeight, &nStride);
-    if (pImage == nullptr || nWidth != 64 || nHeight != 32)
+    if (pImage == nullptr || nWidth != 64 || nHeight != 32 || oDewarper.nFrames != 1)
         return 2;
     const unsigned char* pMiddle = pImage + nSize + nHeight / 2 * nStride + nWidth / 2 * 4;
     std::printf("%dx%d, middle %d %d %d\n", nWidth, nHeight, pMiddle[0], pMiddle[1], pMiddle[2]);

@@ -20,7 +20,15 @@ c++ -std=c++20 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror $(pkg-conf
     "$sHere/Main.cpp" -o "$sWork/plain" $(pkg-config --libs lumor_dewarp)
 LD_LIBRARY_PATH=$(pkg-config --variable=libdir lumor_dewarp) "$sWork/plain"
 
-# No installed header includes one that was left behind.
+# The static library of the same build, with nothing but what the package names.
+c++ -std=c++20 $(pkg-config --cflags lumor_dewarp) "$sHere/Main.cpp" -o "$sWork/static" \
+    "$sBuild/tests/liblumor_dewarp_static.a" $(pkg-config --libs egl glesv2)
+"$sWork/static"
+
+# The library's own business was left behind, and no installed header includes it.
+for sHeader in dewarp/Rooms.h dewarp/control/Control.h dewarp/gl/Programs.h platform/Report.h android/log.h; do
+    [ ! -e "$sWork/tree/include/lumor_dewarp/$sHeader" ]
+done
 (cd "$sWork/tree/include/lumor_dewarp" && find . -name '*.h' -printf '#include "%P"\n') |
     c++ -std=c++20 -Wall -Wextra -Wpedantic -Werror -fsyntax-only $(pkg-config --cflags lumor_dewarp) -x c++ -
 if [ -x "$sWork/tree/bin/lumor-dewarp" ]; then
