@@ -1,7 +1,6 @@
 #include "BufferSession.h"
 
 #include "BufferFrames.h"
-#include "Notes.h"
 #include "ToolError.h"
 
 #include "dewarp/records/YUVColour.h"
@@ -44,8 +43,8 @@ void ConvertPixels(std::optional<SFrame>& oImage, EYUVSpace eSpace, EYUVRange eR
 
 } // namespace
 
-CBufferSession::CBufferSession(const SToolOptions& sOptions, const CLogCollector& oLog, SSize sSize)
-    : CDewarpSession(sOptions, oLog),
+CBufferSession::CBufferSession(const SToolOptions& sOptions, SSize sSize)
+    : CDewarpSession(sOptions),
       m_oOutput(static_cast<uint32_t>(sSize.nWidth), static_cast<uint32_t>(sSize.nHeight),
                 HAL_PIXEL_FORMAT_YCBCR_420_888, 1, USAGE, "lumor-dewarp")
 {
@@ -53,23 +52,11 @@ CBufferSession::CBufferSession(const SToolOptions& sOptions, const CLogCollector
     m_oDewarper.InitGL(sSize.nWidth, sSize.nHeight);
     if (m_oOutput.initCheck() != 0 || !m_oDewarper.StartGL())
         ThrowUnstarted();
-    ApplyDefaultPTZ();
 }
 
 CBufferSession::~CBufferSession()
 {
     m_oDewarper.StopGL();
-}
-
-/// This class starts at rest, not where the views do.
-void CBufferSession::ApplyDefaultPTZ()
-{
-    if (!IsCameraView(m_sOptions.eView))
-        return;
-    const float fTilt = m_sOptions.eMount == MOUNT_WALL    ? 90.0f
-                        : m_sOptions.eMount == MOUNT_FLOOR ? 180.0f
-                                                           : 0.0f;
-    m_oDewarper.AbsolutePTZ(90.0f, fTilt, 180.0f);
 }
 
 void CBufferSession::PrepareOverlays(const SFrame& sFrame, SOverlays& sOverlays)
@@ -89,15 +76,20 @@ void CBufferSession::PrepareOverlays(const SFrame& sFrame, SOverlays& sOverlays)
         rText.nColor = ConvertColourToYUV(rText.nColor, m_eSpace, m_eRange);
 }
 
-void CBufferSession::Draw(SFrame& sFrame)
+void CBufferSession::GiveFrame(SFrame& sFrame)
 {
     if (m_pInput == nullptr)
         m_pInput = std::make_unique<GraphicBuffer>(static_cast<uint32_t>(sFrame.nWidth),
                                                    static_cast<uint32_t>(sFrame.nHeight),
                                                    HAL_PIXEL_FORMAT_YCBCR_420_888, 1, USAGE, "lumor-dewarp");
     FillBuffer(*m_pInput, sFrame, m_eSpace, m_eRange);
-    if (!m_oDewarper.CreateImageF(m_pInput.get(), &m_oOutput) || !m_oDewarper.DrawGLScene(true))
+    if (!m_oDewarper.CreateImageF(m_pInput.get(), &m_oOutput))
         ThrowUndrawn();
+}
+
+void CBufferSession::DrawGiven()
+{
+    CDewarpSession::DrawGiven();
     m_oDewarper.DestroyImage();
 }
 

@@ -15,21 +15,20 @@
 class CBufferSession : public CDewarpSession
 {
 public:
-    CBufferSession(const SToolOptions& sOptions, const CLogCollector& oLog, SSize sSize);
+    CBufferSession(const SToolOptions& sOptions, SSize sSize);
     ~CBufferSession() override;
     CBufferSession(const CBufferSession&) = delete;
     CBufferSession& operator=(const CBufferSession&) = delete;
 
-    void Draw(SFrame& sFrame) override;
     SPicture ReadBack() override;
 
 protected:
     CCustomGPUDewarper& GetDewarper() override { return m_oDewarper; }
+    void GiveFrame(SFrame& sFrame) override;
+    void DrawGiven() override;
     void PrepareOverlays(const SFrame& sFrame, SOverlays& sOverlays) override;
 
 private:
-    void ApplyDefaultPTZ();
-
     CCustomGPUDewarperVela m_oDewarper;
     std::unique_ptr<android::GraphicBuffer> m_pInput; ///< made for the first frame
     android::GraphicBuffer m_oOutput;

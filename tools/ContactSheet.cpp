@@ -3,9 +3,9 @@
 #include "FileIO.h"
 #include "ImageReader.h"
 #include "ImageWriter.h"
-#include "LogCollector.h"
 #include "Session.h"
 #include "ToolError.h"
+#include "ToolLog.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -79,9 +79,8 @@ void DrawSheet(const std::vector<STile>& vTiles, const std::string& strOutput)
         sOverlays.vTexts.push_back(MakeCaption(sTile.strCaption, nX, nBelow));
     }
 
-    const CLogCollector oLog(false);
-    const std::unique_ptr<CDewarpSession> pSession =
-        StartSession(sOptions, oLog, {sSheet.nWidth, sSheet.nHeight});
+    const CToolLog oLog(false);
+    const std::unique_ptr<CDewarpSession> pSession = StartSession(sOptions, {sSheet.nWidth, sSheet.nHeight});
     pSession->DrawFirst(sSheet, sOverlays);
     const std::vector<unsigned char> vBytes = EncodePicture(pSession->ReadBack(), GetOutputKind(strOutput));
     WriteFile(strOutput, vBytes.data(), vBytes.size());

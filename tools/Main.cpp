@@ -4,13 +4,13 @@
 #include "HelpText.h"
 #include "ImageReader.h"
 #include "ImageWriter.h"
-#include "LogCollector.h"
 #include "Notes.h"
 #include "Options.h"
 #include "RawFrame.h"
 #include "Session.h"
 #include "Stats.h"
 #include "ToolError.h"
+#include "ToolLog.h"
 
 #include <cstdio>
 #include <exception>
@@ -56,7 +56,7 @@ void Dewarp(const SToolOptions& sOptions)
     CheckOutputPath(sOptions.strInput, sOptions.strOutput);
     av_log_set_level(sOptions.bVerbose ? AV_LOG_INFO : AV_LOG_QUIET);
 
-    const CLogCollector oLog(sOptions.bVerbose);
+    const CToolLog oLog(sOptions.bVerbose);
     CStats oStats;
     SFrame sFrame =
         sOptions.oRaw ? ReadRawFrame(sOptions.strInput, *sOptions.oRaw) : ReadImage(sOptions.strInput);
@@ -65,8 +65,7 @@ void Dewarp(const SToolOptions& sOptions)
     PrintNotes(ListIgnoredOptions(sOptions, sFrame.nFormat));
     PrintNotes(ListUndrawableTexts(sOverlays.vTexts));
 
-    const std::unique_ptr<CDewarpSession> pSession =
-        StartSession(sOptions, oLog, {sFrame.nWidth, sFrame.nHeight});
+    const std::unique_ptr<CDewarpSession> pSession = StartSession(sOptions, {sFrame.nWidth, sFrame.nHeight});
     CDewarpSession& oSession = *pSession;
     oStats.EndStage("set up: context");
     oSession.DrawFirst(sFrame, sOverlays);

@@ -2,8 +2,11 @@
 
 #include "ToolError.h"
 
+#include "dewarp/CustomGPUDewarper.h"
+
 #include <cstddef>
 #include <span>
+#include <vector>
 
 namespace
 {
@@ -12,18 +15,6 @@ struct SName
 {
     const char* pName;
     int nValue;
-};
-
-const SName VIEW_NAMES[] = {
-    {"fisheye", VIEW_FISHEYE},
-    {"circular", VIEW_FISHEYE_CIRCULAR},
-    {"vcam", VIEW_VCAM},
-    {"quad", VIEW_VCAM_QUAD},
-    {"panorama", VIEW_PANORAMA_FULL},
-    {"panorama-half", VIEW_PANORAMA_HALF},
-    {"panorama-quarter", VIEW_PANORAMA_QUARTER},
-    {"dual", VIEW_PANORAMA_DUAL},
-    {"triple", VIEW_PANORAMA_TRIPLE},
 };
 
 const SName MOUNT_NAMES[] = {{"ceiling", MOUNT_CEILING}, {"floor", MOUNT_FLOOR}, {"wall", MOUNT_WALL}};
@@ -52,16 +43,26 @@ const SName RAW_FORMAT_NAMES[] = {
     {"bgra", IMAGE_FORMAT_BGRA32}, {"gray", IMAGE_FORMAT_GRAY8},
 };
 
-int ReadName(const char* pOption, const std::string& strText, std::span<const SName> vNames)
+[[noreturn]] void ThrowUnknown(const char* pOption, const std::string& strText,
+                               const std::vector<std::string>& vNames)
 {
     std::string strNames;
     for (std::size_t i = 0; i < vNames.size(); i++) {
-        if (strText == vNames[i].pName)
-            return vNames[i].nValue;
         strNames += i == 0 ? "" : i + 1 == vNames.size() ? " or " : ", ";
-        strNames += vNames[i].pName;
+        strNames += vNames[i];
     }
     ThrowUsage(std::string(pOption) + ": '" + strText + "' is not known; give " + strNames);
+}
+
+int ReadName(const char* pOption, const std::string& strText, std::span<const SName> vValues)
+{
+    std::vector<std::string> vNames;
+    for (const SName& sName : vValues) {
+        if (strText == sName.pName)
+            return sName.nValue;
+        vNames.emplace_back(sName.pName);
+    }
+    ThrowUnknown(pOption, strText, vNames);
 }
 
 } // namespace
@@ -71,7 +72,10 @@ EViewType ReadView(const std::string& strText)
     // Views are also known by their numbers, 1 to 9.
     if (strText.size() == 1 && strText[0] >= '1' && strText[0] <= '9')
         return static_cast<EViewType>(strText[0] - '0');
-    return static_cast<EViewType>(ReadName("--view", strText, VIEW_NAMES));
+    const EViewType eView = CCustomGPUDewarper::FindViewType(strText);
+    if (eView == VIEW_UNSET)
+        ThrowUnknown("--view", strText, CCustomGPUDewarper::ListViewNames());
+    return eView;
 }
 
 EMountType ReadMount(const std::string& strText)
@@ -102,12 +106,4 @@ EYUVRange ReadYUVRange(const std::string& strText)
 int ReadRawFormat(const std::string& strText)
 {
     return ReadName("--raw", strText, RAW_FORMAT_NAMES);
-}
-
-const char* GetViewName(EViewType eView)
-{
-    for (const SName& sName : VIEW_NAMES)
-        if (sName.nValue == eView)
-            return sName.pName;
-    return "unknown";
 }

@@ -14,6 +14,3 @@ EInterpolationType ReadInterpolation(const std::string& strText);
 EYUVSpace ReadYUVSpace(const std::string& strText);
 EYUVRange ReadYUVRange(const std::string& strText);
 int ReadRawFormat(const std::string& strText); ///< EImageFormat
-
-/// The name under which a view is asked for.
-const char* GetViewName(EViewType eView);

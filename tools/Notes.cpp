@@ -1,6 +1,6 @@
 #include "Notes.h"
 
-#include "Names.h"
+#include "dewarp/CustomGPUDewarper.h"
 
 #include <cmath>
 #include <cstdio>
@@ -14,14 +14,36 @@ bool IsYUVFormat(int nFormat)
     return nFormat == IMAGE_FORMAT_NV12 || nFormat == IMAGE_FORMAT_NV21 || nFormat == IMAGE_FORMAT_YUV420P;
 }
 
-bool HasZoom(EViewType eView)
+/// Those of the view itself, whatever the mount's tilt makes of them.
+SPTZLimits GetLimits(const SToolOptions& sOptions)
 {
-    return IsFlatView(eView) || IsCameraView(eView);
+    return CCustomGPUDewarper().GetViewLimits(sOptions.eView, sOptions.eMount);
+}
+
+bool IsMovable(const SPTZRange& sRange)
+{
+    return sRange.fLow != sRange.fHigh;
+}
+
+bool HasZoom(const SToolOptions& sOptions)
+{
+    return IsMovable(GetLimits(sOptions).sZoom);
 }
 
 bool HasTilt(const SToolOptions& sOptions)
 {
-    return !IsStripView(sOptions.eView) || sOptions.eMount == MOUNT_WALL;
+    return IsMovable(GetLimits(sOptions).sTilt);
+}
+
+bool IsCameraView(EViewType eView)
+{
+    return eView == VIEW_VCAM || eView == VIEW_VCAM_QUAD;
+}
+
+/// Panorama, half, quarter.
+bool IsStripView(EViewType eView)
+{
+    return eView == VIEW_PANORAMA_FULL || eView == VIEW_PANORAMA_HALF || eView == VIEW_PANORAMA_QUARTER;
 }
 
 std::string FormatDegrees(float fDegrees)
@@ -44,19 +66,9 @@ bool IsFlatView(EViewType eView)
     return eView == VIEW_FISHEYE || eView == VIEW_FISHEYE_CIRCULAR;
 }
 
-bool IsCameraView(EViewType eView)
-{
-    return eView == VIEW_VCAM || eView == VIEW_VCAM_QUAD;
-}
-
-bool IsStripView(EViewType eView)
-{
-    return eView == VIEW_PANORAMA_FULL || eView == VIEW_PANORAMA_HALF || eView == VIEW_PANORAMA_QUARTER;
-}
-
 std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nInputFormat)
 {
-    const std::string strView = GetViewName(sOptions.eView);
+    const std::string strView = CCustomGPUDewarper::GetViewName(sOptions.eView);
     const bool bWallStrip = IsStripView(sOptions.eView) && sOptions.eMount == MOUNT_WALL;
     std::vector<std::string> vNotes;
     auto Note = [&](bool bGiven, const char* pOption, const std::string& strWhy) {
@@ -64,7 +76,7 @@ std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nI
             vNotes.push_back(std::string(pOption) + " has no effect: " + strWhy);
     };
     Note(sOptions.oTilt && !HasTilt(sOptions), "--tilt", "view " + strView + " tilts on a wall mount only");
-    Note(sOptions.oZoom && !HasZoom(sOptions.eView), "--zoom", "view " + strView + " does not zoom");
+    Note(sOptions.oZoom && !HasZoom(sOptions), "--zoom", "view " + strView + " does not zoom");
     Note(sOptions.oMountTilt && !bWallStrip, "--mount-tilt",
          "it counts in the panoramas of a wall mount only");
     Note(!sOptions.bStrictTilt && !(bWallStrip && sOptions.oMountTilt.value_or(0.0f) != 0.0f),
@@ -114,7 +126,7 @@ std::vector<std::string> ListLimitedPTZ(const SToolOptions& sOptions, float fPan
         AddLimited("--pan", *sOptions.oPan, fPan, vNotes);
     if (sOptions.oTilt && HasTilt(sOptions) && std::fabs(*sOptions.oTilt - fTilt) > 0.01f)
         AddLimited("--tilt", *sOptions.oTilt, fTilt, vNotes);
-    if (sOptions.oZoom && HasZoom(sOptions.eView) && std::fabs(*sOptions.oZoom - fZoom) > 0.01f)
+    if (sOptions.oZoom && HasZoom(sOptions) && std::fabs(*sOptions.oZoom - fZoom) > 0.01f)
         AddLimited("--zoom", *sOptions.oZoom, fZoom, vNotes);
     return vNotes;
 }

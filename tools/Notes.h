@@ -17,7 +17,5 @@ std::vector<std::string> ListUndrawableTexts(const std::vector<SGPUString>& vTex
 /// Pan, tilt and zoom that were asked for and lie beyond the view's limits, given the values in force.
 std::vector<std::string> ListLimitedPTZ(const SToolOptions& sOptions, float fPan, float fTilt, float fZoom);
 
-// What moves which view.
+/// Views that are drawn flat turn with --rotation.
 bool IsFlatView(EViewType eView);
-bool IsCameraView(EViewType eView);
-bool IsStripView(EViewType eView); ///< panorama, half, quarter

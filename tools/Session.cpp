@@ -10,35 +10,27 @@
 
 SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput)
 {
-    if (IsFlatView(eView))
-        return sInput;
-    if (IsStripView(eView) && eMount == MOUNT_WALL)
-        return {1600, 640};
-    switch (eView) {
-    case VIEW_PANORAMA_FULL:
-        return {2500, 350};
-    case VIEW_PANORAMA_HALF:
-        return {2000, 560};
-    case VIEW_PANORAMA_QUARTER:
-        return {1500, 840};
-    case VIEW_PANORAMA_DUAL:
-        return {1600, 1000};
-    case VIEW_PANORAMA_TRIPLE:
-        return {1920, 800};
-    default:
-        return {1280, 720};
-    }
+    SSize sSize;
+    CCustomGPUDewarper::GetDefaultSize(eView, eMount, sInput.nWidth, sInput.nHeight, sSize.nWidth,
+                                       sSize.nHeight);
+    return sSize;
 }
 
-void CDewarpSession::ThrowUnstarted() const
+std::string CDewarpSession::GetReason()
 {
-    ThrowFailure("OpenGL ES 3.1 cannot be started" + m_oLog.GetReason() +
+    const std::string strError = GetDewarper().GetLastErrorText();
+    return strError.empty() ? "" : " (" + strError + ")";
+}
+
+void CDewarpSession::ThrowUnstarted()
+{
+    ThrowFailure("OpenGL ES 3.1 cannot be started" + GetReason() +
                  "; install a driver (on Debian: libegl1 and libgl1-mesa-dri) or try a smaller --size");
 }
 
-void CDewarpSession::ThrowUndrawn() const
+void CDewarpSession::ThrowUndrawn()
 {
-    ThrowFailure("the frame could not be drawn" + m_oLog.GetReason() + "; --verbose shows the whole log");
+    ThrowFailure("the frame could not be drawn" + GetReason() + "; --verbose shows the whole log");
 }
 
 void CDewarpSession::ApplyView()
@@ -63,16 +55,15 @@ void CDewarpSession::ApplyView()
         rDewarper.SetEyeDistance(*m_sOptions.oEyeDistance);
 }
 
+/// Where the view starts, unless the options say otherwise.
 void CDewarpSession::ApplyPTZ()
 {
-    CCustomGPUDewarper& rDewarper = GetDewarper();
-    // The frame drawn before put the view's own defaults in force; they stay where nothing was asked for.
     float fPan = 0.0f;
     float fTilt = 0.0f;
     float fZoom = 0.0f;
-    rDewarper.GetPTZ(fPan, fTilt, fZoom);
-    rDewarper.AbsolutePTZ(m_sOptions.oPan.value_or(fPan), m_sOptions.oTilt.value_or(fTilt),
-                          m_sOptions.oZoom.value_or(fZoom));
+    CCustomGPUDewarper::GetDefaultPTZ(m_sOptions.eView, m_sOptions.eMount, fPan, fTilt, fZoom);
+    GetDewarper().AbsolutePTZ(m_sOptions.oPan.value_or(fPan), m_sOptions.oTilt.value_or(fTilt),
+                              m_sOptions.oZoom.value_or(fZoom));
 }
 
 void CDewarpSession::DrawFirst(SFrame& sFrame, SOverlays& sOverlays)
@@ -80,11 +71,23 @@ void CDewarpSession::DrawFirst(SFrame& sFrame, SOverlays& sOverlays)
     ApplyView();
     PrepareOverlays(sFrame, sOverlays);
     ApplyOverlays(GetDewarper(), sOverlays);
-    Draw(sFrame);
-    if (m_sOptions.oPan || m_sOptions.oTilt || m_sOptions.oZoom) {
-        ApplyPTZ();
-        Draw(sFrame);
-    }
+    GiveFrame(sFrame);
+    // Only now: a frame of a new size puts the view back to where it starts. Given before the first drawing
+    // the position needs no second one, for the library tells every view's start without having drawn it.
+    ApplyPTZ();
+    DrawGiven();
+}
+
+void CDewarpSession::Draw(SFrame& sFrame)
+{
+    GiveFrame(sFrame);
+    DrawGiven();
+}
+
+void CDewarpSession::DrawGiven()
+{
+    if (!GetDewarper().DrawGLScene(true))
+        ThrowUndrawn();
 }
 
 namespace
@@ -94,8 +97,7 @@ namespace
 class CPlaneSession : public CDewarpSession
 {
 public:
-    CPlaneSession(const SToolOptions& sOptions, const CLogCollector& oLog, SSize sSize)
-        : CDewarpSession(sOptions, oLog)
+    CPlaneSession(const SToolOptions& sOptions, SSize sSize) : CDewarpSession(sOptions)
     {
         if (!m_oDewarper.InitGL(sSize.nWidth, sSize.nHeight) || !m_oDewarper.StartGL())
             ThrowUnstarted();
@@ -104,23 +106,21 @@ public:
     CPlaneSession(const CPlaneSession&) = delete;
     CPlaneSession& operator=(const CPlaneSession&) = delete;
 
-    void Draw(SFrame& sFrame) override;
     SPicture ReadBack() override;
 
 protected:
+    void GiveFrame(SFrame& sFrame) override;
     CCustomGPUDewarper& GetDewarper() override { return m_oDewarper; }
 
 private:
     CCustomGPUDewarperOffscreen m_oDewarper;
 };
 
-void CPlaneSession::Draw(SFrame& sFrame)
+void CPlaneSession::GiveFrame(SFrame& sFrame)
 {
     SImageProperties sImage = sFrame.Describe();
     if (!m_oDewarper.SetTexture(&sImage, m_sOptions.oGains.has_value(), nullptr, 0))
-        ThrowFailure("the frame was refused" + m_oLog.GetReason() + "; check --raw or try another picture");
-    if (!m_oDewarper.DrawGLScene(true))
-        ThrowUndrawn();
+        ThrowFailure("the frame was refused" + GetReason() + "; check --raw or try another picture");
 }
 
 SPicture CPlaneSession::ReadBack()
@@ -130,8 +130,7 @@ SPicture CPlaneSession::ReadBack()
     const unsigned char* pBuffer =
         m_oDewarper.GetImage(&nSize, &sPicture.nWidth, &sPicture.nHeight, &sPicture.nStride);
     if (pBuffer == nullptr)
-        ThrowFailure("the picture could not be read back" + m_oLog.GetReason() +
-                     "; --verbose shows the whole log");
+        ThrowFailure("the picture could not be read back" + GetReason() + "; --verbose shows the whole log");
     // The buffer's first half, an even number of rows, is ours; the pixels follow it.
     const auto nEvenRows =
         static_cast<std::size_t>(sPicture.nHeight) + static_cast<std::size_t>(sPicture.nHeight % 2);
@@ -150,11 +149,10 @@ std::vector<std::string> CDewarpSession::GetNotes()
     return ListLimitedPTZ(m_sOptions, fPan, fTilt, fZoom);
 }
 
-std::unique_ptr<CDewarpSession> StartSession(const SToolOptions& sOptions, const CLogCollector& oLog,
-                                             SSize sInput)
+std::unique_ptr<CDewarpSession> StartSession(const SToolOptions& sOptions, SSize sInput)
 {
     const SSize sSize = sOptions.oSize.value_or(GetDefaultSize(sOptions.eView, sOptions.eMount, sInput));
     if (sOptions.bBuffers)
-        return std::make_unique<CBufferSession>(sOptions, oLog, sSize);
-    return std::make_unique<CPlaneSession>(sOptions, oLog, sSize);
+        return std::make_unique<CBufferSession>(sOptions, sSize);
+    return std::make_unique<CPlaneSession>(sOptions, sSize);
 }

@@ -3,6 +3,8 @@
 #include "Names.h"
 #include "ToolError.h"
 
+#include "dewarp/CustomGPUDewarper.h"
+
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -136,7 +138,7 @@ TEST(OptionValues, ViewsHaveNamesAndNumbers)
     for (int nView = 1; nView <= 9; nView++) {
         const EViewType eView = ReadView(std::to_string(nView));
         EXPECT_EQ(eView, nView);
-        EXPECT_EQ(ReadView(GetViewName(eView)), eView);
+        EXPECT_EQ(ReadView(CCustomGPUDewarper::GetViewName(eView)), eView);
     }
     for (const char* pText : {"", "0", "10", "Vcam", "cam"})
         EXPECT_NE(GetRefusal([&] { ReadView(pText); }), "") << pText;

@@ -1,0 +1,19 @@
+/// \file
+/// Where the library's log lines go while the tool runs.
+#pragma once
+
+/// Verbose: lines go to stderr at once. Otherwise nobody sees them: what failed, the dewarper is asked for
+/// (GetLastErrorText). One at a time; the library's log goes there from construction to destruction.
+class CToolLog
+{
+public:
+    explicit CToolLog(bool bVerbose);
+    ~CToolLog();
+    CToolLog(const CToolLog&) = delete;
+    CToolLog& operator=(const CToolLog&) = delete;
+
+private:
+    static void Receive(int nPriority, const char* pTag, const char* pLine, void* pUser);
+
+    bool m_bVerbose;
+};
