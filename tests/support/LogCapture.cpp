@@ -1,6 +1,7 @@
 #include "tests/support/LogCapture.h"
 
 #include "platform/LogSink.h"
+#include "tests/support/HeapCounter.h"
 
 CLogCapture::CLogCapture()
 {
@@ -14,6 +15,8 @@ CLogCapture::~CLogCapture()
 
 void CLogCapture::OnLine(int nPriority, const char* pTag, const char* pLine, void* pUser)
 {
+    // What is noted here is none of the library's memory.
+    CDriverScope oScope;
     static_cast<CLogCapture*>(pUser)->m_vLines.push_back(SLogLine{nPriority, pTag, pLine});
 }
 
