@@ -89,19 +89,20 @@ bool InitializeDisplay(EGLDisplay pDisplay, EGLint* pMajor, EGLint* pMinor)
 {
     SRegistry& rRegistry = Registry();
     const std::lock_guard<std::recursive_mutex> oLock(rRegistry.oMutex);
-    const auto pFound = rRegistry.mUses.find(pDisplay);
-    bool bForeign = false;
-    if (pFound == rRegistry.mUses.end()) {
+    // Room for its record comes first: nobody would end a display that is not on record.
+    SDisplayUse& rUse = rRegistry.mUses[pDisplay];
+    if (rUse.nUsers == 0) {
         // An initialised display answers; the error of one that is not is ours to fetch.
-        bForeign = eglQueryString(pDisplay, EGL_VERSION) != nullptr;
-        if (!bForeign)
+        rUse.bForeign = eglQueryString(pDisplay, EGL_VERSION) != nullptr;
+        if (!rUse.bForeign)
             eglGetError();
     }
-    if (!eglInitialize(pDisplay, pMajor, pMinor))
+    if (!eglInitialize(pDisplay, pMajor, pMinor)) {
+        if (rUse.nUsers == 0)
+            rRegistry.mUses.erase(pDisplay);
         return false;
-    SDisplayUse& rUse = rRegistry.mUses[pDisplay];
-    if (rUse.nUsers++ == 0)
-        rUse.bForeign = bForeign;
+    }
+    ++rUse.nUsers;
     return true;
 }
 

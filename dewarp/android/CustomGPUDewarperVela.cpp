@@ -130,15 +130,15 @@ bool CCustomGPUDewarperVela::Start()
 
 bool CCustomGPUDewarperVela::OpenDisplay()
 {
-    mDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
-    if (mDisplay == EGL_NO_DISPLAY)
+    // It is ours once it is counted: another dewarper may have it as well.
+    EGLDisplay pDisplay = eglGetDisplay(EGL_DEFAULT_DISPLAY);
+    if (pDisplay == EGL_NO_DISPLAY)
         return Fail(pRooms->oReport, "%s: Error getting the display");
     EGLint nMajor = 0;
     EGLint nMinor = 0;
-    if (!InitializeDisplay(mDisplay, &nMajor, &nMinor)) {
-        mDisplay = EGL_NO_DISPLAY;
+    if (!InitializeDisplay(pDisplay, &nMajor, &nMinor))
         return Fail(pRooms->oReport, "%s: Error in opengl es init");
-    }
+    mDisplay = pDisplay;
     __android_log_print(ANDROID_LOG_INFO, DEWARP_LOG_TAG, "%s: egl major version is: %d and minro is: %d",
                         "StartGL", nMajor, nMinor);
     if (!eglBindAPI(EGL_OPENGL_ES_API))
