@@ -94,7 +94,10 @@ bool CCustomGPUDewarperVela::StartGL()
         StopGL();
     ReleaseFailedStart();
     sHostContext = GetCurrentContext();
-    return GuardMemory("StartGL", pRooms->oReport, false, [&] { return Start(); });
+    const bool bDone = GuardMemory("StartGL", pRooms->oReport, false, [&] { return Start(); });
+    if (!bDone)
+        RestoreCurrentContext(sHostContext);
+    return bDone;
 }
 
 bool CCustomGPUDewarperVela::Start()

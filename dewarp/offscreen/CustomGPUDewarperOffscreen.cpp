@@ -104,8 +104,10 @@ bool CCustomGPUDewarperOffscreen::StartGL()
         StopGL();
     pState->sHostContext = GetCurrentContext();
     const bool bDone = GuardMemory("StartGL", pRooms->oReport, false, [&] { return Start(); });
-    if (!bDone)
+    if (!bDone) {
         pState->FreeEGL();
+        RestoreCurrentContext(pState->sHostContext);
+    }
     return bDone;
 }
 
