@@ -91,6 +91,7 @@ private:
     bool MakeUsableContextCurrent();
 
     bool MakeOwnContextCurrent() const;
+    void TakeHostErrors(const char* pFunction);
     EGLImageKHR CreateBufferImage(android::GraphicBuffer* pBuffer, const char* pFunction);
     void DestroyBufferImage(EGLImageKHR& rImage);
     bool AreFitting(const android::GraphicBuffer* pInput, const android::GraphicBuffer* pOutput);

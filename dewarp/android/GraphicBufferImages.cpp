@@ -86,12 +86,20 @@ void CCustomGPUDewarperVela::DestroyBufferImage(EGLImageKHR& rImage)
     rImage = EGL_NO_IMAGE_KHR;
 }
 
+/// Errors that wait in our context are not of the buffers that are bound next.
+void CCustomGPUDewarperVela::TakeHostErrors(const char* pFunction)
+{
+    if (bGLStarted && SetCurrentRenderingContext(&pRenderingContext))
+        pRooms->oWatch.TakeHostErrors(pFunction);
+}
+
 bool CCustomGPUDewarperVela::CreateImage(android::GraphicBuffer* pInput)
 {
     // One of a frame that was never let go of.
     DestroyBufferImage(mInputImage);
     if (pInput != nullptr && pInput->getNativeBuffer() != nullptr)
         LogNativeBuffer(*pInput->getNativeBuffer());
+    TakeHostErrors("CreateImage");
     mInputImage = CreateBufferImage(pInput, "CreateImage");
     if (mInputImage == EGL_NO_IMAGE_KHR) {
         FailImage("CreateImage");
@@ -109,8 +117,7 @@ bool CCustomGPUDewarperVela::CreateImageF(android::GraphicBuffer* pInput, androi
     DestroyImage();
     if (!AreFitting(pInput, pOutput))
         return FailImage("CreateImageF");
-    if (bGLStarted && SetCurrentRenderingContext(&pRenderingContext))
-        pRooms->oWatch.TakeHostErrors("CreateImageF");
+    TakeHostErrors("CreateImageF");
     mInputImage = CreateBufferImage(pInput, "CreateImageF");
     mOutputImage = CreateBufferImage(pOutput, "CreateImageF");
     bool bTarget = mOutputImage != EGL_NO_IMAGE_KHR &&
