@@ -63,6 +63,45 @@ TEST_F(Fence, AFenceThatCannotBeMadeIsSilent)
     }
 }
 
+// Whatever becomes of the fence, the buffer is complete when DrawGLScene returns.
+TEST_F(Fence, TheBufferIsCompleteWithoutAFence)
+{
+    ASSERT_TRUE(m_oDewarper.DrawFrame(m_oInput, m_oOutput));
+    const std::vector<unsigned char> vGolden = m_oOutput.Texels().vPixels;
+    CTestFrame oBlack(STestImage(64, 40), IMAGE_FORMAT_NV12);
+    for (const char* pCall : {"eglCreateSyncKHR", "eglClientWaitSyncKHR", "eglDestroySyncKHR"}) {
+        SCOPED_TRACE(pCall);
+        m_oOutput.Fill(oBlack);
+        ASSERT_NE(m_oOutput.Texels().vPixels, vGolden);
+        m_oRecorder.Inject(pCall, 0.0);
+        EXPECT_TRUE(m_oDewarper.DrawFrame(m_oInput, m_oOutput));
+        m_oRecorder.ClearInjections();
+        EXPECT_EQ(m_oOutput.Texels().vPixels, vGolden);
+    }
+    for (const char* pName : {"eglCreateSyncKHR", "eglClientWaitSyncKHR", "eglDestroySyncKHR"}) {
+        SCOPED_TRACE(std::string("no ") + pName);
+        m_oDewarper.StopGL();
+        m_oRecorder.Inject(std::string("eglGetProcAddress:") + pName, 0.0);
+        ASSERT_TRUE(m_oDewarper.StartGL());
+        m_oRecorder.ClearInjections();
+        m_oOutput.Fill(oBlack);
+        EXPECT_TRUE(m_oDewarper.DrawFrame(m_oInput, m_oOutput));
+        EXPECT_EQ(m_oOutput.Texels().vPixels, vGolden);
+    }
+}
+
+TEST_F(Fence, TheDriverHasFinishedWhereThereIsNoFence)
+{
+    ASSERT_TRUE(m_oDewarper.CreateImageF(m_oInput.get(), m_oOutput.get()));
+    m_oRecorder.Start();
+    m_oRecorder.Inject("eglCreateSyncKHR", 0.0);
+    ASSERT_TRUE(m_oDewarper.DrawGLScene(true));
+    EXPECT_EQ(m_oRecorder.Count("glFinish"), 1);
+    EXPECT_LT(m_oRecorder.Find("glDrawArrays"), m_oRecorder.Find("glFinish"));
+    EXPECT_EQ(m_oDewarper.mSync, EGL_NO_SYNC_KHR);
+    m_oDewarper.DestroyImage();
+}
+
 TEST_F(Fence, MissingEntryPointsAreNamed)
 {
     const char* const aNames[] = {"eglCreateImageKHR",

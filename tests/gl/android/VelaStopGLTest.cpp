@@ -121,3 +121,76 @@ TEST(VelaStop, EveryNewContextGetsItsClearColour)
         ASSERT_TRUE(oDewarper.StartGL()) << "a start while started is a restart";
     }
 }
+
+TEST(VelaStop, DrawingWithoutGLIsToldOnceEachTime)
+{
+    CTestFrame oFrame(AsymmetricPicture(32, 32), IMAGE_FORMAT_NV12);
+    CTestBuffer oInput(32, 32);
+    CTestBuffer oOutput(16, 16);
+    oInput.Fill(oFrame);
+    CCustomGPUDewarperVela oDewarper;
+    oDewarper.InitGL(16, 16);
+    const auto ExpectOneLine = [&] {
+        CLogCapture oLog;
+        for (int i = 0; i < 5; ++i)
+            EXPECT_FALSE(oDewarper.DrawGLScene(true));
+        EXPECT_EQ(oLog.Text(), "DrawGLScene: GL is not started\n");
+    };
+    ExpectOneLine();
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(oDewarper.StartGL());
+        ASSERT_TRUE(oDewarper.CreateImageF(oInput.get(), oOutput.get()));
+        CLogCapture oLog;
+        EXPECT_TRUE(oDewarper.DrawGLScene(true));
+        oDewarper.StopGL();
+        EXPECT_FALSE(oLog.Contains("not started"));
+        ExpectOneLine();
+    }
+    // A start that fails is no start.
+    CGLRecorder::Get().Inject("eglCreatePbufferSurface", 0.0);
+    EXPECT_FALSE(oDewarper.StartGL());
+    ExpectOneLine();
+}
+
+TEST(VelaStop, AStartWithoutMemoryCanBeStoppedAndTriedAgain)
+{
+    if (!CanFailAllocations())
+        GTEST_SKIP() << "the sanitizer keeps operator new to itself";
+    CTestFrame oFrame(AsymmetricPicture(32, 32), IMAGE_FORMAT_NV12);
+    CTestBuffer oInput(32, 32);
+    CTestBuffer oOutput(16, 16);
+    oInput.Fill(oFrame);
+    std::vector<unsigned char> vGolden;
+    {
+        CTestVela oGolden(16, 16);
+        ASSERT_TRUE(oGolden.DrawFrame(oInput, oOutput));
+        vGolden = oOutput.Texels().vPixels;
+    }
+    const SLiving sBefore;
+    int nFaults = 0;
+    for (bool bReached = true; bReached; ++nFaults) {
+        SCOPED_TRACE("allocation " + std::to_string(nFaults));
+        ASSERT_LT(nFaults, 200);
+        CGLRecorder::Get().Start();
+        {
+            CCustomGPUDewarperVela oDewarper;
+            oDewarper.InitGL(16, 16);
+            CLogCapture oLog;
+            FailAllocation(nFaults);
+            const bool bStarted = oDewarper.StartGL();
+            bReached = AllocationHasFailed();
+            FailAllocation(-1);
+            EXPECT_EQ(bStarted, !bReached);
+            EXPECT_EQ(oLog.Contains("StartGL: out of memory"), bReached) << oLog.Text();
+            EXPECT_TRUE(oDewarper.StopGL());
+            ASSERT_TRUE(oDewarper.StartGL());
+            ASSERT_TRUE(oDewarper.CreateImageF(oInput.get(), oOutput.get()));
+            EXPECT_TRUE(oDewarper.DrawGLScene(true));
+            EXPECT_EQ(oOutput.Texels().vPixels, vGolden);
+        }
+        EXPECT_EQ(SLiving(), sBefore);
+        EXPECT_EQ(CGLRecorder::Get().Count("eglTerminate"), CGLRecorder::Get().Count("eglInitialize"));
+    }
+    EXPECT_GT(nFaults, 1) << "a start asks for memory";
+    EXPECT_NO_GL_ERROR();
+}
