@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 namespace
 {
@@ -24,9 +25,16 @@ std::size_t MotionWords(std::size_t nEntries)
     return nEntries > nLimit ? static_cast<std::size_t>(nLimit) : nEntries;
 }
 
+template <class T>
+void Replace(T*& rpArray, std::unique_ptr<T[]>& rpNew)
+{
+    delete[] rpArray;
+    rpArray = rpNew.release();
+}
+
 } // namespace
 
-SQPInfo::SQPInfo(const SQPInfo& sOther)
+SQPInfo::SQPInfo(const SQPInfo& sOther) : SQPInfo()
 {
     *this = sOther;
 }
@@ -35,34 +43,31 @@ SQPInfo& SQPInfo::operator=(const SQPInfo& sOther)
 {
     if (this == &sOther)
         return *this;
-    const std::size_t nEntries = EntryCount(sOther);
     if (sOther.pQP == nullptr) {
         FreeArrays();
     } else {
-        if (pQP == nullptr || EntryCount(*this) < nEntries) {
-            FreeArrays();
-            nHeight = 0; // no entries until all arrays are there, should one of them not be had
-            pQP = new unsigned char[nEntries];
-        }
-        std::memcpy(pQP, sOther.pQP, nEntries);
+        const std::size_t nEntries = EntryCount(sOther);
+        const bool bGrows = pQP == nullptr || EntryCount(*this) < nEntries;
         // The optional arrays follow the source: absent there, absent here; the capacity is that of pQP.
-        const std::size_t nCapacity = EntryCount(*this) > nEntries ? EntryCount(*this) : nEntries;
-        if (sOther.pMotion == nullptr) {
-            delete[] pMotion;
-            pMotion = nullptr;
-        } else {
-            if (pMotion == nullptr)
-                pMotion = new unsigned int[MotionWords(nCapacity)];
+        const std::size_t nCapacity = bGrows ? nEntries : EntryCount(*this);
+        const bool bNewMotion = sOther.pMotion != nullptr && (bGrows || pMotion == nullptr);
+        const bool bNewTypes = sOther.pMBType != nullptr && (bGrows || pMBType == nullptr);
+        // What must be made comes first: if one cannot be had, this record stays as it is.
+        std::unique_ptr<unsigned char[]> pNewQP(bGrows ? new unsigned char[nEntries] : nullptr);
+        std::unique_ptr<unsigned int[]> pNewMotion(bNewMotion ? new unsigned int[MotionWords(nCapacity)]
+                                                              : nullptr);
+        std::unique_ptr<unsigned char[]> pNewTypes(bNewTypes ? new unsigned char[nCapacity] : nullptr);
+        if (bGrows)
+            Replace(pQP, pNewQP);
+        if (bNewMotion || sOther.pMotion == nullptr)
+            Replace(pMotion, pNewMotion);
+        if (bNewTypes || sOther.pMBType == nullptr)
+            Replace(pMBType, pNewTypes);
+        std::memcpy(pQP, sOther.pQP, nEntries);
+        if (pMotion != nullptr)
             std::memcpy(pMotion, sOther.pMotion, MotionWords(nEntries) * sizeof(unsigned int));
-        }
-        if (sOther.pMBType == nullptr) {
-            delete[] pMBType;
-            pMBType = nullptr;
-        } else {
-            if (pMBType == nullptr)
-                pMBType = new unsigned char[nCapacity];
+        if (pMBType != nullptr)
             std::memcpy(pMBType, sOther.pMBType, nEntries);
-        }
     }
     nWidth = sOther.nWidth;
     nHeight = sOther.nHeight;

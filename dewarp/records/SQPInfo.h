@@ -20,7 +20,8 @@ struct LUMOR_API SQPInfo
     SQPInfo() = default;
     SQPInfo(const SQPInfo& sOther);
 
-    /// Deep copy. Arrays that are large enough are kept; a source without pQP frees them.
+    /// Deep copy. Arrays that are large enough are kept; a source without pQP frees them. Without memory it
+    /// throws and changes nothing.
     SQPInfo& operator=(const SQPInfo& sOther);
     ~SQPInfo();
 
