@@ -11,7 +11,8 @@ class CReport;
 /// Glyphs above this height draw nothing: no driver has viewports for them.
 inline constexpr int MOST_TEXT_HEIGHT = 8192;
 
-/// Thread: any, serialised by the host. Fails: Set may throw for lack of memory.
+/// Thread: any, serialised by the host. Fails: Set may throw for lack of memory, and leaves the list as it is
+/// then.
 struct SStringList
 {
     std::vector<SGPUString> vStrings;
