@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace
 {
@@ -76,14 +77,22 @@ int COverlayImages::Set(SGOverlay& rOverlay, const unsigned char* pData, int nWi
         return 1;
     }
     const bool bNew = rOverlay.pData == nullptr || rOverlay.nWidth != nWidth || rOverlay.nHeight != nHeight;
+    const std::vector<SGRect> vClipped = ClipRects(vRects, nWidth, nHeight);
     if (bNew) {
         if (nWidth < 1 || nHeight < 1 || nWidth > MAX_OVERLAY_SIZE || nHeight > MAX_OVERLAY_SIZE) {
             m_rReport.Refuse("%s: overlay size %d x %d is outside 1 to %d", "SetOverlay", nWidth, nHeight,
                              MAX_OVERLAY_SIZE);
             return 0;
         }
+        // What needs memory comes first: without it the overlay stays as it is.
+        SGOverlay sNew;
+        sNew.Initialize(nullptr, nWidth, nHeight);
+        sNew.vDirtyRects.reserve(vClipped.size());
         Clear(rOverlay);
-        rOverlay.Initialize(nullptr, nWidth, nHeight);
+        std::swap(rOverlay.pData, sNew.pData);
+        rOverlay.vDirtyRects.swap(sNew.vDirtyRects);
+        rOverlay.nWidth = nWidth;
+        rOverlay.nHeight = nHeight;
         rOverlay.bRealloc = true;
         rOverlay.nTextureUnit = nTextureUnit;
     }
@@ -95,11 +104,10 @@ int COverlayImages::Set(SGOverlay& rOverlay, const unsigned char* pData, int nWi
         // What no rectangle names is transparent in a new overlay.
         if (bNew)
             std::memset(rOverlay.pData, 0, nBytes);
-        const std::vector<SGRect> vClipped = ClipRects(vRects, nWidth, nHeight);
-        CopyRects(rOverlay, pData, vClipped);
         if (vClipped.empty() && !bNew)
             return 1;
         AddDirtyRects(rOverlay, vClipped);
+        CopyRects(rOverlay, pData, vClipped);
     }
     rOverlay.bDirty = true;
     return 1;
