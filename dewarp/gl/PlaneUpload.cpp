@@ -92,6 +92,8 @@ void CInputTextures::UploadRedBlue(const SPlaneUpload& rPlane, unsigned char* pP
             return;
         }
         m_eRedBlue = nError == GL_NO_ERROR ? RED_BLUE_BY_FORMAT : RED_BLUE_BY_SWIZZLE;
+        // The rest of this first upload is judged as that of other formats.
+        m_rWatch.BeginMaking();
         if (m_eRedBlue == RED_BLUE_BY_FORMAT)
             return;
         ExchangeRedAndBlue();
