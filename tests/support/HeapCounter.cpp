@@ -19,6 +19,7 @@ static thread_local bool g_bCounting = false;
 static thread_local int g_nAllocations = 0;
 static thread_local int g_nAllocationsUntilFailure = -1;
 static thread_local bool g_bAllocationFailed = false;
+static thread_local long g_nBlocks = 0;
 
 CDriverScope::CDriverScope()
 {
@@ -45,6 +46,11 @@ void FailAllocation(int nSkip)
 bool AllocationHasFailed()
 {
     return g_bAllocationFailed;
+}
+
+long HeapBlocks()
+{
+    return g_nBlocks;
 }
 
 int CHeapCounter::Count() const
@@ -104,12 +110,28 @@ CHeapCounter::CHeapCounter()
     g_bCounting = true;
 }
 
-void* operator new(std::size_t nSize)
+/// Null where the allocation fails.
+static void* Take(std::size_t nSize) noexcept
 {
     CountAllocation();
     if (MustFail())
-        throw std::bad_alloc();
+        return nullptr;
     void* pBlock = std::malloc(nSize == 0 ? 1 : nSize);
+    if (pBlock != nullptr && g_nDriverDepth == 0)
+        ++g_nBlocks;
+    return pBlock;
+}
+
+static void GiveBack(void* pBlock) noexcept
+{
+    if (pBlock != nullptr && g_nDriverDepth == 0)
+        --g_nBlocks;
+    std::free(pBlock);
+}
+
+void* operator new(std::size_t nSize)
+{
+    void* pBlock = Take(nSize);
     if (pBlock == nullptr)
         throw std::bad_alloc();
     return pBlock;
@@ -122,8 +144,7 @@ void* operator new[](std::size_t nSize)
 
 void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept
 {
-    CountAllocation();
-    return std::malloc(nSize == 0 ? 1 : nSize);
+    return Take(nSize);
 }
 
 void* operator new[](std::size_t nSize, const std::nothrow_t& oTag) noexcept
@@ -133,22 +154,22 @@ void* operator new[](std::size_t nSize, const std::nothrow_t& oTag) noexcept
 
 void operator delete(void* pBlock) noexcept
 {
-    std::free(pBlock);
+    GiveBack(pBlock);
 }
 
 void operator delete[](void* pBlock) noexcept
 {
-    std::free(pBlock);
+    GiveBack(pBlock);
 }
 
 void operator delete(void* pBlock, std::size_t /*nSize*/) noexcept
 {
-    std::free(pBlock);
+    GiveBack(pBlock);
 }
 
 void operator delete[](void* pBlock, std::size_t /*nSize*/) noexcept
 {
-    std::free(pBlock);
+    GiveBack(pBlock);
 }
 
 #endif

@@ -28,8 +28,12 @@ public:
 /// True where FailAllocation works: a sanitizer keeps operator new to itself.
 bool CanFailAllocations();
 
-/// Makes one allocation of this thread, counted as CHeapCounter counts, fail with std::bad_alloc: the next
-/// one after nSkip others. Below 0: none.
+/// Blocks that this thread has taken and not given back, counted as CHeapCounter counts; only differences
+/// mean something. Always 0 where a sanitizer keeps operator new to itself: it tells of leaks itself.
+long HeapBlocks();
+
+/// Makes one allocation of this thread, counted as CHeapCounter counts, fail (with std::bad_alloc, or null
+/// where that was asked for): the next one after nSkip others. Below 0: none.
 void FailAllocation(int nSkip);
 
 /// True when the allocation that was to fail has failed.

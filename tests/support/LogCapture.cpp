@@ -11,6 +11,13 @@ CLogCapture::CLogCapture()
 CLogCapture::~CLogCapture()
 {
     SetLogSink(nullptr, nullptr);
+    Clear();
+}
+
+void CLogCapture::Clear()
+{
+    CDriverScope oScope;
+    std::vector<SLogLine>().swap(m_vLines);
 }
 
 void CLogCapture::OnLine(int nPriority, const char* pTag, const char* pLine, void* pUser)

@@ -27,7 +27,7 @@ public:
     bool Contains(const std::string& strText) const;
     /// All lines, one below the other.
     std::string Text() const;
-    void Clear() { m_vLines.clear(); }
+    void Clear();
 
 private:
     static void OnLine(int nPriority, const char* pTag, const char* pLine, void* pUser);
