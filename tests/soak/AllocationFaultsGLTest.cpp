@@ -2,7 +2,6 @@
 
 #include "tests/soak/ReliabilityScene.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace
@@ -34,10 +33,9 @@ TEST_P(AllocationFault, FailsOneFrameAndNotTheNext)
         GTEST_SKIP() << "the sanitizer keeps operator new to itself";
     CTestFrame oFrame(AsymmetricPicture(256, 256), IMAGE_FORMAT_NV12);
     const STestImage sGolden = PictureWithoutFaults(GetParam(), oFrame);
-    const bool bEveryOne = std::getenv("LUMOR_SOAK_SECONDS") != nullptr;
     int nFaults = 0;
-    // All of the first ones, then every seventh: each takes a dewarper of its own.
-    for (bool bReached = true; bReached; nFaults += nFaults < 20 || bEveryOne ? 1 : 7) {
+    // All of the first ones, then every eleventh: each takes a dewarper of its own.
+    for (bool bReached = true; bReached; nFaults += nFaults < 10 || IsLongRun() ? 1 : 11) {
         ASSERT_LT(nFaults, 1000);
         CTestDewarper oDewarper(TARGET_WIDTH, TARGET_HEIGHT);
         ASSERT_TRUE(oDewarper.Started());

@@ -42,7 +42,7 @@ TEST_P(ContextLoss, LeavesPictureAndPositionAsTheyWere)
     float fTilt = 0.0f;
     float fZoom = 0.0f;
     oDewarper.GetPTZ(fPan, fTilt, fZoom);
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < (IsLongRun() ? 50 : 10); ++i) {
         LoseContext();
         {
             CLogCapture oLog;
@@ -69,7 +69,7 @@ TEST(Restart, LeavesNothingBehindAfterManyTimes)
     CTestFrame oFrame(AsymmetricPicture(128, 128), IMAGE_FORMAT_YUV420P);
     CTestDewarper oDewarper(64, 48);
     ASSERT_TRUE(oDewarper.Started());
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < (IsLongRun() ? 100 : 20); ++i) {
         SwitchEverythingOn(oDewarper, 64, 48);
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
         oDewarper.StopGL();

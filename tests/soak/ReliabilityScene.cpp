@@ -1,5 +1,6 @@
 #include "tests/soak/ReliabilityScene.h"
 
+#include <cstdlib>
 #include <limits>
 
 void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTargetHeight)
@@ -177,4 +178,9 @@ void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
         RandomMove(oDewarper, oRandom);
         break;
     }
+}
+
+bool IsLongRun()
+{
+    return std::getenv("LUMOR_SOAK_SECONDS") != nullptr;
 }

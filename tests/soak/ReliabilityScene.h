@@ -12,3 +12,6 @@ void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTa
 /// One control call, chosen by chance: views, mounts, lenses, moves, mouse, colours, overlays, masks, texts;
 /// its numbers now and then are not finite or out of all limits. No call that needs GL.
 void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom);
+
+/// True where the environment asks for length (LUMOR_SOAK_SECONDS): sweeps leave nothing out then.
+bool IsLongRun();

@@ -159,7 +159,7 @@ TEST(VelaFaultOfStart, AVersionThatCannotBeReadIsTrusted)
     EXPECT_EQ(CGLRecorder::Get().Count("eglCreateContext"), 1);
 }
 
-// 50 times the context goes behind the dewarper's back and is made anew.
+// Ten times, 50 in a long run, the context goes behind the dewarper's back and is made anew.
 TEST(VelaContextLoss, LeavesPictureAndPositionAsTheyWere)
 {
     CVelaScene oScene;
@@ -168,7 +168,7 @@ TEST(VelaContextLoss, LeavesPictureAndPositionAsTheyWere)
     ASSERT_TRUE(oScene.Draw(oDewarper));
     float afBefore[3] = {};
     oDewarper.GetPTZ(afBefore[0], afBefore[1], afBefore[2]);
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < (IsLongRun() ? 50 : 10); ++i) {
         SCOPED_TRACE(i);
         eglMakeCurrent(oDewarper.mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
         eglDestroyContext(oDewarper.mDisplay, oDewarper.mContext);
@@ -210,9 +210,8 @@ TEST(VelaAllocationFault, FailsOneFrameAndNotTheNext)
     if (!CanFailAllocations())
         GTEST_SKIP() << "the sanitizer keeps operator new to itself";
     CVelaScene oScene;
-    const bool bEveryOne = std::getenv("LUMOR_SOAK_SECONDS") != nullptr;
     int nFaults = 0;
-    for (bool bReached = true; bReached; nFaults += nFaults < 30 || bEveryOne ? 1 : 7) {
+    for (bool bReached = true; bReached; nFaults += nFaults < 10 || IsLongRun() ? 1 : 11) {
         ASSERT_LT(nFaults, 1000);
         SCOPED_TRACE("allocation " + std::to_string(nFaults));
         CTestVela oDewarper(TARGET_WIDTH, TARGET_HEIGHT);
