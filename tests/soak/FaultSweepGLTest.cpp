@@ -3,6 +3,7 @@
 
 #include "tests/soak/FaultSweep.h"
 
+#include "tests/gl/android/HostContext.h"
 #include "tests/soak/ReliabilityScene.h"
 
 #include <EGL/egl.h>
@@ -198,4 +199,30 @@ TEST(FaultOfStart, TheLastStepsAreTold)
     EXPECT_TRUE(oDewarper.StartGL());
     oDewarper.StopGL();
     EXPECT_EQ(rRecorder.Living(EGL_KIND_SURFACE), 0);
+}
+
+TEST(FaultOfStart, GivesTheHostItsContextBack)
+{
+    const CHostContext oHost;
+    CCustomGPUDewarperOffscreen oDewarper;
+    ASSERT_TRUE(oDewarper.InitGL(TARGET_WIDTH, TARGET_HEIGHT));
+    for (const char* pCall : {"eglCreateContext", "eglMakeCurrent"}) {
+        SCOPED_TRACE(pCall);
+        CGLRecorder::Get().Inject(pCall, 0.0, 0, 100);
+        EXPECT_FALSE(oDewarper.StartGL());
+        CGLRecorder::Get().ClearInjections();
+        EXPECT_TRUE(oHost.IsCurrent());
+    }
+    if (CanFailAllocations()) {
+        for (auto [nPlace, bReached] = std::pair(0, true); bReached; ++nPlace) {
+            FailAllocation(nPlace);
+            const bool bStarted = oDewarper.StartGL();
+            bReached = AllocationHasFailed();
+            FailAllocation(-1);
+            EXPECT_EQ(oHost.IsCurrent(), !bStarted) << "allocation " << nPlace;
+        }
+    }
+    oDewarper.StopGL();
+    EXPECT_TRUE(oHost.IsCurrent());
+    oHost.ExpectUntouched();
 }

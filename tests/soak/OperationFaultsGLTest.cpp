@@ -5,6 +5,7 @@
 #include "tests/soak/FaultSubject.h"
 #include "tests/soak/ReliabilityScene.h"
 
+#include <new>
 #include <ostream>
 
 namespace
@@ -235,6 +236,38 @@ TEST_P(EndFault, ADewarperEndsWithoutMemory)
         }
     EXPECT_EQ(HeapBlocks(), nBlocks);
     EXPECT_NO_GL_ERROR();
+}
+
+// A constructor can only throw: then nothing of the dewarper is left.
+TEST_P(EndFault, ADewarperThatCannotBeMadeLeavesNothing)
+{
+    if (!CanFailAllocations())
+        GTEST_SKIP() << "the sanitizer keeps operator new to itself";
+    const auto Make = [] {
+        if (GetParam() == SUBJECT_DESKTOP)
+            CCustomGPUDewarperOffscreen oDewarper;
+        else
+            CCustomGPUDewarperVela oDewarper;
+    };
+    CLogCapture oLog;
+    Make();
+    const long nBlocks = HeapBlocks();
+    int nPlace = 0;
+    for (bool bReached = true; bReached; ++nPlace) {
+        ASSERT_LT(nPlace, 100);
+        bool bThrown = false;
+        FailAllocation(nPlace);
+        try {
+            Make();
+        } catch (const std::bad_alloc&) {
+            bThrown = true;
+        }
+        bReached = AllocationHasFailed();
+        FailAllocation(-1);
+        EXPECT_EQ(bThrown, bReached) << nPlace;
+        EXPECT_EQ(HeapBlocks(), nBlocks) << nPlace;
+    }
+    EXPECT_GT(nPlace, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, EndFault, testing::Values(SUBJECT_DESKTOP, SUBJECT_BUFFERS),
