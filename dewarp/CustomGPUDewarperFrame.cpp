@@ -83,6 +83,8 @@ bool CCustomGPUDewarper::PrepareTarget(STargetShape& rTarget)
         pRenderingContext = nullptr;
         return false;
     }
+    if (bLogGLErrors)
+        r.oWatch.BeginToldFrame();
     r.oOverlays.DeleteParked();
     if (r.oOverlays.DropOversized())
         sMainShader.bInputOverlay = false;

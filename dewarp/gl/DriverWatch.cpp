@@ -13,6 +13,12 @@ void CDriverWatch::TakeHostErrors(const char* pFunction)
         m_rReport.Refuse("%s: GL error 0x%x was left behind by the host", pFunction, nError);
 }
 
+void CDriverWatch::BeginToldFrame()
+{
+    TakeHostErrors("DrawGLScene");
+    m_bFrameOurs = true;
+}
+
 void CDriverWatch::BeginMaking()
 {
     if (m_bMaking)

@@ -22,6 +22,8 @@ public:
     void NoteLack() { m_bLacks = true; }
     /// Takes what the host has left, with a log line, before calls that are to be judged.
     void TakeHostErrors(const char* pFunction);
+    /// A frame begins whose errors are going to be told: what the host has left is taken first.
+    void BeginToldFrame();
     /// The last GL error of this frame; asks the driver when none is known yet.
     unsigned int ErrorOfFrame();
     void EndFrame();
