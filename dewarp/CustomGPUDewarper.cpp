@@ -163,6 +163,9 @@ void CCustomGPUDewarper::LeaveLocked()
 void CCustomGPUDewarper::RequestFrame()
 {
     pRooms->oPrograms.ForgetFailures();
+    // The view's program is written anew only when asked for: the one that was given up is.
+    if (pRooms->bProgramTriedAgain)
+        sMainShader.bForceReload = true;
     pRooms->bProgramTriedAgain = false;
     DrawRequired();
 }
