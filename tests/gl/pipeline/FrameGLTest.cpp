@@ -161,3 +161,32 @@ TEST(Frame, GLErrorsAreLoggedOnlyWhenAskedFor)
         }
     }
 }
+
+TEST(Frame, CompletenessIsAskedOfThePassesFramebufferWithItsTextureInIt)
+{
+    CTestDewarper oDewarper(96, 64);
+    CTestFrame oFrame(AsymmetricPicture(64, 64), IMAGE_FORMAT_RGB24);
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    std::vector<unsigned char> vOverlay(96 * 64 * 4, 0);
+    ASSERT_EQ(oDewarper.SetOutputOverlay(vOverlay.data(), 96, 64, 0), 1);
+    CGLRecorder::Get().Start();
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    unsigned int nBound = 0;
+    unsigned int nAttached = 0;
+    int nAsked = 0;
+    for (const SGLCall& rCall : CGLRecorder::Get().Calls()) {
+        const std::string strName = rCall.pName;
+        if (strName == "glBindFramebuffer") {
+            nBound = static_cast<unsigned int>(rCall.Int(1));
+            nAttached = 0;
+        } else if (strName == "glFramebufferTexture2D") {
+            nAttached = static_cast<unsigned int>(rCall.Int(3));
+        } else if (strName == "glCheckFramebufferStatus") {
+            ++nAsked;
+            EXPECT_EQ(nBound, oDewarper.nFrameBuffer);
+            EXPECT_EQ(nAttached, oDewarper.nFrameTexture);
+        }
+    }
+    EXPECT_EQ(nAsked, 1);
+    EXPECT_NO_GL_ERROR();
+}
