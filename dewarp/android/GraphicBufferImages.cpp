@@ -70,7 +70,7 @@ EGLImageKHR CCustomGPUDewarperVela::CreateBufferImage(android::GraphicBuffer* pB
         !IsThere(sExtensions.eglDestroyImageKHR != nullptr, pFunction, "eglDestroyImageKHR"))
         return EGL_NO_IMAGE_KHR;
     return GuardMemory(pFunction, pRooms->oReport, EGL_NO_IMAGE_KHR, [&] {
-        const EGLImageKHR pImage = sExtensions.eglCreateImageKHR(
+        EGLImageKHR pImage = sExtensions.eglCreateImageKHR(
             mDisplay, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
             static_cast<EGLClientBuffer>(pBuffer->getNativeBuffer()), IMAGE_ATTRIBUTES);
         if (pImage == EGL_NO_IMAGE_KHR)
