@@ -1,5 +1,4 @@
 // What a host would have to guess: what the getters say is what frames do.
-#include "dewarp/views/ViewList.h"
 #include "tests/support/TestDewarper.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +6,21 @@
 
 namespace
 {
+
+struct SNamedView
+{
+    EViewType eType;
+    std::string strName;
+};
+
+/// Every view there is, as a host finds them.
+std::vector<SNamedView> ListViews()
+{
+    std::vector<SNamedView> vViews;
+    for (const std::string& strName : CCustomGPUDewarper::ListViewNames())
+        vViews.push_back({CCustomGPUDewarper::FindViewType(strName), strName});
+    return vViews;
+}
 
 const EMountType MOUNTS[] = {MOUNT_CEILING, MOUNT_WALL, MOUNT_FLOOR};
 
@@ -35,12 +49,12 @@ protected:
 
 TEST_F(Getters, LimitsAreWhereTheLongestMovesEnd)
 {
-    for (const SViewEntry& rEntry : ListViews())
+    for (const SNamedView& rEntry : ListViews())
         for (const EMountType eMount : MOUNTS)
             for (const float fMountTilt : {0.0f, 20.0f, -20.0f})
                 for (const bool bStrict : {true, false}) {
-                    SCOPED_TRACE(std::string(rEntry.pName) + " on " + std::to_string(eMount) +
-                                 " inclined by " + std::to_string(fMountTilt));
+                    SCOPED_TRACE(rEntry.strName + " on " + std::to_string(eMount) + " inclined by " +
+                                 std::to_string(fMountTilt));
                     oDewarper.SetMountTilt(fMountTilt);
                     oDewarper.SetStrictTiltLimits(bStrict);
                     const SPTZLimits sLimits = oDewarper.GetViewLimits(rEntry.eType, eMount);
@@ -64,9 +78,9 @@ TEST_F(Getters, LimitsAreWhereTheLongestMovesEnd)
 
 TEST_F(Getters, TheDefaultPositionIsThatOfTheFirstFrame)
 {
-    for (const SViewEntry& rEntry : ListViews())
+    for (const SNamedView& rEntry : ListViews())
         for (const EMountType eMount : MOUNTS) {
-            SCOPED_TRACE(std::string(rEntry.pName) + " on " + std::to_string(eMount));
+            SCOPED_TRACE(rEntry.strName + " on " + std::to_string(eMount));
             CTestDewarper oFirst(32, 24);
             oFirst.SetViewType(rEntry.eType);
             oFirst.SetMountType(eMount);
@@ -82,9 +96,9 @@ TEST_F(Getters, TheDefaultPositionIsThatOfTheFirstFrame)
 
 TEST_F(Getters, TheDefaultSizeIsTheFrameOfAFlatViewAndAFixedOneOfOthers)
 {
-    for (const SViewEntry& rEntry : ListViews())
+    for (const SNamedView& rEntry : ListViews())
         for (const EMountType eMount : MOUNTS) {
-            SCOPED_TRACE(std::string(rEntry.pName) + " on " + std::to_string(eMount));
+            SCOPED_TRACE(rEntry.strName + " on " + std::to_string(eMount));
             int anSmall[2] = {};
             int anLarge[2] = {};
             CCustomGPUDewarper::GetDefaultSize(rEntry.eType, eMount, 640, 480, anSmall[0], anSmall[1]);

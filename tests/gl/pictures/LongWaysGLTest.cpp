@@ -1,5 +1,4 @@
 // Positions far round and far out, and such as are none.
-#include "dewarp/control/Control.h"
 #include "tests/support/TestDewarper.h"
 
 #include <cmath>
@@ -8,6 +7,13 @@
 
 namespace
 {
+
+/// The same direction, 0 to 360 degrees.
+float WrapAngle(float fAngle)
+{
+    const float fWrapped = std::fmod(fAngle, 360.0f);
+    return fWrapped < 0.0f ? fWrapped + 360.0f : fWrapped;
+}
 
 struct SViewCase
 {
