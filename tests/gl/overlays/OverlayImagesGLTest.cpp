@@ -287,7 +287,10 @@ TEST_F(OverlayImages, AnImageThatNoTextureHoldsIsRefusedWithOneLogLine)
 class CSmallTextures : public CTestDewarper
 {
 public:
-    explicit CSmallTextures(int nMost) : CTestDewarper(WIDTH, HEIGHT) { pRooms->oTextures.nMaxTextureSize = nMost; }
+    explicit CSmallTextures(int nMost) : CTestDewarper(WIDTH, HEIGHT)
+    {
+        pRooms->oTextures.nMaxTextureSize = nMost;
+    }
 };
 
 TEST(OversizedOverlays, LeaveTheViewAsItIsWhereTheDriverHasNoTextureForThem)

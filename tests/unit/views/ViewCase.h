@@ -2,10 +2,10 @@
 /// What tests of view objects share.
 #pragma once
 
+#include "dewarp/gl/SShaderProperties.h"
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/records/SDewarpParams.h"
 #include "dewarp/records/SGRect.h"
-#include "dewarp/gl/SShaderProperties.h"
 
 /// The records that a view object is handed.
 struct SViewCase
