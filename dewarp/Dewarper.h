@@ -1,0 +1,139 @@
+/// \file
+/// One dewarper, whichever engine draws: the operations of a host that does not care.
+#pragma once
+
+#include "dewarp/overlays/SGPUString.h"
+#include "dewarp/records/Enumerations.h"
+#include "dewarp/records/SGRect.h"
+#include "dewarp/records/SImageProperties.h"
+#include "dewarp/records/SPTZLimits.h"
+#include "dewarp/records/SQPInfo.h"
+#include "platform/Export.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Who draws.
+enum EDewarpEngine : int
+{
+    ENGINE_AUTO = 0, ///< OpenGL ES where a hardware driver is, the processor otherwise
+    ENGINE_GL = 1,
+    ENGINE_CPU = 2,
+};
+
+/// Where a frame is drawn in the host's memory. Packed formats use the first plane; IMAGE_FORMAT_NV12 the
+/// first two (luma, then U and V in turns); IMAGE_FORMAT_YUV420P all three (Y, U, V). Chroma planes have half
+/// the columns and rows, rounded up. Units: bytes from one row to the next. Owns: nothing.
+struct LUMOR_API SFrameTarget
+{
+    unsigned char* apPlanes[3] = {nullptr, nullptr, nullptr};
+    int anStrides[3] = {0, 0, 0};
+    EImageFormat eFormat = IMAGE_FORMAT_BGRA32;
+};
+
+/// A dewarper of either engine. Same operations, limits, defaults, results and log lines for both; what each
+/// operation means is written at CCustomGPUDewarper.
+/// Units: degrees and pixels. Owns: what it makes; planes and targets stay the host's.
+/// Thread: control operations on any thread, each locks. DrawGLScene, DrawTo, GetImage, InitTarget and the
+/// destructor on one thread with ENGINE_GL (the context is current there), on any with ENGINE_CPU.
+/// Fails: by results and log lines; nothing throws.
+class LUMOR_API CDewarper
+{
+public:
+    CDewarper() = default;
+    CDewarper(const CDewarper&) = delete;
+    CDewarper& operator=(const CDewarper&) = delete;
+
+    // Virtual operations. New ones go to the end.
+    virtual ~CDewarper() = default;
+
+    /// The engine that draws: never ENGINE_AUTO.
+    virtual EDewarpEngine GetEngine() const = 0;
+    /// Engine and what it runs on, for a line of text: "processor, AVX2, 2 threads".
+    virtual std::string GetEngineText() = 0;
+    /// Size of the pictures. Starts what is needed for drawing. False and a log line when it cannot be had.
+    virtual bool InitTarget(int nWidth, int nHeight) = 0;
+
+    // A frame in, drawn, out.
+    virtual bool SetTexture(SImageProperties* pImage, bool bGain, SQPInfo* pQP,
+                            unsigned long long nTimestamp) = 0;
+    virtual bool DrawGLScene(bool bExchangeBuffers) = 0;
+    virtual unsigned char* GetImage(int* pSize, int* pWidth, int* pHeight, int* pStride) = 0;
+    /// Draws a frame straight into the host's memory, in the size of InitTarget: BGRA32, RGBA32, NV12 or
+    /// YUV420P. YUV is written in the space and range in force for the input. True when a frame was drawn;
+    /// otherwise nothing was written.
+    virtual bool DrawTo(const SFrameTarget& rTarget) = 0;
+    /// The same into one piece of memory: planes one behind the other, the first plane's rows nStride bytes
+    /// apart; chroma rows of NV12 too, those of YUV420P half of it, rounded up.
+    bool DrawTo(void* pTarget, int nStride, EImageFormat eFormat);
+
+    // What to show.
+    virtual void SetViewType(EViewType eView) = 0;
+    virtual EViewType GetViewType() = 0;
+    virtual void SetMountType(EMountType eMount) = 0;
+    virtual EMountType GetMountType() = 0;
+    virtual void SetLensType(ELensType eLens) = 0;
+    virtual ELensType GetLensType() = 0;
+    virtual ELensType GetLensInForce() = 0;
+    virtual void SetInterpolationType(EInterpolationType eType) = 0;
+    virtual EInterpolationType GetInterpolationType() = 0;
+    virtual void SetWireFrame(bool bEnable) = 0;
+    virtual void SetYUVparams(EYUVSpace eSpace, EYUVRange eRange) = 0;
+    virtual void SetMountTilt(float fDegrees) = 0;
+    virtual float GetMountTilt() = 0;
+    virtual void SetStrictTiltLimits(bool bStrict) = 0;
+    virtual bool GetStrictTiltLimits() = 0;
+    virtual void SetRotation(int nDegrees) = 0;
+    virtual int GetRotation() = 0;
+    virtual void SetFlip(bool bHorizontal, bool bVertical) = 0;
+    virtual void GetFlip(bool& bHorizontal, bool& bVertical) = 0;
+    virtual void SetGains(float fLuma, float fChroma) = 0;
+    virtual void GetGains(float& fLuma, float& fChroma) = 0;
+    virtual void SetYUVLevels(int nLumaMin, int nLumaMax, int nChromaMin) = 0;
+    virtual void GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChromaMin) = 0;
+    virtual void SetEyeDistance(float fDistance) = 0;
+    virtual float GetEyeDistance() = 0;
+
+    // Steering.
+    virtual void AbsolutePTZ(float fPan, float fTilt, float fZoom) = 0;
+    virtual void RelativePTZ(float fPan, float fTilt, float fZoom) = 0;
+    virtual void AnaloguePTZ(float fPan, float fTilt, float fZoom) = 0;
+    virtual void GetPTZAnalog(float& fPan, float& fTilt, float& fZoom) = 0;
+    virtual void GetPTZ(float& fPan, float& fTilt, float& fZoom) = 0;
+    virtual void OnMouseDown(int x, int y) = 0;
+    virtual void OnMouseMove(int x, int y, bool bLockX, bool bLockY) = 0;
+    virtual void OnMouseUp() = 0;
+    virtual void OnMouseWheel(double fDelta) = 0;
+
+    // Overlays, masks, text.
+    virtual int SetInputOverlay(unsigned char* pData, int nWidth, int nHeight, int nUnused) = 0;
+    virtual int SetOutputOverlay(unsigned char* pData, int nWidth, int nHeight, int nUnused,
+                                 std::vector<SGRect> vRects) = 0;
+    virtual void SetMaskPolygons(unsigned char* pData, int nLength) = 0;
+    virtual void SetMaskPolygons(std::vector<SGPolygon> vPolygons) = 0;
+    virtual void SetStrings(unsigned char* pData, int nLength) = 0;
+    virtual void SetStrings(std::vector<SGPUString> vStrings) = 0;
+
+    // Questions.
+    virtual bool GetDewarperVersion(int& nMajor, int& nMinor) = 0;
+    virtual int GetFisheyeRadius() = 0;
+    virtual unsigned long long GetLastDisplayedTextureTimestamp() = 0;
+    virtual bool IsDrawRequired() = 0;
+    virtual std::string GetLastErrorText() = 0;
+    virtual SPTZLimits GetViewLimits(EViewType eView, EMountType eMount) = 0;
+
+    // Of the processor engine; ENGINE_GL keeps the value and draws as ever.
+    /// Threads that draw one frame: 0 one a core, 1 the caller's alone. Negative counts are refused with a
+    /// log line.
+    virtual void SetThreadCount(int nThreads) = 0;
+    virtual int GetThreadCount() = 0;
+    /// True computes what a pixel shows from the view's rule itself instead of its mesh.
+    virtual void SetExactGeometry(bool bExact) = 0;
+    virtual bool GetExactGeometry() = 0;
+};
+
+/// A dewarper for pictures of a size. ENGINE_AUTO gives one of ENGINE_GL where a hardware driver is, of
+/// ENGINE_CPU otherwise. Null, with a log line, when that engine cannot be had here: ENGINE_GL without a
+/// driver. Thread: any; for ENGINE_GL the one that draws.
+LUMOR_API std::unique_ptr<CDewarper> CreateDewarper(EDewarpEngine eEngine, int nWidth, int nHeight);
