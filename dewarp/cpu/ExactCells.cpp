@@ -1,0 +1,137 @@
+// Cells whose pixels are drawn one by one: the triangles themselves, by the rules of GL.
+
+#include "dewarp/cpu/ViewGrid.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+// Corners are moved to the nearest of so many places in a pixel, as a GPU does: then edges are exact, and
+// triangles that share one leave no gap and no overlap.
+const double PLACES = 256.0;
+
+/// One edge, inside where its value is not negative.
+struct SEdge
+{
+    std::int64_t nStepX = 0; ///< a pixel to the right
+    std::int64_t nStepY = 0;
+    std::int64_t nX = 0; ///< a point on it
+    std::int64_t nY = 0;
+    std::int64_t nBias = 0; ///< -1 for an edge that belongs to its neighbour
+
+    std::int64_t At(int x, int y) const
+    {
+        const std::int64_t dx = std::int64_t{x} * 256 + 128 - nX;
+        const std::int64_t dy = std::int64_t{y} * 256 + 128 - nY;
+        return nStepX * dx + nStepY * dy + nBias;
+    }
+};
+
+struct SEdges
+{
+    SEdge a[3];
+    bool bArea = false;
+};
+
+SEdges EdgesOf(const SScreenTriangle& t)
+{
+    std::int64_t x[3];
+    std::int64_t y[3];
+    for (int i = 0; i < 3; ++i) {
+        x[i] = static_cast<std::int64_t>(std::floor(t.afX[i] * PLACES + 0.5));
+        y[i] = static_cast<std::int64_t>(std::floor(t.afY[i] * PLACES + 0.5));
+    }
+    const std::int64_t nArea = (x[1] - x[0]) * (y[2] - y[0]) - (x[2] - x[0]) * (y[1] - y[0]);
+    SEdges sEdges;
+    sEdges.bArea = nArea != 0;
+    const std::int64_t nTurn = nArea > 0 ? 1 : -1;
+    for (int k = 0; k < 3; ++k) {
+        const int n = k == 2 ? 0 : k + 1;
+        SEdge& e = sEdges.a[k];
+        e.nStepX = -(y[n] - y[k]) * nTurn;
+        e.nStepY = (x[n] - x[k]) * nTurn;
+        e.nX = x[k];
+        e.nY = y[k];
+        // Left edges and level upper edges are the triangle's own.
+        const bool bOwn = e.nStepX > 0 || (e.nStepX == 0 && e.nStepY > 0);
+        e.nBias = bOwn ? 0 : -1;
+    }
+    return sEdges;
+}
+
+int CellOf(double fPixel, int nOrigin, int nCells)
+{
+    const double f = std::clamp((fPixel - nOrigin) / CELL_SIDE, -1.0, static_cast<double>(nCells));
+    return static_cast<int>(std::floor(f));
+}
+
+} // namespace
+
+void CViewGrid::FillExactCells(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const
+{
+    const double fFirst = rGrid.nOriginY + rStrip.nFirst * CELL_SIDE - 2.0;
+    const double fLast = rGrid.nOriginY + rStrip.nEnd * CELL_SIDE + 2.0;
+    SScreenTriangle t;
+    rProjection.Walk(*m_pMesh, fFirst, fLast,
+                     [&](const SScreenVertex& rA, const SScreenVertex& rB, const SScreenVertex& rC, bool) {
+                         if (t.SetUp(rA, rB, rC, m_sCuts.bDepth))
+                             AddExactTriangle(t, rGrid, rStrip);
+                     });
+}
+
+/// The pixels of one cell that a triangle covers.
+static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts& rCuts, int nX, int nY,
+                     SExactCell& rCell)
+{
+    for (int y = 0; y < CELL_SIDE; ++y) {
+        for (int x = 0; x < CELL_SIDE; ++x) {
+            if ((rEdges.a[0].At(nX + x, nY + y) | rEdges.a[1].At(nX + x, nY + y) |
+                 rEdges.a[2].At(nX + x, nY + y)) < 0)
+                continue;
+            const double dx = nX + x + 0.5 - t.afX[0];
+            const double dy = nY + y + 0.5 - t.afY[0];
+            double u = 0.0;
+            double v = 0.0;
+            t.Show(dx, dy, u, v);
+            if ((rCuts.bDepth && t.sZ.At(dx, dy) < rCuts.fDepth) ||
+                (rCuts.bRows && (v < rCuts.fLowestRow || v > rCuts.fHighestRow)))
+                continue;
+            const int n = y * CELL_SIDE + x;
+            rCell.nCovered |= std::uint64_t{1} << n;
+            rCell.aPoints[n] = PositionAt(u, v);
+        }
+    }
+}
+
+void CViewGrid::AddExactTriangle(const SScreenTriangle& t, SPartGrid& rGrid, const SStrip& rStrip) const
+{
+    bool bGone = false;
+    const bool bCut = IsCut(t, m_sCuts, bGone);
+    if (bGone)
+        return;
+    const int nTop = std::max(CellOf(t.fTop - 1.0, rGrid.nOriginY, rGrid.nRows), rStrip.nFirst);
+    const int nBottom = std::min(CellOf(t.fBottom + 1.0, rGrid.nOriginY, rGrid.nRows), rStrip.nEnd - 1);
+    const int nLeft = std::max(CellOf(t.fLeft - 1.0, rGrid.nOriginX, rGrid.nCols), 0);
+    const int nRight = std::min(CellOf(t.fRight + 1.0, rGrid.nOriginX, rGrid.nCols), rGrid.nCols - 1);
+    SEdges sEdges;
+    bool bSetUp = false;
+    for (int r = nTop; r <= nBottom; ++r) {
+        const std::size_t nRow = static_cast<std::size_t>(r);
+        const int nFirst = std::max(nLeft, m_vExactColumns[2 * nRow]);
+        const int nLast = std::min(nRight, m_vExactColumns[2 * nRow + 1]);
+        for (int c = nFirst; c <= nLast; ++c) {
+            const int nExact = m_vExactOf[rGrid.CellIndex(c, r)];
+            if (nExact < 0)
+                continue;
+            if (!bSetUp) {
+                sEdges = EdgesOf(t);
+                bSetUp = true;
+            }
+            if (sEdges.bArea)
+                FillCell(t, sEdges, bCut ? m_sCuts : SCuts(), rGrid.nOriginX + c * CELL_SIDE,
+                         rGrid.nOriginY + r * CELL_SIDE, rGrid.vExact[static_cast<std::size_t>(nExact)]);
+        }
+    }
+}

@@ -1,0 +1,79 @@
+/// \file
+/// From a frame's decision and its mesh to grids of frame positions.
+#pragma once
+
+#include "dewarp/control/Decision.h"
+#include "dewarp/cpu/Grid.h"
+#include "dewarp/cpu/Projection.h"
+
+/// Rasterises the view's triangles, in their order, into one grid for each rectangle of the target that the
+/// view has parts in. Cells that a border of the mesh, a cut or a kink crosses get a position for each pixel
+/// from the triangles themselves. The grids are the same for any number of threads.
+/// Owns: the grids; they grow, never shrink. Thread: any, serialised by the host. Fails: throws for lack of
+/// memory, on the caller's thread.
+class CViewGrid
+{
+public:
+    void Build(const SFrameDecision& rDecision, const CMeshIndex& rMesh, const SFrameShape& rFrame,
+               int nThreads);
+
+    /// How far a cell's interpolation may be off its triangles, positions; 0: every pixel is exact.
+    void SetMostError(int nPositions) { m_nMostError = nPositions; }
+    const SPartGrid* Parts() const { return m_vParts.data(); }
+    int CountParts() const { return m_nParts; }
+    /// Rectangles of the target that no part covers.
+    const std::vector<SGRect>& Remainder() const { return m_vRemainder; }
+    /// Bytes held.
+    std::size_t CountBytes() const;
+
+private:
+    /// Rows of cells that one thread fills.
+    struct SStrip
+    {
+        int nFirst;
+        int nEnd;
+    };
+
+    int LayOut(const SViewPart& rPart, const SFrameDecision& rDecision);
+    void FindRemainder(const SFrameDecision& rDecision);
+    void FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep);
+    static void SizePoints(SPartGrid& rGrid, int nStep);
+    SStrip Strip(const SPartGrid& rGrid, int nStrip) const;
+    static bool IsCut(const SScreenTriangle& rTriangle, const SCuts& rCuts, bool& bGone);
+
+    void FillPoints(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const;
+    void AddTriangle(const SScreenTriangle& rTriangle, bool bClipped, SPartGrid& rGrid,
+                     const SStrip& rStrip) const;
+    void MarkBorders(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const;
+    /// Decides each cell's kind; returns how many are exact for their bends alone.
+    int Classify(SPartGrid& rGrid, const SStrip& rStrip) const;
+    ECellKind KindOf(const SPartGrid& rGrid, int nCol, int nRow) const;
+    void FindBends(const SPartGrid& rGrid, const SStrip& rStrip);
+    void FindRowBends(const SPartGrid& rGrid, int nRow);
+    int NumberExactCells(SPartGrid& rGrid);
+    void FillExactCells(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const;
+    void AddExactTriangle(const SScreenTriangle& rTriangle, SPartGrid& rGrid, const SStrip& rStrip) const;
+
+    const CMeshIndex* m_pMesh = nullptr; ///< while a grid is built
+    int m_nThreads = 1;
+    int m_nStrips = 1;
+    int m_nMostError = 143; // 0.07 pixels
+    std::vector<SPartGrid> m_vParts;
+    int m_nParts = 0;
+    std::vector<SGRect> m_vRemainder;
+    CProjection m_aProjections[MAX_VIEW_PARTS];
+    SCuts m_sCuts;
+    /// Positions whose samples need no edge, in full and in half resolution.
+    struct SInside
+    {
+        int nLeft = 0;
+        int nTop = 0;
+        int nRight = 0;
+        int nBottom = 0;
+    } m_sInside;
+    int m_anPartGrid[MAX_VIEW_PARTS] = {};
+    // Scratch.
+    std::vector<short> m_vBends[2];   ///< how far the grid bends at each point, along and across
+    std::vector<int> m_vExactOf;      ///< for each cell, its exact cell
+    std::vector<int> m_vExactColumns; ///< for each row of cells, first and last exact column
+};
