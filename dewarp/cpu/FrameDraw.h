@@ -1,0 +1,51 @@
+/// \file
+/// A frame's cells into the host's memory, by bands, on as many threads as there are.
+#pragma once
+
+#include "dewarp/Dewarper.h"
+#include "dewarp/cpu/Colours.h"
+#include "dewarp/cpu/ViewGrid.h"
+
+/// What one drawing is made of. Owns: nothing.
+struct SFrameJob
+{
+    const SFrameColours* pColours = nullptr;
+    const SCellKernels* pKernels = nullptr;
+    const CViewGrid* pGrid = nullptr;
+    SFrameTarget
+        sTarget; ///< BGRA32, RGBA32, NV12 or YUV420P; the latter two for sources without red and blue
+    int nThreads = 1;
+};
+
+/// Draws rows of cells of one part of the view. What no triangle covers becomes transparent black; in YUV,
+/// black. Thread: any; rows of cells may be drawn at the same time. Fails: never. Allocates nothing.
+class CFrameDraw
+{
+public:
+    explicit CFrameDraw(const SFrameJob& rJob);
+
+    void DrawCellRow(const SPartGrid& rGrid, int nRow) const;
+    /// Clears a rectangle of the target that no part covers.
+    void Clear(const SGRect& rRect) const;
+
+private:
+    struct SSpan; ///< the pixels of one cell that lie inside its part
+
+    bool IsYUV() const { return m_bYUV; }
+    void DrawRun(const SPartGrid& rGrid, int nRow, int nCol, int nCells) const;
+    void DrawCell(const SPartGrid& rGrid, int nRow, int nCol, const SExactCell* pExact) const;
+    void DrawPixels(const SSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const;
+    void DrawYUV(const SSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
+                 std::uint64_t nCovered) const;
+    void PutPixels(const SSpan& rSpan, const std::uint32_t* pPixels) const;
+    void PutLuma(const SSpan& rSpan, const unsigned char* pLuma) const;
+    void PutChroma(const SSpan& rSpan, const unsigned char (*pChroma)[2]) const;
+    bool DrawByKernel(const SSpan& rSpan, const SCellPoints& rPoints) const;
+    bool IsShared(const SPartGrid& rGrid, int x, int y) const;
+
+    const SFrameJob& m_rJob;
+    const SCellJob& m_rCells;
+    bool m_bYUV;
+    bool m_bKernels; ///< the kernels do for this frame's colours and filter
+    unsigned char m_nBlack;
+};
