@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/records/SGRect.h"
+#include "platform/Export.h"
 
 struct SGPUString;
 
@@ -19,7 +20,8 @@ struct SPlacedString
 
 /// Places a string in a viewport. bFlipY: rows count from the other end. Thread: any. Fails: never; strings
 /// without text, without height, too high, or outside the viewport are not visible.
-SPlacedString PlaceString(const SGPUString& rString, int nViewportWidth, int nViewportHeight, bool bFlipY);
+LUMOR_INTERNAL_API SPlacedString PlaceString(const SGPUString& rString, int nViewportWidth,
+                                             int nViewportHeight, bool bFlipY);
 
 /// Cell of the font that draws a character; -1 when the font has none, and its place stays empty.
-int GlyphOf(char cCharacter);
+LUMOR_INTERNAL_API int GlyphOf(char cCharacter);
