@@ -1,4 +1,4 @@
-# Adds the font to the library; included from dewarp/CMakeLists.txt.
+# Adds the font to the core; included from dewarp/CMakeLists.txt.
 #
 # Pixels of the built-in font: half a megabyte that packs to 21 kB. The build unpacks them and the assembler
 # takes the file in as it is; neither a host tool nor an image library is needed, also when cross-compiling.
@@ -16,4 +16,4 @@ add_custom_command(
 set_source_files_properties(tables/GPUFontPixels.S PROPERTIES
     OBJECT_DEPENDS ${sFontFile}
     COMPILE_DEFINITIONS "GPU_FONT_FILE=\"${sFontFile}\"")
-target_sources(lumor_dewarp_objects PRIVATE tables/GPUFont.cpp tables/GPUFontPixels.S)
+target_sources(lumor_dewarp_core_objects PRIVATE tables/GPUFont.cpp tables/GPUFontPixels.S)

@@ -3,11 +3,13 @@
 /// once.
 #pragma once
 
+#include "platform/Export.h"
+
 #include <cstdarg>
 
 /// Owns: the text of the last error, at most 255 characters. Allocates nothing.
 /// Thread: any, serialised by whoever owns the object. Fails: never; what is too long is cut off.
-class CReport
+class LUMOR_INTERNAL_API CReport
 {
 public:
     explicit CReport(const char* pTag) : m_pTag(pTag) {}

@@ -50,13 +50,23 @@ if [ "$(cat "$sFolder/before/commit" 2>/dev/null)" != "$sBefore" ]; then
 fi
 build_library now .
 
+# compare LIBRARY: what it gained and lost. 4 and 8 are changes, compatible and not; everything else is abidiff's
+# own failure.
+compare() {
+    local sReport=$sFolder/$1.txt nStatus=0
+    if [ ! -e "$sFolder/before/install/lib/$1.so.0" ]; then
+        echo "$1: there was none"
+        return 0
+    fi
+    abidiff --headers-dir1 "$sFolder/before/install/include" --headers-dir2 "$sFolder/now/install/include" \
+        "$sFolder/before/install/lib/$1.so.0" "$sFolder/now/install/lib/$1.so.0" >"$sReport" 2>&1 || nStatus=$?
+    [ $((nStatus & ~12)) -eq 0 ] || { tail -n 5 "$sReport"; echo "$1: abidiff failed ($nStatus)"; return 1; }
+    [ $nStatus -ne 0 ] || { echo "$1: no difference"; return 0; }
+    echo "$1:"
+    head -n 60 "$sReport"
+    [ "$(wc -l <"$sReport")" -le 60 ] || echo "... ($sReport has all of it)"
+}
+
 echo "against $(gitsafe log -1 --format='%h %s' "$sBefore"):"
-nStatus=0
-abidiff --headers-dir1 "$sFolder/before/install/include" --headers-dir2 "$sFolder/now/install/include" \
-    "$sFolder/before/install/lib/liblumor_dewarp.so" "$sFolder/now/install/lib/liblumor_dewarp.so" \
-    >"$sFolder/report.txt" 2>&1 || nStatus=$?
-head -n 60 "$sFolder/report.txt"
-[ "$(wc -l <"$sFolder/report.txt")" -le 60 ] || echo "... ($sFolder/report.txt has all of it)"
-# 4 and 8 are changes, compatible and not; everything else is abidiff's own failure.
-[ $((nStatus & ~12)) -eq 0 ] || { echo "abidiff failed ($nStatus)"; exit 1; }
-[ $nStatus -ne 0 ] || echo "no difference"
+compare liblumor_dewarp_core
+compare liblumor_dewarp

@@ -5,6 +5,7 @@
 #include "dewarp/records/SDewarpParams.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/views/View.h"
+#include "platform/Export.h"
 #include "platform/Report.h"
 
 /// The picture that pointer and wheel act on.
@@ -28,7 +29,7 @@ struct SAppliedRequests
 /// when a frame is drawn. Operations that return bool say whether a frame should be drawn.
 /// Units: degrees, pixels. Owns: its state. Thread: any, serialised by the host, but for the analogue speeds,
 /// which are exchanged whole without a lock. Fails: what cannot be taken is refused with a log line.
-class CControl
+class LUMOR_INTERNAL_API CControl
 {
 public:
     explicit CControl(CReport& rReport) : m_rReport(rReport) {}

@@ -5,6 +5,7 @@
 #include "dewarp/control/SPictureSettings.h"
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/views/View.h"
+#include "platform/Export.h"
 
 class CControl;
 
@@ -53,11 +54,13 @@ struct SFrameDecision
 };
 
 /// True when a decision's view part was made from just this state and target.
-bool IsDecidedFor(const SFrameDecision& rDecision, const CControl& rControl, const STargetShape& rTarget);
+LUMOR_INTERNAL_API bool IsDecidedFor(const SFrameDecision& rDecision, const CControl& rControl,
+                                     const STargetShape& rTarget);
 
 /// Decides view, mesh, matrices, parts and bands. Picture settings and layers are left as they are.
 /// Thread: any, serialised by the host. Touches no GL. Fails: never; sizes must be above 0.
-void DecideView(const CControl& rControl, const STargetShape& rTarget, SFrameDecision& rDecision);
+LUMOR_INTERNAL_API void DecideView(const CControl& rControl, const STargetShape& rTarget,
+                                   SFrameDecision& rDecision);
 
 /// Width to height of the input as it is shown: of the turned picture at a quarter turn.
-float ShownImageAspect(const SDewarpParams& rParams, int nRotation);
+LUMOR_INTERNAL_API float ShownImageAspect(const SDewarpParams& rParams, int nRotation);

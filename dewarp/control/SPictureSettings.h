@@ -3,10 +3,11 @@
 #pragma once
 
 #include "dewarp/records/SYUV2RGBConversionParams.h"
+#include "platform/Export.h"
 
 class CReport;
 
-struct SPictureSettings
+struct LUMOR_INTERNAL_API SPictureSettings
 {
     SYUV2RGBConversionParams sYUV2RGB;
     bool bGain = false; ///< multiply luma and chroma by the gains

@@ -2,20 +2,16 @@
 
 #include "dewarp/gl/Textures.h"
 #include "dewarp/gl/UniformColour.h"
-#include "dewarp/overlays/StringList.h"
+#include "dewarp/overlays/OverlapGroups.h"
+#include "dewarp/overlays/StringPlacement.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace
 {
 
 const int GLYPH_VERTICES = 6;
-const unsigned int FIRST_CODE = 32;
-const unsigned int LAST_CODE = 127;
 const int SOLID_GLYPH = 95;
-const int CELL_WIDTH = 38;
-const int CELL_HEIGHT = 64;
 // Viewports larger than this are clamped by some drivers, which would move what is drawn in them.
 const int MAX_VIEWPORT = 8192;
 const float TRANSPARENT[4] = {0.0f, 0.0f, 0.0f, 0.0f};
@@ -55,28 +51,6 @@ void SetDrawnRect(SGPUString& rString, const SGRect& rRect)
     rString.nDrawnH = rRect.height;
 }
 
-/// Where an extent of nLength starts: anchor against its reference, less what the alignment takes.
-long long Start(int nAnchor, int nReference, int nAlign, int nViewport, long long nLength)
-{
-    long long n = nAnchor;
-    if (nReference == 2)
-        n += nViewport;
-    else if (nReference == 1)
-        n += nViewport / 2;
-    if (nAlign == 2)
-        n -= nLength;
-    else if (nAlign == 1)
-        n -= nLength / 2;
-    return n;
-}
-
-/// Glyph of a character; -1 when the font has none.
-int Glyph(char cCharacter)
-{
-    const unsigned int nCode = static_cast<unsigned char>(cCharacter);
-    return nCode < FIRST_CODE || nCode > LAST_CODE ? -1 : static_cast<int>(nCode - FIRST_CODE);
-}
-
 } // namespace
 
 void CCGPUObjString::Activate(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams, int nCols, int nRows)
@@ -91,37 +65,25 @@ void CCGPUObjString::DrawStringToT12(SGPUString& sString, SShaderProperties* pSh
                                      SDewarpMatrices* pMatrices, unsigned int& nCopyTexture,
                                      unsigned int& nDrawTexture, bool bFlipY)
 {
-    SetDrawnRect(sString, {});
-    const int h = sString.nHeight;
-    if (h < 1 || h > MOST_TEXT_HEIGHT || sString.strText.empty())
-        return;
-    const int w = h * CELL_WIDTH / CELL_HEIGHT;
     const int vw = pMatrices->nViewportWidth;
-    const int vh = pMatrices->nViewportHeight;
-    const long long nLength = static_cast<long long>(sString.strText.size()) * w;
-    const long long y = Start(sString.nY, sString.nVRef, sString.nVAlign, vh, h);
-    const long long x = Start(sString.nX, sString.nHRef, sString.nHAlign, vw, nLength);
-    const long long nRow = bFlipY ? vh - h - y : y;
-    if (nLength < 1 || x >= vw || x + nLength <= 0 || nRow >= vh || nRow + h <= 0)
+    const SPlacedString sPlaced = PlaceString(sString, vw, pMatrices->nViewportHeight, bFlipY);
+    SetDrawnRect(sString, sPlaced.sDrawn);
+    if (!sPlaced.bVisible)
         return;
+    const int w = sPlaced.nGlyphWidth;
 
     glUniform1i(pShader->nSampler0Location, UNIT_STRING_A);
     AttachTexture(nDrawTexture);
     SetTextColor(*pShader, sString.nColor);
-    long long nX = x;
+    long long nX = sPlaced.nX;
     for (const char cCharacter : sString.strText) {
-        const int nGlyph = Glyph(cCharacter);
+        const int nGlyph = GlyphOf(cCharacter);
         if (nGlyph >= 0 && nX < vw && nX + w > 0) {
-            glViewport(static_cast<int>(nX), static_cast<int>(nRow), w, h);
+            glViewport(static_cast<int>(nX), static_cast<int>(sPlaced.nY), w, sPlaced.nHeight);
             glDrawArrays(m_nPrimitiveMode, nGlyph * GLYPH_VERTICES, GLYPH_VERTICES);
         }
         nX += w;
     }
-    // What lies far outside the target needs no memory of its exact place.
-    const long long nLeft = std::max<long long>(x, -(1LL << 28));
-    const long long nRight = std::min<long long>(x + nLength, 1LL << 28);
-    SetDrawnRect(sString,
-                 {static_cast<int>(nLeft), static_cast<int>(nRow), static_cast<int>(nRight - nLeft), h});
     SetTextColor(*pShader, 0);
     glUniform1i(pShader->nSampler0Location, UNIT_STRING_B);
     AttachTexture(nCopyTexture);
@@ -149,7 +111,7 @@ int CCGPUObjString::DrawStringsToOverlay(std::vector<SGPUString>& vStrings, SDew
         }
         nDrawn = static_cast<int>(vChanged.size());
     }
-    RecomputeOverlapGroups();
+    RecomputeOverlapGroups(m_vStrings);
     for (std::size_t i = 0; i < vStrings.size(); ++i) {
         SetDrawnRect(vStrings[i], DrawnRect(m_vStrings[i]));
         vStrings[i].nOverlapGroup = m_vStrings[i].nOverlapGroup;
@@ -218,37 +180,6 @@ void CCGPUObjString::Erase(const std::vector<std::size_t>& vChanged, const SShad
     glBlendFunc(GL_ONE, GL_ZERO);
     glDisable(GL_BLEND);
     glUniform1f(rShader.nMultLocation, 1.0f);
-}
-
-void CCGPUObjString::RecomputeOverlapGroups()
-{
-    // Strings that cover nothing overlap nothing: however many there are, they take no time.
-    std::vector<SGPUString*> vVisible;
-    for (SGPUString& rString : m_vStrings) {
-        rString.nOverlapGroup = 0;
-        if (rString.nDrawnW > 0 && rString.nDrawnH > 0)
-            vVisible.push_back(&rString);
-    }
-    int nGroups = 0;
-    for (std::size_t i = 0; i < vVisible.size(); ++i) {
-        for (std::size_t j = i + 1; j < vVisible.size(); ++j) {
-            if (!DrawnRect(*vVisible[i]).Intersect(DrawnRect(*vVisible[j])))
-                continue;
-            int& rFirst = vVisible[i]->nOverlapGroup;
-            int& rSecond = vVisible[j]->nOverlapGroup;
-            if (rFirst == 0)
-                rFirst = rSecond != 0 ? rSecond : ++nGroups;
-            if (rSecond != 0 && rSecond != rFirst) {
-                // Two groups meet: they become one.
-                const int nOld = rSecond;
-                for (SGPUString* pString : vVisible) {
-                    if (pString->nOverlapGroup == nOld)
-                        pString->nOverlapGroup = rFirst;
-                }
-            }
-            rSecond = rFirst;
-        }
-    }
 }
 
 void CCGPUObjString::DrawStringsToTexture()

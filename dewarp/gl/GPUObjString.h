@@ -43,5 +43,4 @@ private:
     std::vector<std::size_t> FindChanged(const std::vector<SGPUString>& vStrings);
     void Erase(const std::vector<std::size_t>& vChanged, const SShaderProperties& rShader,
                unsigned int nTextureA, unsigned int nTextureB);
-    void RecomputeOverlapGroups();
 };

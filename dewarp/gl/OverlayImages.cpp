@@ -2,54 +2,17 @@
 
 #include "dewarp/gl/PlaneUpload.h"
 #include "dewarp/gl/Textures.h"
+#include "dewarp/overlays/OverlayPixels.h"
 #include "platform/Report.h"
 
 #include <GLES3/gl31.h>
 
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace
 {
 
-const std::size_t PIXEL_BYTES = 4;
 const std::size_t MAX_WAITING_RECTS = 256; ///< of several sets together
-const int MAX_OVERLAY_SIZE = 16384;        ///< as for frames and targets
-
-std::size_t Offset(int x, int y, int nWidth)
-{
-    return (static_cast<std::size_t>(y) * static_cast<std::size_t>(nWidth) + static_cast<std::size_t>(x)) *
-           PIXEL_BYTES;
-}
-
-/// The parts of the rectangles that lie inside the image; empty ones are left out.
-std::vector<SGRect> ClipRects(const std::vector<SGRect>& vRects, int nWidth, int nHeight)
-{
-    std::vector<SGRect> vClipped;
-    for (const SGRect& rRect : vRects) {
-        const long long nLeft = std::max(rRect.x, 0);
-        const long long nTop = std::max(rRect.y, 0);
-        const long long nRight = std::min<long long>(static_cast<long long>(rRect.x) + rRect.width, nWidth);
-        const long long nBottom =
-            std::min<long long>(static_cast<long long>(rRect.y) + rRect.height, nHeight);
-        if (nRight > nLeft && nBottom > nTop)
-            vClipped.push_back({static_cast<int>(nLeft), static_cast<int>(nTop),
-                                static_cast<int>(nRight - nLeft), static_cast<int>(nBottom - nTop)});
-    }
-    return vClipped;
-}
-
-void CopyRects(SGOverlay& rOverlay, const unsigned char* pData, const std::vector<SGRect>& vRects)
-{
-    for (const SGRect& rRect : vRects) {
-        for (int y = rRect.y; y < rRect.y + rRect.height; ++y) {
-            const std::size_t nOffset = Offset(rRect.x, y, rOverlay.nWidth);
-            std::memcpy(rOverlay.pData + nOffset, pData + nOffset,
-                        static_cast<std::size_t>(rRect.width) * PIXEL_BYTES);
-        }
-    }
-}
 
 /// Pixels that still wait for their upload must not be lost: a whole image stays whole, rectangles add up.
 /// Too many of them, while no frame is drawn, become the whole image.
@@ -77,13 +40,10 @@ int COverlayImages::Set(SGOverlay& rOverlay, const unsigned char* pData, int nWi
         return 1;
     }
     const bool bNew = rOverlay.pData == nullptr || rOverlay.nWidth != nWidth || rOverlay.nHeight != nHeight;
-    const std::vector<SGRect> vClipped = ClipRects(vRects, nWidth, nHeight);
+    const std::vector<SGRect> vClipped = ClipToImage(vRects, nWidth, nHeight);
     if (bNew) {
-        if (nWidth < 1 || nHeight < 1 || nWidth > MAX_OVERLAY_SIZE || nHeight > MAX_OVERLAY_SIZE) {
-            m_rReport.Refuse("%s: overlay size %d x %d is outside 1 to %d", "SetOverlay", nWidth, nHeight,
-                             MAX_OVERLAY_SIZE);
+        if (!IsOverlaySizeUsable(nWidth, nHeight, m_rReport))
             return 0;
-        }
         // What needs memory comes first: without it the overlay stays as it is.
         SGOverlay sNew;
         sNew.Initialize(nullptr, nWidth, nHeight);
@@ -96,19 +56,13 @@ int COverlayImages::Set(SGOverlay& rOverlay, const unsigned char* pData, int nWi
         rOverlay.bRealloc = true;
         rOverlay.nTextureUnit = nTextureUnit;
     }
-    const std::size_t nBytes = Offset(0, nHeight, nWidth);
-    if (vRects.empty()) {
-        std::memcpy(rOverlay.pData, pData, nBytes);
+    if (vRects.empty())
         rOverlay.vDirtyRects.clear();
-    } else {
-        // What no rectangle names is transparent in a new overlay.
-        if (bNew)
-            std::memset(rOverlay.pData, 0, nBytes);
-        if (vClipped.empty() && !bNew)
-            return 1;
+    else if (vClipped.empty() && !bNew)
+        return 1;
+    else
         AddDirtyRects(rOverlay, vClipped);
-        CopyRects(rOverlay, pData, vClipped);
-    }
+    TakeOverlayPixels(rOverlay.pData, bNew, pData, nWidth, nHeight, vRects.empty() ? nullptr : &vClipped);
     rOverlay.bDirty = true;
     return 1;
 }
@@ -234,7 +188,8 @@ void COverlayImages::UploadOne(SGOverlay& rOverlay)
                 glBindTexture(GL_TEXTURE_2D, rOverlay.nTexture);
                 for (const SGRect& rRect : rOverlay.vDirtyRects)
                     glTexSubImage2D(GL_TEXTURE_2D, 0, rRect.x, rRect.y, rRect.width, rRect.height, GL_RGBA,
-                                    GL_UNSIGNED_BYTE, rOverlay.pData + Offset(rRect.x, rRect.y, nWidth));
+                                    GL_UNSIGNED_BYTE,
+                                    rOverlay.pData + OverlayOffset(rRect.x, rRect.y, nWidth));
             }
         }
     }

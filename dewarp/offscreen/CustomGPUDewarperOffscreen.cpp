@@ -3,8 +3,8 @@
 #include "dewarp/LockScope.h"
 #include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
-#include "dewarp/offscreen/FrameCheck.h"
 #include "dewarp/offscreen/OffscreenTarget.h"
+#include "dewarp/records/FrameCheck.h"
 #include "dewarp/shaders/VertexText.h"
 #include "platform/Display.h"
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/overlays/SGPUString.h"
+#include "platform/Export.h"
 
 #include <vector>
 
@@ -13,7 +14,7 @@ inline constexpr int MOST_TEXT_HEIGHT = 8192;
 
 /// Thread: any, serialised by the host. Fails: Set may throw for lack of memory, and leaves the list as it is
 /// then.
-struct SStringList
+struct LUMOR_INTERNAL_API SStringList
 {
     std::vector<SGPUString> vStrings;
     bool bStringsChanged = false;

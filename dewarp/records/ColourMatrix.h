@@ -4,6 +4,7 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "platform/Export.h"
 
 /// YUV to RGB: red = y + fRedV v; green = y - fGreenU u - fGreenV v; blue = y + fBlueU u.
 struct SColourMatrix
@@ -23,18 +24,18 @@ struct SYUVMatrix
 };
 
 /// The matrix of a YUV space. Unknown and automatic spaces count as BT.601. Thread: any. Fails: never.
-const SColourMatrix& ColourMatrixOf(EYUVSpace eSpace);
+LUMOR_INTERNAL_API const SColourMatrix& ColourMatrixOf(EYUVSpace eSpace);
 
 /// RGB frames whose gains are adjusted pass through YUV with these two, BT.601 to three decimals and back
 /// with fewer: unit gains come close to the input, not back to it. Thread: any. Fails: never.
-const SYUVMatrix& AdjustmentToYUV();
-const SColourMatrix& AdjustmentToRGB();
+LUMOR_INTERNAL_API const SYUVMatrix& AdjustmentToYUV();
+LUMOR_INTERNAL_API const SColourMatrix& AdjustmentToRGB();
 
 /// The YUV space to convert from, 1 to 4: the requested one, or the frame's own one (1 to 3) when 0 is
 /// requested. Everything else is BT.601.
 /// Thread: any. Fails: never.
-int EffectiveYUVSpace(int nRequested, int nReported);
+LUMOR_INTERNAL_API int EffectiveYUVSpace(int nRequested, int nReported);
 
 /// 2, limited, when that is requested or 0 is requested and the frame says so; otherwise 1, full.
 /// Thread: any. Fails: never.
-int EffectiveYUVRange(int nRequested, int nReported);
+LUMOR_INTERNAL_API int EffectiveYUVRange(int nRequested, int nReported);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/views/View.h"
+#include "platform/Export.h"
 
 /// The mesh is the whole strip, twice side by side; panning slides it. Serves VIEW_PANORAMA_FULL, _HALF and
 /// _QUARTER.
@@ -26,8 +27,9 @@ public:
 
     /// Matrices of the upper and the lower half of VIEW_PANORAMA_QUARTER, from projection and view of
     /// rMatrices.
-    static void HalfMatrices(const SDewarpParams& rParams, const SDewarpMatrices& rMatrices,
-                             float fMeshAspect, float* pUpper, float* pLower);
+    static LUMOR_INTERNAL_API void HalfMatrices(const SDewarpParams& rParams,
+                                                const SDewarpMatrices& rMatrices, float fMeshAspect,
+                                                float* pUpper, float* pLower);
     /// Share of the strip's aspect that a view shows; 0 for views that are none of these.
-    static float ShownShare(EViewType eView);
+    static LUMOR_INTERNAL_API float ShownShare(EViewType eView);
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/views/View.h"
+#include "platform/Export.h"
 
 /// The half-sphere in front of the camera, unrolled. Tilt moves it up and down inside a band that depends on
 /// how far the camera itself is tilted; pan lives in the mesh and rolls the picture about the optical axis.
@@ -23,7 +24,7 @@ public:
 
     /// The tilt band of a camera tilted by fWallAngle; a false flag narrows it further on the side towards
     /// which the camera is tilted.
-    static SPTZRange TiltBand(float fWallAngle, bool bStrict);
+    static LUMOR_INTERNAL_API SPTZRange TiltBand(float fWallAngle, bool bStrict);
     /// Limits a tilt to a band; the lower bound wins when the band is empty.
-    static void LimitTilt(const SPTZRange& rBand, float& fTilt);
+    static LUMOR_INTERNAL_API void LimitTilt(const SPTZRange& rBand, float& fTilt);
 };

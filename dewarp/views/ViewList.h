@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/views/View.h"
+#include "platform/Export.h"
 
 #include <span>
 
@@ -17,8 +18,8 @@ struct SViewEntry
 
 /// Every view that can be asked for, in the order in which people list them.
 /// Thread: any. Owns: constants of the library.
-std::span<const SViewEntry> ListViews();
+LUMOR_INTERNAL_API std::span<const SViewEntry> ListViews();
 
 /// The view of a type on a mount; types that are not listed show the fisheye.
 /// Thread: any. Fails: never.
-const CView& FindView(EViewType eType, EMountType eMount);
+LUMOR_INTERNAL_API const CView& FindView(EViewType eType, EMountType eMount);

@@ -18,7 +18,16 @@ sPackageFile=$(find "$sWork/tree" -name lumor_dewarp.pc)
 export PKG_CONFIG_PATH=${sPackageFile%/*}
 c++ -std=c++20 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror $(pkg-config --cflags lumor_dewarp) \
     "$sHere/Main.cpp" -o "$sWork/plain" $(pkg-config --libs lumor_dewarp)
-LD_LIBRARY_PATH=$(pkg-config --variable=libdir lumor_dewarp) "$sWork/plain"
+sLibraries=$(pkg-config --variable=libdir lumor_dewarp)
+LD_LIBRARY_PATH=$sLibraries "$sWork/plain"
+
+# With the library's name alone, which brings the core, through every linker that is there.
+for sLinker in bfd gold lld mold; do
+    command -v "ld.$sLinker" >/dev/null || continue
+    c++ -std=c++20 -fuse-ld="$sLinker" $(pkg-config --cflags lumor_dewarp) "$sHere/Main.cpp" -o "$sWork/named" \
+        -L"$sLibraries" -llumor_dewarp
+    LD_LIBRARY_PATH=$sLibraries "$sWork/named"
+done
 
 # The static library of the same build, with nothing but what the package names.
 c++ -std=c++20 $(pkg-config --cflags lumor_dewarp) "$sHere/Main.cpp" -o "$sWork/static" \

@@ -1,4 +1,5 @@
 // The recording layer itself: tests may only trust it if it stands before every call.
+#include "platform/ShaderDialect.h"
 #include "tests/support/TestDewarper.h"
 
 #include <GLES3/gl31.h>
@@ -9,11 +10,11 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-/// The library's file, from where one of its functions lies.
+/// The file of the library that calls GL, from where one of its functions lies.
 static std::string LibraryPath()
 {
     Dl_info sInfo = {};
-    dladdr(reinterpret_cast<void*>(&AutoDetectLensType), &sInfo);
+    dladdr(reinterpret_cast<void*>(&SetShaderPrecisionAdaption), &sInfo);
     return sInfo.dli_fname == nullptr ? "" : sInfo.dli_fname;
 }
 

@@ -6,6 +6,11 @@
 #include <regex>
 #include <sstream>
 
+static EMark MarkOf(const std::string& strMark)
+{
+    return strMark.empty() ? MARK_NONE : strMark == "LUMOR_API " ? MARK_API : MARK_INTERNAL;
+}
+
 std::vector<SInstalledHeader> InstalledHeaders()
 {
     const MSources oLists = ReadSources({"cmake"}, {"PublicHeaders.cmake"});
@@ -34,19 +39,20 @@ std::set<std::string> NamesOf(const std::vector<SInstalledHeader>& vHeaders)
     return oNames;
 }
 
-std::vector<std::string> DeclarationsOf(const std::string& strHeader, bool bMarked)
+std::vector<std::string> DeclarationsOf(const std::string& strHeader, EMark eMark)
 {
     // Declarations stand at the beginning of a line: contents of classes and bodies are indented.
-    static const std::regex TYPE("^(class|struct|union) (LUMOR_API )?(\\w+)( final)?( : .*)?$");
-    static const std::regex FUNCTION("^(LUMOR_API )?[\\w:][\\w:<>*& ]*[ *&](\\w+)\\(.*$");
-    static const std::regex CONSTANT("^extern (LUMOR_API )?const .*?(\\w+)(\\[.*)?;.*$");
+    static const std::regex TYPE(
+        "^(class|struct|union) (LUMOR_API |LUMOR_INTERNAL_API )?(\\w+)( final)?( : .*)?$");
+    static const std::regex FUNCTION("^(LUMOR_API |LUMOR_INTERNAL_API )?[\\w:][\\w:<>*& ]*[ *&](\\w+)\\(.*$");
+    static const std::regex CONSTANT("^extern (LUMOR_API |LUMOR_INTERNAL_API )?const .*?(\\w+)(\\[.*)?;.*$");
     static const std::regex INLINE("^(inline|static|template|using|typedef|constexpr)\\b.*$");
     std::vector<std::string> vNames;
     std::istringstream oStream(BareCode(strHeader));
     std::string strLine;
     std::smatch oMatch;
     const auto Note = [&](std::size_t nMark, std::size_t nName) {
-        if (oMatch[nMark].matched == bMarked)
+        if (MarkOf(oMatch[nMark].str()) == eMark)
             vNames.push_back(oMatch[nName]);
     };
     while (std::getline(oStream, strLine)) {

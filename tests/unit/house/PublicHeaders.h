@@ -21,6 +21,14 @@ std::vector<SInstalledHeader> InstalledHeadersIn(const std::string& strList);
 
 std::set<std::string> NamesOf(const std::vector<SInstalledHeader>& vHeaders);
 
-/// Classes, records, functions and constants at the level of namespaces whose declaration is marked as part
-/// of the interface, or is not. What is inline needs no mark, nor do enumerations and declarations ahead.
-std::vector<std::string> DeclarationsOf(const std::string& strHeader, bool bMarked);
+/// How a declaration is marked.
+enum EMark : int
+{
+    MARK_NONE,     ///< hidden
+    MARK_API,      ///< part of the interface
+    MARK_INTERNAL, ///< shown by one of the library's parts to the other
+};
+
+/// Classes, records, functions and constants at the level of namespaces whose declaration has that mark. What
+/// is inline needs none, nor do enumerations and declarations ahead.
+std::vector<std::string> DeclarationsOf(const std::string& strHeader, EMark eMark);

@@ -1,5 +1,8 @@
 #include "PublicHeaders.h"
 
+#include "RoomOrder.h"
+#include "SourceScan.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -63,12 +66,32 @@ TEST(PublicHeaders, EverythingInThemIsExportedAndNothingElseIs)
         // Android has its own assertion and log; the names of ours are exported where they are defined.
         if (strPath == "platform/Assert.h" || strPath.starts_with("platform/linux/include/"))
             continue;
-        for (const std::string& strName : DeclarationsOf(strSource, !bInstalled))
+        for (const std::string& strName : DeclarationsOf(strSource, bInstalled ? MARK_NONE : MARK_API))
             vWrong.push_back(Concatenate({strPath, ": ", strName}));
-        nExported += DeclarationsOf(strSource, true).size();
+        nExported += DeclarationsOf(strSource, MARK_API).size();
     }
     EXPECT_EQ(vWrong, VStrings{});
     EXPECT_GT(nExported, 50u);
+}
+
+TEST(PublicHeaders, OnlyTheCoreShowsWhatIsNotInstalled)
+{
+    const std::set<std::string> oInstalled = NamesOf(InstalledHeaders());
+    const std::set<std::string> CORE = {"dewarp/control", "dewarp/geometry", "dewarp/overlays",
+                                        "dewarp/records", "dewarp/views",    "platform/Report.h"};
+    VStrings vWrong;
+    std::set<std::string> oRooms;
+    for (const auto& [strPath, strSource] : ReadSources({"dewarp", "platform"}, {".h"})) {
+        const bool bMarked = BareCode(strSource).find("LUMOR_INTERNAL_API") != std::string::npos;
+        if (!bMarked || strPath == "platform/Export.h")
+            continue;
+        const std::string strRoom = CORE.contains(strPath) ? strPath : RoomOf(strPath);
+        if (oInstalled.contains(strPath) || !CORE.contains(strRoom))
+            vWrong.push_back(strPath);
+        oRooms.insert(strRoom);
+    }
+    EXPECT_EQ(vWrong, VStrings{});
+    EXPECT_EQ(oRooms, CORE);
 }
 
 TEST(InstalledHeadersIn, LinesWithAHeaderAreRead)
@@ -91,7 +114,9 @@ TEST(DeclarationsOf, MarkedAndUnmarkedOnesAreToldApart)
         "LUMOR_API std::vector<int> Three(int n,\n                           int m);\nbool Four(); // (\n"
         "inline int Five()\n{\n    return Six();\n}\nenum ESeven : int\n{\n    EIGHT\n};\n"
         "extern LUMOR_API const unsigned char pNine[3]; ///< x\nextern const int nTen;\n"
-        "unsigned char* Eleven(int);\nusing F = void (*)(int);\n";
-    EXPECT_EQ(DeclarationsOf(strHeader, true), (VStrings{"SOne", "Three", "pNine"}));
-    EXPECT_EQ(DeclarationsOf(strHeader, false), (VStrings{"CTwo", "Four", "nTen", "Eleven"}));
+        "unsigned char* Eleven(int);\nusing F = void (*)(int);\n"
+        "class LUMOR_INTERNAL_API CTwelve\n{\n};\nLUMOR_INTERNAL_API int Thirteen(int n);\n";
+    EXPECT_EQ(DeclarationsOf(strHeader, MARK_API), (VStrings{"SOne", "Three", "pNine"}));
+    EXPECT_EQ(DeclarationsOf(strHeader, MARK_NONE), (VStrings{"CTwo", "Four", "nTen", "Eleven"}));
+    EXPECT_EQ(DeclarationsOf(strHeader, MARK_INTERNAL), (VStrings{"CTwelve", "Thirteen"}));
 }

@@ -4,8 +4,9 @@
 
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SQPInfo.h"
+#include "platform/Export.h"
 
 #include <string>
 
 /// What is wrong with a frame of CPU planes, in words; empty when nothing is. Thread: any.
-std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP);
+LUMOR_INTERNAL_API std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP);

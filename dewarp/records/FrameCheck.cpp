@@ -1,4 +1,4 @@
-#include "dewarp/offscreen/FrameCheck.h"
+#include "dewarp/records/FrameCheck.h"
 
 namespace
 {
