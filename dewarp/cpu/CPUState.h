@@ -1,0 +1,76 @@
+/// \file
+/// Everything that one dewarper of the processor engine is put together from. Inside the room only.
+#pragma once
+
+#include "dewarp/control/Control.h"
+#include "dewarp/control/Decision.h"
+#include "dewarp/cpu/CustomCPUDewarper.h"
+#include "dewarp/cpu/FrameDraw.h"
+#include "dewarp/geometry/CustomGPUGeometry.h"
+#include "dewarp/overlays/MaskList.h"
+#include "dewarp/overlays/StringList.h"
+#include "dewarp/records/LogTag.h"
+#include "platform/Report.h"
+
+#include <memory>
+#include <mutex>
+
+/// What keeps a frame from being drawn; each is said once as long as it stands.
+enum ECPUFault : int
+{
+    CPU_FAULT_NO_FRAME,
+    CPU_FAULT_NO_TARGET,
+    CPU_FAULT_MASKS,
+};
+
+struct CCustomCPUDewarper::SState
+{
+    // Steps of a frame, in their order.
+    bool HasFrameAndTarget();
+    void PutInForce();
+    void PrepareMesh();
+    void PrepareGrid();
+    bool Draw(const SFrameTarget& rTarget, int nTargetFault);
+    bool DrawToOwnBuffer();
+    void RequestFrame() { oControl.bDrawRequired = true; }
+    int CountThreads() const;
+    /// Reports a fault that ends an operation, and returns false.
+    bool Fail(const char* pFunction, const char* pMessage);
+
+    std::recursive_mutex oMutex;
+    CReport oReport{DEWARP_LOG_TAG};
+    CControl oControl{oReport};
+    SPictureSettings sPicture;
+    SMaskList sMasks;
+    SStringList sStrings;
+    bool bInputOverlay = false; ///< the host's last wish
+
+    int nTargetWidth = 0;
+    int nTargetHeight = 0;
+    int nThreads = 0; ///< as asked for
+    bool bExact = false;
+
+    SImageProperties sImage;
+    SQPInfo sQP;
+    bool bHasFrame = false; ///< the planes belong to a frame
+    unsigned long long nLastSet = 0;
+    unsigned long long nLastDisplayed = 0;
+    bool bViewDrawn = false; ///< a view is in force: its limits count at once
+
+    SFrameDecision sDecision;
+    CCustomGPUGeometry oGeometry;
+    CMeshIndex oMesh;
+    SMeshKey sMeshBuiltFor;
+    CViewGrid oGrid;
+    bool bGridBuilt = false; ///< for the decision, mesh and shape
+    SFrameShape sGridShape;
+
+    // What GetImage gives: two halves, the picture in the second one.
+    std::unique_ptr<unsigned char[]> pBuffer;
+    std::size_t nBufferSize = 0;
+    int nDrawnWidth = 0; ///< 0: nothing was drawn
+    int nDrawnHeight = 0;
+};
+
+/// Holds the dewarper's lock for a scope.
+using CCPULock = std::lock_guard<std::recursive_mutex>;
