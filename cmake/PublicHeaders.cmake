@@ -3,8 +3,10 @@
 set(LUMOR_PUBLIC_HEADERS
     dewarp/CustomGPUDewarper.h
     dewarp/CustomGPUGeometry.h
+    dewarp/Dewarper.h
     dewarp/DewarperState.h
     dewarp/LumorDewarp.h
+    dewarp/cpu/CustomCPUDewarper.h
     dewarp/geometry/CustomGPUGeometry.h
     dewarp/geometry/Matrix.h
     dewarp/geometry/MeshKey.h
@@ -27,6 +29,7 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/records/Enumerations.h
     dewarp/records/SDewarpMatrices.h
     dewarp/records/SDewarpParams.h
+    dewarp/records/SFrameTarget.h
     dewarp/records/SGRect.h
     dewarp/records/SImageProperties.h
     dewarp/records/SPTZLimits.h

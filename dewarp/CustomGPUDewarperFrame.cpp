@@ -3,12 +3,12 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/LockScope.h"
-#include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/gl/PictureRequests.h"
 #include "dewarp/records/LogTag.h"
 #include "platform/Assert.h"
+#include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>

@@ -3,9 +3,9 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/LockScope.h"
-#include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/records/ColourMatrix.h"
+#include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
 

@@ -3,10 +3,10 @@
 #include "dewarp/CustomGPUDewarper.h"
 
 #include "dewarp/LockScope.h"
-#include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/overlays/MaskPolygonFormat.h"
 #include "dewarp/overlays/StringFormat.h"
+#include "platform/MemoryGuard.h"
 
 #include <utility>
 

@@ -4,6 +4,7 @@
 
 #include "dewarp/overlays/SGPUString.h"
 #include "dewarp/records/Enumerations.h"
+#include "dewarp/records/SFrameTarget.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"
@@ -20,16 +21,6 @@ enum EDewarpEngine : int
     ENGINE_AUTO = 0, ///< OpenGL ES where a hardware driver is, the processor otherwise
     ENGINE_GL = 1,
     ENGINE_CPU = 2,
-};
-
-/// Where a frame is drawn in the host's memory. Packed formats use the first plane; IMAGE_FORMAT_NV12 the
-/// first two (luma, then U and V in turns); IMAGE_FORMAT_YUV420P all three (Y, U, V). Chroma planes have half
-/// the columns and rows, rounded up. Units: bytes from one row to the next. Owns: nothing.
-struct LUMOR_API SFrameTarget
-{
-    unsigned char* apPlanes[3] = {nullptr, nullptr, nullptr};
-    int anStrides[3] = {0, 0, 0};
-    EImageFormat eFormat = IMAGE_FORMAT_BGRA32;
 };
 
 /// A dewarper of either engine. Same operations, limits, defaults, results and log lines for both; what each

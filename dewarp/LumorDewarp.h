@@ -4,6 +4,8 @@
 
 #include "dewarp/CustomGPUDewarper.h"
 #include "dewarp/CustomGPUGeometry.h"
+#include "dewarp/Dewarper.h"
+#include "dewarp/cpu/CustomCPUDewarper.h"
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/gl/GPUObjBase.h"
 #include "dewarp/gl/GPUObjFisheye.h"
@@ -22,6 +24,7 @@
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/records/SDewarpParams.h"
+#include "dewarp/records/SFrameTarget.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SQPInfo.h"

@@ -2,10 +2,10 @@
 
 #include "dewarp/android/CustomGPUDewarperVela.h"
 
-#include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
 #include "platform/BufferImages.h"
 #include "platform/Display.h"
+#include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>

@@ -2,13 +2,13 @@
 
 #include "dewarp/android/CustomGPUDewarperVela.h"
 
-#include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/gl/PlaneUpload.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/YUVTargetText.h"
 #include "platform/BufferImages.h"
 #include "platform/DriverErrors.h"
+#include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>

@@ -1,12 +1,12 @@
 #include "dewarp/offscreen/CustomGPUDewarperOffscreen.h"
 
 #include "dewarp/LockScope.h"
-#include "dewarp/MemoryGuard.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/offscreen/OffscreenTarget.h"
 #include "dewarp/records/FrameCheck.h"
 #include "dewarp/shaders/VertexText.h"
 #include "platform/Display.h"
+#include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>

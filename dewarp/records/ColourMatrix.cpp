@@ -30,6 +30,11 @@ const SColourMatrix& ColourMatrixOf(EYUVSpace eSpace)
     }
 }
 
+SLumaShares LumaSharesOf(const SColourMatrix& rMatrix)
+{
+    return {rMatrix.fGreenV / rMatrix.fRedV, rMatrix.fGreenU / rMatrix.fBlueU};
+}
+
 const SYUVMatrix& AdjustmentToYUV()
 {
     return ADJUSTMENT_TO_YUV;

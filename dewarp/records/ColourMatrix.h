@@ -23,8 +23,19 @@ struct SYUVMatrix
     float fV[3];
 };
 
+/// How much of each colour is in luma: luma = (green + fRed red + fBlue blue) / (1 + fRed + fBlue).
+struct SLumaShares
+{
+    float fRed;
+    float fBlue;
+};
+
 /// The matrix of a YUV space. Unknown and automatic spaces count as BT.601. Thread: any. Fails: never.
 LUMOR_INTERNAL_API const SColourMatrix& ColourMatrixOf(EYUVSpace eSpace);
+
+/// What a YUV to RGB matrix says of luma: u and v in terms of it, put into the equation of green. Thread:
+/// any. Fails: never.
+SLumaShares LumaSharesOf(const SColourMatrix& rMatrix);
 
 /// RGB frames whose gains are adjusted pass through YUV with these two, BT.601 to three decimals and back
 /// with fewer: unit gains come close to the input, not back to it. Thread: any. Fails: never.

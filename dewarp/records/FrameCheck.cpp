@@ -57,3 +57,33 @@ std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP)
         return "macroblock information has an impossible size";
     return std::string();
 }
+
+std::string FindTargetFault(const SFrameTarget& rTarget, int nWidth, int nHeight)
+{
+    const int nChroma = nWidth / 2 + nWidth % 2;
+    int anRows[3] = {nWidth, 0, 0}; // bytes of a row of each plane
+    switch (static_cast<int>(rTarget.eFormat)) {
+    case IMAGE_FORMAT_BGRA32:
+    case IMAGE_FORMAT_RGBA32:
+        anRows[0] = 4 * nWidth;
+        break;
+    case IMAGE_FORMAT_NV12:
+        anRows[1] = 2 * nChroma;
+        break;
+    case IMAGE_FORMAT_YUV420P:
+        anRows[1] = anRows[2] = nChroma;
+        break;
+    default:
+        return "nothing is drawn in image format " + std::to_string(static_cast<int>(rTarget.eFormat));
+    }
+    if (nWidth < 1 || nHeight < 1 || nWidth > MAX_SIZE || nHeight > MAX_SIZE)
+        return "the target has no size yet";
+    for (int i = 0; i < 3 && anRows[i] > 0; ++i) {
+        if (rTarget.apPlanes[i] == nullptr)
+            return "plane " + std::to_string(i) + " of the target is missing";
+        if (rTarget.anStrides[i] < anRows[i])
+            return "stride of " + std::to_string(rTarget.anStrides[i]) + " bytes does not fit rows of " +
+                   std::to_string(anRows[i]) + " bytes in plane " + std::to_string(i) + " of the target";
+    }
+    return std::string();
+}

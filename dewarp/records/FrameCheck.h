@@ -1,7 +1,8 @@
 /// \file
-/// Tells whether a frame that a host hands over can be drawn.
+/// Tells whether a frame that a host hands over can be drawn, and whether it can be drawn into a target.
 #pragma once
 
+#include "dewarp/records/SFrameTarget.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SQPInfo.h"
 #include "platform/Export.h"
@@ -10,3 +11,6 @@
 
 /// What is wrong with a frame of CPU planes, in words; empty when nothing is. Thread: any.
 LUMOR_INTERNAL_API std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP);
+
+/// What is wrong with a target for pictures of a size, in words; empty when nothing is. Thread: any.
+LUMOR_INTERNAL_API std::string FindTargetFault(const SFrameTarget& rTarget, int nWidth, int nHeight);

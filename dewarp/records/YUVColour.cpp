@@ -44,10 +44,8 @@ unsigned int ConvertColourToYUV(unsigned int nRGBA, EYUVSpace eSpace, EYUVRange 
     const float fRed = Channel(nRGBA, 24);
     const float fGreen = Channel(nRGBA, 16);
     const float fBlue = Channel(nRGBA, 8);
-    // u and v in terms of luma, put into the equation of green.
-    const float fU = rMatrix.fGreenU / rMatrix.fBlueU;
-    const float fV = rMatrix.fGreenV / rMatrix.fRedV;
-    const float y = (fGreen + fU * fBlue + fV * fRed) / (1.0f + fU + fV);
+    const SLumaShares s = LumaSharesOf(rMatrix);
+    const float y = (fGreen + s.fBlue * fBlue + s.fRed * fRed) / (1.0f + s.fBlue + s.fRed);
     const float u = (fBlue - y) / rMatrix.fBlueU;
     const float v = (fRed - y) / rMatrix.fRedV;
     const bool bLimited = eRange == YUV_RANGE_LIMITED;

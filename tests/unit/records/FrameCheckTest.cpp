@@ -90,3 +90,57 @@ TEST(FindFrameFault, MacroblockInformationCountsWhereItHasAny)
     EXPECT_EQ(FindFrameFault(&sImage, &sQP), "macroblock information has an impossible size");
     sQP.pQP = nullptr;
 }
+
+namespace
+{
+
+SFrameTarget Target(EImageFormat eFormat, int nStride0, int nStride1, int nStride2)
+{
+    SFrameTarget sTarget;
+    sTarget.eFormat = eFormat;
+    const int anStrides[] = {nStride0, nStride1, nStride2};
+    for (int i = 0; i < 3; ++i) {
+        sTarget.apPlanes[i] = anStrides[i] > 0 ? &aPlanes[i] : nullptr;
+        sTarget.anStrides[i] = anStrides[i];
+    }
+    return sTarget;
+}
+
+} // namespace
+
+TEST(FindTargetFault, EveryFormatNeedsItsPlanesAndWholeRows)
+{
+    for (const SFrameTarget& rGood :
+         {Target(IMAGE_FORMAT_BGRA32, 28, 0, 0), Target(IMAGE_FORMAT_RGBA32, 28, 0, 0),
+          Target(IMAGE_FORMAT_NV12, 7, 8, 0), Target(IMAGE_FORMAT_YUV420P, 7, 4, 4)}) {
+        SCOPED_TRACE(rGood.eFormat);
+        EXPECT_EQ(FindTargetFault(rGood, 7, 5), "");
+        for (int i = 0; i < 3; ++i) {
+            if (rGood.apPlanes[i] == nullptr)
+                continue;
+            SFrameTarget sBad = rGood;
+            sBad.apPlanes[i] = nullptr;
+            EXPECT_EQ(FindTargetFault(sBad, 7, 5),
+                      "plane " + std::to_string(i) + " of the target is missing");
+            sBad = rGood;
+            for (const int nStride : {rGood.anStrides[i] - 1, 0, -rGood.anStrides[i]}) {
+                sBad.anStrides[i] = nStride;
+                EXPECT_EQ(FindTargetFault(sBad, 7, 5),
+                          "stride of " + std::to_string(nStride) + " bytes does not fit rows of " +
+                              std::to_string(rGood.anStrides[i]) + " bytes in plane " + std::to_string(i) +
+                              " of the target");
+            }
+        }
+    }
+}
+
+TEST(FindTargetFault, OtherFormatsAndNoSizeAreNamed)
+{
+    for (const int nFormat : {int{IMAGE_FORMAT_RGB24}, int{IMAGE_FORMAT_BGR24}, int{IMAGE_FORMAT_GRAY8},
+                              int{IMAGE_FORMAT_NV21}, 99})
+        EXPECT_EQ(FindTargetFault(Target(static_cast<EImageFormat>(nFormat), 100, 100, 100), 4, 4),
+                  "nothing is drawn in image format " + std::to_string(nFormat));
+    for (const auto& [nWidth, nHeight] : {std::pair{0, 0}, {0, 4}, {4, 0}, {-1, 4}, {16385, 4}, {4, 16385}})
+        EXPECT_EQ(FindTargetFault(Target(IMAGE_FORMAT_NV12, 20000, 20000, 0), nWidth, nHeight),
+                  "the target has no size yet");
+}
