@@ -6,6 +6,7 @@
 #include "dewarp/control/Decision.h"
 #include "dewarp/cpu/CustomCPUDewarper.h"
 #include "dewarp/cpu/FrameDraw.h"
+#include "dewarp/cpu/OverlayImage.h"
 #include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/overlays/MaskList.h"
 #include "dewarp/overlays/StringList.h"
@@ -26,12 +27,14 @@ enum ECPUFault : int
 struct CCustomCPUDewarper::SState
 {
     // Steps of a frame, in their order.
-    bool HasFrameAndTarget();
-    void PutInForce();
+    bool HasFrameAndTarget(const char* pFunction);
+    void PrepareView();
     void PrepareMesh();
-    void PrepareGrid();
-    bool Draw(const SFrameTarget& rTarget, int nTargetFault);
-    bool DrawToOwnBuffer();
+    void DrawView(const SFrameTarget& rTarget);
+    bool KeepsYUV() const;
+    SFrameTarget OwnTarget();
+    /// A whole frame: into the host's memory, or into the own buffer.
+    bool Draw(const SFrameTarget* pTarget, const char* pFunction);
     void RequestFrame() { oControl.bDrawRequired = true; }
     int CountThreads() const;
     /// Reports a fault that ends an operation, and returns false.
@@ -43,7 +46,12 @@ struct CCustomCPUDewarper::SState
     SPictureSettings sPicture;
     SMaskList sMasks;
     SStringList sStrings;
-    bool bInputOverlay = false; ///< the host's last wish
+    COverlayImage oInputOverlay;
+    COverlayImage oOutputOverlay;
+    // What changed since a layer was built shows in these numbers.
+    unsigned int nGridNumber = 0;
+    unsigned int nInputOverlayNumber = 0;
+    unsigned int nOutputOverlayNumber = 0;
 
     int nTargetWidth = 0;
     int nTargetHeight = 0;

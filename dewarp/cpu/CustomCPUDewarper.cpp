@@ -2,10 +2,10 @@
 
 #include "dewarp/cpu/CustomCPUDewarper.h"
 
-#include "dewarp/MemoryGuard.h"
 #include "dewarp/cpu/CPUState.h"
 #include "dewarp/records/FrameCheck.h"
 #include "dewarp/views/ViewList.h"
+#include "platform/MemoryGuard.h"
 
 #include <atomic>
 
@@ -43,8 +43,7 @@ bool CCustomCPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
     s.sPicture.bGain = bGain;
     const SDewarpParams& rParams = s.oControl.sParams;
     const bool bOtherPicture = pImage->nWidth != rParams.nImageWidth ||
-                               pImage->nHeight != rParams.nImageHeight ||
-                               pImage->nFormat != s.sImage.nFormat;
+                               pImage->nHeight != rParams.nImageHeight || pImage->nFormat != s.sImage.nFormat;
     s.oControl.SetFrame(pImage->nWidth, pImage->nHeight, pImage->nStride, bOtherPicture);
     s.sImage = *pImage;
     s.sImage.bOwnsBuffers = false;

@@ -1,5 +1,7 @@
 #include "dewarp/shaders/VertexText.h"
 
+#include "dewarp/records/Mirrors.h"
+
 namespace VERTEX_TEXT
 {
 
@@ -26,16 +28,11 @@ static const char* const pEnd = "}                            \n";
 
 std::string VertexText(const SVertexTextInput& sInput)
 {
-    // Flips are meant for the upright picture; on an image that lies on its side its axes have changed
-    // places.
-    const bool bUpright = sInput.nRotation == 0 || sInput.nRotation == 180;
-    const bool bMirrorX = bUpright ? sInput.bFlipHorizontal : sInput.bFlipVertical;
-    const bool bMirrorY = bUpright ? sInput.bFlipVertical : sInput.bFlipHorizontal;
-
+    const SMirrors sMirrors = MirrorsOf(sInput.bFlipHorizontal, sInput.bFlipVertical, sInput.nRotation);
     std::string strText = VERTEX_TEXT::pHead;
-    if (bMirrorX)
+    if (sMirrors.bX)
         strText += VERTEX_TEXT::pMirrorX;
-    if (bMirrorY)
+    if (sMirrors.bY)
         strText += VERTEX_TEXT::pMirrorY;
     strText += VERTEX_TEXT::pPosition;
     if (sInput.bInvertY)

@@ -76,7 +76,8 @@ const std::vector<SRoomRule>& HouseRules()
          TELLING,
          {}},
         {"dewarp/shaders/",
-         {"dewarp/shaders/", "dewarp/records/Enumerations.h", "dewarp/records/ColourMatrix"},
+         {"dewarp/shaders/", "dewarp/records/Enumerations.h", "dewarp/records/ColourMatrix",
+          "dewarp/records/Mirrors.h"},
          PLAIN,
          {}},
         // Of control only its records: what was decided, not how.

@@ -1,0 +1,146 @@
+// One frame: what was asked for is put in force and decided, then carried out.
+
+#include "dewarp/cpu/CPUState.h"
+
+#include "dewarp/cpu/WorkerPool.h"
+#include "dewarp/records/Mirrors.h"
+#include "dewarp/records/PackYUV.h"
+
+#include <algorithm>
+
+int CCustomCPUDewarper::SState::CountThreads() const
+{
+    return nThreads == 0 ? CWorkerPool::CountCores() : nThreads;
+}
+
+bool CCustomCPUDewarper::SState::HasFrameAndTarget(const char* pFunction)
+{
+    if (!bHasFrame) {
+        oReport.Standing(CPU_FAULT_NO_FRAME, "%s: no frame was handed over yet", pFunction);
+        return false;
+    }
+    if (nTargetWidth > 0)
+        return true;
+    oReport.Standing(CPU_FAULT_NO_TARGET, "%s: the target (%d x %d) or the frame (%d x %d) has no size",
+                     pFunction, nTargetWidth, nTargetHeight, sImage.nWidth, sImage.nHeight);
+    return false;
+}
+
+/// Requests are put in force, the view is decided, and the grid stands for it.
+void CCustomCPUDewarper::SState::PrepareView()
+{
+    oControl.ApplyRequests();
+    bViewDrawn = true;
+    const STargetShape sTarget = {nTargetWidth, nTargetHeight, true};
+    if (!IsDecidedFor(sDecision, oControl, sTarget)) {
+        bGridBuilt = false;
+        DecideView(oControl, sTarget, sDecision);
+    }
+    sDecision.sPicture = sPicture;
+    PrepareMesh();
+    const SMirrors sMirrors = MirrorsOf(sPicture.bFlipHorizontal, sPicture.bFlipVertical, oControl.nRotation);
+    const SFrameShape sShape = {sImage.nWidth, sImage.nHeight, sMirrors.bX, sMirrors.bY};
+    if (bGridBuilt && sGridShape == sShape)
+        return;
+    bGridBuilt = false;
+    ++nGridNumber;
+    oGrid.Build(sDecision, oMesh, sShape, CountThreads());
+    sGridShape = sShape;
+    bGridBuilt = true;
+}
+
+void CCustomCPUDewarper::SState::PrepareMesh()
+{
+    if (sMeshBuiltFor == sDecision.sMesh)
+        return;
+    // Until it is whole the mesh is nobody's: memory may run out on the way.
+    sMeshBuiltFor = SMeshKey();
+    bGridBuilt = false;
+    sDecision.pView->BuildMesh(oGeometry, sDecision.sMesh);
+    oMesh.Build(oGeometry, sDecision.sMesh.eMesh == MESH_FISHEYE_CIRCULAR);
+    sMeshBuiltFor = sDecision.sMesh;
+}
+
+void CCustomCPUDewarper::SState::DrawView(const SFrameTarget& rTarget)
+{
+    SFrameColours sColours = PrepareColours(sImage, sPicture, oControl.eInterpolation == INTERPOLATION_LINEAR,
+                                            sQP.pQP != nullptr ? &sQP : nullptr);
+    sColours.sJob.bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
+    SFrameJob sJob;
+    sJob.pColours = &sColours;
+    sJob.pKernels = &BestKernels();
+    sJob.pGrid = &oGrid;
+    sJob.sTarget = rTarget;
+    const CFrameDraw oDraw(sJob);
+    for (const SGRect& rRect : oGrid.Remainder())
+        oDraw.Clear(rRect);
+    CWorkerPool& rPool = CWorkerPool::Shared();
+    for (int g = 0; g < oGrid.CountParts(); ++g) {
+        const SPartGrid& rGrid = oGrid.Parts()[g];
+        rPool.Run(CountThreads(), rGrid.nRows, [&](int nRow) { oDraw.DrawCellRow(rGrid, nRow); });
+    }
+}
+
+/// Whether the view can be drawn as YUV without a detour over pixels.
+bool CCustomCPUDewarper::SState::KeepsYUV() const
+{
+    switch (sImage.nFormat) {
+    case IMAGE_FORMAT_NV12:
+    case IMAGE_FORMAT_NV21:
+    case IMAGE_FORMAT_YUV420P:
+        return true;
+    case IMAGE_FORMAT_GRAY8:
+        return EffectiveYUVRange(sPicture.sYUV2RGB.eRange, sImage.eYUVRange) == YUV_RANGE_FULL;
+    default:
+        return false;
+    }
+}
+
+SFrameTarget CCustomCPUDewarper::SState::OwnTarget()
+{
+    const std::size_t nStride = static_cast<std::size_t>(nTargetWidth) * 4;
+    const std::size_t nHalf = static_cast<std::size_t>(nTargetHeight + nTargetHeight % 2) * nStride;
+    if (nBufferSize < 2 * nHalf) {
+        nBufferSize = 0;
+        nDrawnWidth = 0;
+        pBuffer.reset();
+        pBuffer = std::make_unique_for_overwrite<unsigned char[]>(2 * nHalf);
+        nBufferSize = 2 * nHalf;
+    }
+    SFrameTarget sTarget;
+    sTarget.apPlanes[0] = pBuffer.get() + nHalf;
+    sTarget.anStrides[0] = static_cast<int>(nStride);
+    return sTarget;
+}
+
+bool CCustomCPUDewarper::SState::Draw(const SFrameTarget* pTarget, const char* pFunction)
+{
+    if (!HasFrameAndTarget(pFunction))
+        return false;
+    PrepareView();
+    const bool bYUV = pTarget != nullptr &&
+                      (pTarget->eFormat == IMAGE_FORMAT_NV12 || pTarget->eFormat == IMAGE_FORMAT_YUV420P);
+    const bool bDetour = bYUV && !KeepsYUV();
+    if (pTarget == nullptr || bDetour) {
+        const SFrameTarget sOwn = OwnTarget();
+        nDrawnWidth = 0;
+        DrawView(sOwn);
+        nDrawnWidth = nTargetWidth;
+        nDrawnHeight = nTargetHeight;
+        if (bDetour) {
+            SYUV2RGBConversionParams sInForce = sPicture.sYUV2RGB;
+            sInForce.eSpace = static_cast<EYUVSpace>(EffectiveYUVSpace(sInForce.eSpace, sImage.eYUVSpace));
+            sInForce.eRange = static_cast<EYUVRange>(EffectiveYUVRange(sInForce.eRange, sImage.eYUVRange));
+            PackPicture(sOwn.apPlanes[0], sOwn.anStrides[0], nTargetWidth, nTargetHeight,
+                        YUVWeightsOf(sInForce), *pTarget);
+        }
+    } else {
+        // The picture is the host's alone.
+        nDrawnWidth = 0;
+        DrawView(*pTarget);
+    }
+    oReport.AllOver();
+    oControl.bDrawRequired = false;
+    nLastDisplayed = nLastSet;
+    return true;
+}
