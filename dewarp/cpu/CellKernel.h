@@ -139,6 +139,8 @@ SYUVSample SampleYUV(const SCellJob& rJob, const SGridPoint& rPoint);
 std::uint32_t ConvertYUV(const SColourFactors& rColours, const SYUVSample& rSample);
 /// A pixel of a packed frame likewise.
 std::uint32_t SamplePacked(const SCellJob& rJob, const SGridPoint& rPoint);
+/// A pixel of any frame likewise.
+std::uint32_t PlainPixel(const SCellJob& rJob, const SGridPoint& rPoint);
 /// Bytes of a pixel in the job's order.
 inline std::uint32_t Ordered(const SCellJob& rJob, std::uint32_t nRGBA)
 {

@@ -1,6 +1,7 @@
-#include "dewarp/cpu/CellKernel.h"
+#include "dewarp/cpu/CellTargets.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace
 {
@@ -154,4 +155,36 @@ const SCellKernels& PlainKernels()
 {
     static const SCellKernels sKernels = {"plain"};
     return sKernels;
+}
+
+void PlainPixels(const SCellJob& rJob, const SCellPoints& rPoints, unsigned char* pTarget,
+                 std::ptrdiff_t nStride)
+{
+    SGridPoint aPoints[CELL_PIXELS];
+    PixelPositions(rPoints, aPoints);
+    for (int n = 0; n < CELL_PIXELS; ++n) {
+        const std::uint32_t nPixel = Ordered(rJob, PlainPixel(rJob, aPoints[n]));
+        std::memcpy(pTarget + n / CELL_SIDE * nStride + n % CELL_SIDE * 4, &nPixel, sizeof nPixel);
+    }
+}
+
+std::uint32_t PlainPixel(const SCellJob& rJob, const SGridPoint& rPoint)
+{
+    if (rJob.eSource == SOURCE_PACKED)
+        return SamplePacked(rJob, rPoint);
+    const SYUVSample sSample = SampleYUV(rJob, rPoint);
+    if (rJob.eSource != SOURCE_GRAY)
+        return ConvertYUV(rJob.sColours, sSample);
+    return 0xFF000000U | static_cast<std::uint32_t>(SampleByte(sSample.y)) * 0x010101U;
+}
+
+std::int32_t LowestRow(const SCellPoints& rPoints)
+{
+    const int nLast = CELL_SIDE / rPoints.nStep;
+    std::int32_t y = rPoints.pFirst[0].y;
+    for (int j = 0; j <= nLast; ++j) {
+        for (int i = 0; i <= nLast; ++i)
+            y = std::max(y, rPoints.pFirst[j * rPoints.nRow + i].y);
+    }
+    return y;
 }

@@ -230,20 +230,10 @@ void CFrameDraw::DrawPixels(const SSpan& rSpan, const SGridPoint* pPoints, std::
 {
     std::uint32_t anPixels[CELL_PIXELS] = {};
     const bool bFine = m_rJob.pColours->sFine.bUsed;
-    const bool bPacked = m_rCells.eSource == SOURCE_PACKED;
     for (; nCovered != 0; nCovered &= nCovered - 1) {
         const int n = std::countr_zero(nCovered);
-        std::uint32_t nRGBA = 0;
-        if (bFine) {
-            nRGBA = FinePixel(*m_rJob.pColours, pPoints[n]);
-        } else if (bPacked) {
-            nRGBA = SamplePacked(m_rCells, pPoints[n]);
-        } else if (m_rCells.eSource == SOURCE_GRAY) {
-            const int nLuma = SampleByte(SampleYUV(m_rCells, pPoints[n]).y);
-            nRGBA = 0xFF000000U | static_cast<std::uint32_t>(nLuma) * 0x010101U;
-        } else {
-            nRGBA = ConvertYUV(m_rCells.sColours, SampleYUV(m_rCells, pPoints[n]));
-        }
+        const std::uint32_t nRGBA =
+            bFine ? FinePixel(*m_rJob.pColours, pPoints[n]) : PlainPixel(m_rCells, pPoints[n]);
         anPixels[n] = Ordered(m_rCells, nRGBA);
     }
     PutPixels(rSpan, anPixels);

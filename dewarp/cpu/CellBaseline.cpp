@@ -1,0 +1,5 @@
+#include "dewarp/cpu/CellTargets.h"
+const SCellKernels* BaselineKernels()
+{
+    return nullptr;
+}
