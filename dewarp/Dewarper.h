@@ -122,6 +122,9 @@ public:
     /// True computes what a pixel shows from the view's rule itself instead of its mesh.
     virtual void SetExactGeometry(bool bExact) = 0;
     virtual bool GetExactGeometry() = 0;
+
+    /// Size of the pictures, as InitTarget has taken it; 0 and 0 and false before.
+    virtual bool GetTargetSize(int& nWidth, int& nHeight);
 };
 
 /// A dewarper for pictures of a size. ENGINE_AUTO gives one of ENGINE_GL where a hardware driver is, of

@@ -4,8 +4,11 @@
 
 #include <GLES3/gl31.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cctype>
 #include <cstring>
+#include <iterator>
 
 namespace
 {
@@ -45,6 +48,20 @@ bool ConvertsSlowly(const char* pRenderer)
 }
 
 } // namespace
+
+bool IsHardwareRenderer(const char* pRenderer)
+{
+    // Mesa's rasterisers, also below translators that name them ("zink ...(llvmpipe ...)", "virgl (LLVMPIPE
+    // ...)"), the one of ANGLE and of emulators, and plain words of others.
+    static const char* const SOFTWARE[] = {"llvmpipe", "softpipe", "lavapipe",    "swrast",
+                                           "swr (",    "software", "swiftshader", "basic render"};
+    std::string strName = pRenderer != nullptr ? pRenderer : "";
+    for (char& rCharacter : strName)
+        rCharacter = static_cast<char>(std::tolower(static_cast<unsigned char>(rCharacter)));
+    return !strName.empty() && std::none_of(std::begin(SOFTWARE), std::end(SOFTWARE), [&](const char* pName) {
+        return strName.find(pName) != std::string::npos;
+    });
+}
 
 SDriverTraits QueryDriverTraits()
 {

@@ -16,6 +16,10 @@ struct SDriverTraits
     bool bPreferRGBA = false;  ///< RGBA uploads are several times faster here than BGRA, RGB and BGR ones
 };
 
+/// True when what a driver calls its renderer (GL_RENDERER) is hardware, as far as its name tells; the names
+/// of software rasterisers, empty ones and none are not. Thread: any. Touches no GL. Fails: never.
+bool IsHardwareRenderer(const char* pRenderer);
+
 /// Asks the current context for its traits; bYUVOutput stays true, for it is the caller's to say.
 /// Thread: GL thread, context current.
 /// Fails: without a context the result is a fresh record.

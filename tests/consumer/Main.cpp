@@ -4,6 +4,7 @@
 #include "platform/LogSink.h"
 
 #include <cstdio>
+#include <memory>
 #include <vector>
 
 namespace
@@ -32,6 +33,18 @@ public:
         return true;
     }
 };
+
+/// The middle of the frame as an engine of a host's choice writes it as luma; -1 where it cannot.
+int DrawLuma(EDewarpEngine eEngine, SImageProperties& rImage)
+{
+    const std::unique_ptr<CDewarper> pDewarper = CreateDewarper(eEngine, 64, 32);
+    std::vector<unsigned char> vTarget(64 * 32 * 3 / 2);
+    if (pDewarper == nullptr || pDewarper->GetEngine() != eEngine ||
+        !pDewarper->SetTexture(&rImage, false, nullptr, 0) ||
+        !pDewarper->DrawTo(vTarget.data(), 64, IMAGE_FORMAT_NV12))
+        return -1;
+    return vTarget[16 * 64 + 32];
+}
 
 } // namespace
 
@@ -67,5 +80,7 @@ int main()
         return 2;
     const unsigned char* pMiddle = pImage + nSize + nHeight / 2 * nStride + nWidth / 2 * 4;
     std::printf("%dx%d, middle %d %d %d\n", nWidth, nHeight, pMiddle[0], pMiddle[1], pMiddle[2]);
-    return pMiddle[0] == 120 && pMiddle[1] == 120 && pMiddle[2] == 120 ? 0 : 3;
+    if (pMiddle[0] != 120 || pMiddle[1] != 120 || pMiddle[2] != 120)
+        return 3;
+    return DrawLuma(ENGINE_GL, sImage) == 120 && DrawLuma(ENGINE_CPU, sImage) == 120 ? 0 : 5;
 }

@@ -29,6 +29,12 @@ for sLinker in bfd gold lld mold; do
     LD_LIBRARY_PATH=$sLibraries "$sWork/named"
 done
 
+# The core alone, for a host that asks for nothing else: no word of OpenGL ES in what it compiles, links or loads.
+cmake -S "$sHere/core" -B "$sWork/core" -G Ninja -DCMAKE_PREFIX_PATH="$sWork/tree" >/dev/null
+cmake --build "$sWork/core" >/dev/null
+LIBGL_ALWAYS_SOFTWARE=1 "$sWork/core/consumer"
+case "$(pkg-config --cflags --libs lumor_dewarp_core) $(readelf -d "$sWork/core/consumer")" in *EGL* | *GLES*) exit 1 ;; esac
+
 # The static library of the same build, with nothing but what the package names.
 c++ -std=c++20 $(pkg-config --cflags lumor_dewarp) "$sHere/Main.cpp" -o "$sWork/static" \
     "$sBuild/tests/liblumor_dewarp_static.a" $(pkg-config --libs egl glesv2)

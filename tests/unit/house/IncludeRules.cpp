@@ -59,6 +59,9 @@ const std::vector<SRoomRule>& HouseRules()
     static const std::vector<std::string> EVERYTHING = {"dewarp/", "platform/"};
     static const std::vector<std::string> DECIDING = {"dewarp/records/", "dewarp/lenses/", "dewarp/geometry/",
                                                       "dewarp/views/"};
+    static const std::vector<std::string> CARRYING =
+        With(DECIDING, {"dewarp/control/", "dewarp/overlays/", "dewarp/tables/", "dewarp/cpu/",
+                        "dewarp/Dewarper.h", "platform/Report.h", "platform/MemoryGuard.h", EXPORT});
     static const std::vector<SRoomRule> RULES = {
         // Each may include rooms above it.
         {"dewarp/records/", {"dewarp/records/", EXPORT}, PLAIN, {}},
@@ -80,11 +83,24 @@ const std::vector<SRoomRule>& HouseRules()
           "dewarp/records/Mirrors.h"},
          PLAIN,
          {}},
+        // The interface of both engines, and the one that needs no GL.
+        {"dewarp/Dewarper.", {"dewarp/Dewarper.h", "dewarp/records/", "dewarp/overlays/", EXPORT}, PLAIN, {}},
+        {"dewarp/cpu/", CARRYING, TELLING, {}},
+        // The one file that is written with a library of vector instructions.
+        {"dewarp/cpu/CellSimd", CARRYING, TELLING | HEADER_OTHER, {}},
         // Of control only its records: what was decided, not how.
         {"dewarp/gl/",
          With(DECIDING, {"dewarp/gl/", "dewarp/tables/", "dewarp/overlays/", "dewarp/shaders/",
                          "dewarp/control/S", "platform/"}),
          DRAWING, With(HOSTS, {"dewarp/CustomGPUDewarper"})},
+
+        // The choice between the engines is part of the core.
+        {"dewarp/CreateDewarper.cpp",
+         {"dewarp/Dewarper.h", "dewarp/GLEngine.h", "dewarp/cpu/CustomCPUDewarper.h", "dewarp/records/",
+          "platform/MemoryGuard.h", "platform/Report.h"},
+         TELLING,
+         {}},
+        {"dewarp/GLEngine", {"dewarp/GLEngine.h", "platform/SiblingLibrary.h", EXPORT}, PLAIN, {}},
 
         // The classes that hold the rooms together.
         {"dewarp/", EVERYTHING, DRAWING, HOSTS},

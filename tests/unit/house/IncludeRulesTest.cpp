@@ -138,7 +138,7 @@ TEST(IncludeRules, RoomsWithoutGLCallNoGL)
 {
     const MSources oSources =
         ReadSources({"dewarp/records", "dewarp/tables", "dewarp/lenses", "dewarp/geometry", "dewarp/views",
-                     "dewarp/control", "dewarp/overlays", "dewarp/shaders"},
+                     "dewarp/control", "dewarp/overlays", "dewarp/shaders", "dewarp/cpu"},
                     CODE);
     EXPECT_EQ(Join(Calls(oSources, "gl")), "");
 }
@@ -200,15 +200,18 @@ std::string Includes(const VStrings& vHeaders)
 
 TEST(BrokenIncludeRules, RoomsIncludeThoseBeforeThem)
 {
-    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", Includes({"records/B.h", "tables/B.h", "lenses/B.h"})},
-                      {"dewarp/geometry/A.cpp", Includes({"records/B.h", "lenses/B.h", "tables/B.h"})},
-                      {"dewarp/views/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h"})},
-                      {"dewarp/control/A.cpp",
-                       Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h", "control/B.h"})},
-                      {"dewarp/overlays/A.cpp", Includes({"records/B.h", "overlays/B.h"})},
-                      {"dewarp/CFoo.h", Includes({"control/B.h", "gl/B.h", "tables/B.h"})},
-                      {"dewarp/hosted/A.cpp", Includes({"CFoo.h", "gl/B.h", "hosted/B.h"})}}),
-              VStrings{});
+    EXPECT_EQ(
+        Broken({{"dewarp/lenses/A.cpp", Includes({"records/B.h", "tables/B.h", "lenses/B.h"})},
+                {"dewarp/geometry/A.cpp", Includes({"records/B.h", "lenses/B.h", "tables/B.h"})},
+                {"dewarp/views/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h"})},
+                {"dewarp/control/A.cpp",
+                 Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h", "control/B.h"})},
+                {"dewarp/overlays/A.cpp", Includes({"records/B.h", "overlays/B.h"})},
+                {"dewarp/cpu/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h",
+                                               "control/B.h", "overlays/B.h", "tables/B.h", "cpu/B.h"})},
+                {"dewarp/CFoo.h", Includes({"control/B.h", "gl/B.h", "tables/B.h"})},
+                {"dewarp/hosted/A.cpp", Includes({"CFoo.h", "gl/B.h", "hosted/B.h"})}}),
+        VStrings{});
 }
 
 TEST(BrokenIncludeRules, NoRoomIncludesOneBehindIt)
@@ -225,7 +228,13 @@ TEST(BrokenIncludeRules, NoRoomIncludesOneBehindIt)
                                         {"overlays", "views"},
                                         {"overlays", "geometry"},
                                         {"shaders", "views"},
-                                        {"gl", "offscreen"}}) {
+                                        {"gl", "offscreen"},
+                                        {"control", "cpu"},
+                                        {"overlays", "cpu"},
+                                        {"gl", "cpu"},
+                                        {"cpu", "gl"},
+                                        {"cpu", "shaders"},
+                                        {"cpu", "offscreen"}}) {
         const std::string strPath = Concatenate({"dewarp/", pRoom, "/A.cpp"});
         const VStrings vBroken = Broken({{strPath, Includes({Concatenate({pOther, "/B.h"})})}});
         ASSERT_FALSE(vBroken.empty()) << pRoom << " " << pOther;
@@ -236,7 +245,7 @@ TEST(BrokenIncludeRules, NoRoomIncludesOneBehindIt)
 TEST(BrokenIncludeRules, GLIsFoundThroughOtherFiles)
 {
     for (const char* pRoom :
-         {"records", "tables", "lenses", "geometry", "views", "control", "overlays", "shaders"}) {
+         {"records", "tables", "lenses", "geometry", "views", "control", "overlays", "shaders", "cpu"}) {
         const std::string strRoom = Concatenate({"dewarp/", pRoom, "/"});
         EXPECT_EQ(Broken({{strRoom + "A.cpp", Concatenate({"#include \"", strRoom, "B.h\"\n"})},
                           {strRoom + "B.h", "#include <GLES3/gl31.h>\n"}}),
@@ -276,6 +285,24 @@ TEST(BrokenIncludeRules, DrawingKnowsDecisionsAndNoHost)
     EXPECT_EQ(Broken({{"dewarp/gl/A.cpp", "#include \"platform/Display.h\"\n"},
                       {"platform/Display.h", "#include <EGL/egl.h>\n"}}),
               VStrings{"dewarp/gl/A.cpp may not reach <EGL/egl.h>"});
+}
+
+TEST(BrokenIncludeRules, TheProcessorEngineKnowsItsInterfaceAndNothingThatHolds)
+{
+    EXPECT_EQ(Broken({{"dewarp/cpu/A.h", Includes({"Dewarper.h"})}}), VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/cpu/A.cpp", Includes({"CreateDewarper.h"})}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/cpu/A.cpp", "#include \"platform/Display.h\"\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/cpu/A.cpp", "#include <hwy/highway.h>\n"}}).size(), 1u);
+    EXPECT_EQ(Broken({{"dewarp/cpu/CellSimd.cpp", "#include <hwy/highway.h>\n"}}), VStrings{});
+}
+
+TEST(BrokenIncludeRules, InterfaceAndChoiceOfTheEnginesReachNoGL)
+{
+    for (const char* pFile : {"dewarp/Dewarper.h", "dewarp/CreateDewarper.cpp", "dewarp/GLEngineApart.cpp"}) {
+        EXPECT_EQ(Broken({{pFile, "#include <GLES3/gl31.h>\n"}}).size(), 1u) << pFile;
+        EXPECT_EQ(Broken({{pFile, Includes({"CustomGPUDewarper.h"})}}).size(), 1u) << pFile;
+        EXPECT_EQ(Broken({{pFile, Includes({"offscreen/GLDewarper.h"})}}).size(), 1u) << pFile;
+    }
 }
 
 TEST(BrokenIncludeRules, HostsKnowNoOtherHost)

@@ -68,6 +68,8 @@ std::string RoomOf(const std::string& strPath)
 {
     if (strPath == "dewarp/LumorDewarp.h")
         return strPath;
+    if (strPath.starts_with("dewarp/Dewarper."))
+        return "dewarp/Dewarper";
     const std::size_t nFirst = strPath.find('/');
     const std::string strFolder = strPath.substr(0, nFirst);
     const std::size_t nSecond = nFirst == std::string::npos ? nFirst : strPath.find('/', nFirst + 1);

@@ -9,7 +9,8 @@
 #include <vector>
 
 /// The room of a file: its folder directly below dewarp/, else its first folder. The umbrella header includes
-/// everything and is needed by nothing: it stands by itself.
+/// everything and is needed by nothing: it stands by itself. So does the interface of both engines, which
+/// each engine needs and which needs none.
 std::string RoomOf(const std::string& strPath);
 
 /// One line for every room that includes another one which needs it too, directly or through further rooms.

@@ -22,6 +22,9 @@ TEST(RoomOrder, ARoomIsAFolderBelowTheLibrary)
     EXPECT_EQ(RoomOf("dewarp/views/A.h"), "dewarp/views");
     EXPECT_EQ(RoomOf("dewarp/views/deeper/A.h"), "dewarp/views");
     EXPECT_EQ(RoomOf("dewarp/A.h"), "dewarp");
+    EXPECT_EQ(RoomOf("dewarp/Dewarper.h"), "dewarp/Dewarper");
+    EXPECT_EQ(RoomOf("dewarp/Dewarper.cpp"), "dewarp/Dewarper");
+    EXPECT_EQ(RoomOf("dewarp/DewarperState.h"), "dewarp");
     EXPECT_EQ(RoomOf("platform/linux/A.cpp"), "platform");
     EXPECT_EQ(RoomOf("tools/A.cpp"), "tools");
     EXPECT_EQ(RoomOf("A.h"), "A.h");

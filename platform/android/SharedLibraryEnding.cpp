@@ -1,0 +1,6 @@
+#include "platform/SiblingLibrary.h"
+
+const char* SharedLibraryEnding()
+{
+    return ".so";
+}
