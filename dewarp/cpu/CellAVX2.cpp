@@ -428,6 +428,20 @@ inline void PutPixels(const SCellJob& rJob, V vRed, V vGreen, V vBlue, unsigned 
     _mm256_storeu_si256(reinterpret_cast<V*>(p + nStride), _mm256_unpackhi_epi16(vLow, vHigh));
 }
 
+/// Two rows of pixels whose channels lie row by row in the two halves.
+inline void PutRowPair(const SCellJob& rJob, V vRed, V vGreen, V vBlue, unsigned char* p, std::ptrdiff_t nStride)
+{
+    const V vLow = _mm256_or_si256(rJob.bRedFirst ? vRed : vBlue, _mm256_slli_epi16(vGreen, 8));
+    const V vHigh =
+        _mm256_or_si256(rJob.bRedFirst ? vBlue : vRed, _mm256_set1_epi16(static_cast<short>(0xFF00)));
+    const V a = _mm256_unpacklo_epi16(vLow, vHigh);
+    const V b = _mm256_unpackhi_epi16(vLow, vHigh);
+    _mm256_storeu_si256(reinterpret_cast<V*>(p), _mm256_permute2x128_si256(a, b, 0x20));
+    _mm256_storeu_si256(reinterpret_cast<V*>(p + nStride), _mm256_permute2x128_si256(a, b, 0x31));
+}
+
+#include "dewarp/cpu/CellNear.h"
+
 template <int STEP, bool LINEAR>
 inline void YUVCell(const SCellJob& rJob, const SCellPoints& rPoints, unsigned char* pTarget,
                     std::ptrdiff_t nStride)
@@ -553,23 +567,66 @@ inline SCellPoints Next(const SCellPoints& p, int nCell)
     return {p.pFirst + nCell * (CELL_SIDE / p.nStep), p.nRow, p.nStep};
 }
 
+/// Takes cells of a run from nCell on until as many are near as fit in a group: rNear(block, place in the group,
+/// cell) for those that rUsable(block) says, rFar(points, cell) for the others. Returns how many are in the group.
+template <int STEP, class FUsable, class FNear, class FFar>
+inline int FillGroup(const SCellPoints& rPoints, int& nCell, int nCells, FUsable&& rUsable, FNear&& rNear, FFar&& rFar)
+{
+    int nNear = 0;
+    for (; nCell < nCells && nNear < NEAR_CELLS; ++nCell) {
+        const SCellPoints s = Next(rPoints, nCell);
+        const SBlock<STEP> b(s);
+        if (rUsable(b))
+            rNear(b, nNear++, nCell);
+        else
+            rFar(s, nCell);
+    }
+    return nNear;
+}
+
 template <int STEP, bool LINEAR>
 void LumaCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
                std::ptrdiff_t nStride)
 {
-    for (int n = 0; n < nCells; ++n)
-        LumaCell<STEP, LINEAR>(rJob, Next(rPoints, n), pTarget + n * CELL_SIDE, nStride);
+    SNearCell as[NEAR_CELLS];
+    for (int n = 0; n < nCells;) {
+        const int nNear = FillGroup<STEP>(
+            rPoints, n, nCells, [&](const SBlock<STEP>& b) { return LINEAR && IsStageable(rJob, b); },
+            [&](const SBlock<STEP>& b, int i, int nCell) {
+                as[i].nCell = nCell;
+                PlaceNear(rJob, b, as[i]);
+            },
+            [&](const SCellPoints& s, int nCell) {
+                LumaCell<STEP, LINEAR>(rJob, s, pTarget + nCell * CELL_SIDE, nStride);
+            });
+        for (int i = 0; i < nNear; ++i)
+            PutNearLuma(as[i], pTarget + as[i].nCell * CELL_SIDE, nStride);
+    }
 }
 
 template <int STEP, bool LINEAR>
-void ChromaCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells,
-                 unsigned char* const* ppTargets, const std::ptrdiff_t* pStrides)
+void ChromaCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* const* ppTargets,
+                 const std::ptrdiff_t* pStrides)
 {
     const bool bTogether = ppTargets[1] == nullptr;
-    for (int n = 0; n < nCells; ++n) {
-        const int nPlace = n * (bTogether ? 8 : 4);
-        unsigned char* const ap[2] = {ppTargets[0] + nPlace, bTogether ? nullptr : ppTargets[1] + nPlace};
-        ChromaCell<STEP, LINEAR>(rJob, Next(rPoints, n), ap, pStrides);
+    const bool bNear = LINEAR && HasNearChroma(rJob);
+    SNearChroma as[NEAR_CELLS];
+    unsigned char* ap[2] = {};
+    const auto Target = [&](int n) {
+        ap[0] = ppTargets[0] + n * (bTogether ? 8 : 4);
+        ap[1] = bTogether ? nullptr : ppTargets[1] + n * 4;
+        return ap;
+    };
+    for (int n = 0; n < nCells;) {
+        const int nNear = FillGroup<STEP>(
+            rPoints, n, nCells, [&](const SBlock<STEP>& b) { return bNear && b.bNear; },
+            [&](const SBlock<STEP>& b, int i, int nCell) {
+                as[i].nCell = nCell;
+                PlaceChroma(rJob, b, as[i]);
+            },
+            [&](const SCellPoints& s, int nCell) { ChromaCell<STEP, LINEAR>(rJob, s, Target(nCell), pStrides); });
+        for (int i = 0; i < nNear; ++i)
+            PutNearChroma(rJob, as[i], Target(as[i].nCell), pStrides);
     }
 }
 
@@ -577,8 +634,28 @@ template <int STEP, bool LINEAR>
 void YUVCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
               std::ptrdiff_t nStride)
 {
-    for (int n = 0; n < nCells; ++n)
-        YUVCell<STEP, LINEAR>(rJob, Next(rPoints, n), pTarget + std::ptrdiff_t{n} * 32, nStride);
+    const bool bNear = LINEAR && HasNearChroma(rJob);
+    SNearCell as[NEAR_CELLS];
+    SNearChroma asChroma[4 * NEAR_CELLS];
+    for (int n = 0; n < nCells;) {
+        const int nNear = FillGroup<STEP>(
+            rPoints, n, nCells, [&](const SBlock<STEP>& b) { return bNear && IsStageable(rJob, b); },
+            [&](const SBlock<STEP>& b, int i, int nCell) {
+                as[i].nCell = nCell;
+                PlaceNear(rJob, b, as[i]);
+                for (int k = 0; k < 4; ++k)
+                    PlacePairs(rJob.aPlanes[1], FirstPair(rJob.aPlanes[1], b), HalvedNear(as[i].avX[k]),
+                               HalvedNear(as[i].avY[k]), asChroma[4 * i + k]);
+            },
+            [&](const SCellPoints& s, int nCell) {
+                YUVCell<STEP, LINEAR>(rJob, s, pTarget + std::ptrdiff_t{nCell} * 32, nStride);
+            });
+        for (int i = 0; i < nNear; ++i) {
+            for (int k = 0; k < 4; ++k)
+                PutNearPixels(rJob, NearSamples(as[i], k), asChroma[4 * i + k],
+                              pTarget + std::ptrdiff_t{as[i].nCell} * 32 + 2 * k * nStride, nStride);
+        }
+    }
 }
 
 template <int STEP>

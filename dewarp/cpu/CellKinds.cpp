@@ -47,6 +47,12 @@ void CViewGrid::FindRowBends(const SPartGrid& rGrid, int nRow)
     short* const pAcross = m_vBends[1].data() + rGrid.PointIndex(0, nRow);
     pAlong[0] = pAlong[nPoints - 1] = UNKNOWN_BEND;
     BendsOf(p, p + 1, p + 2, nPoints - 2, pAlong + 1);
+    short* const pInside = m_vInside.data() + rGrid.PointIndex(0, nRow);
+    const SInside s = m_sInside;
+    for (int n = 0; n < nPoints; ++n)
+        pInside[n] = p[n].x >= s.nLeft && p[n].x < s.nRight && p[n].y >= s.nTop && p[n].y < s.nBottom
+                         ? short{-1}
+                         : short{0};
     if (nRow == 0 || nRow == rGrid.nPointRows - 1)
         std::fill(pAcross, pAcross + nPoints, static_cast<short>(UNKNOWN_BEND));
     else
@@ -82,16 +88,50 @@ ECellKind CViewGrid::KindOf(const SPartGrid& rGrid, int nCol, int nRow) const
     return bInside ? CELL_SMOOTH : CELL_RIM;
 }
 
-int CViewGrid::Classify(SPartGrid& rGrid, const SStrip& rStrip) const
+/// Marks the quads between two rows of points that are straight and inside beyond doubt.
+static void MarkPlain(const short* const (&apRows)[3], std::ptrdiff_t nRow, int nQuads, short nMostError,
+                      short* pPlain)
 {
+    const short* const pAlong = apRows[0];
+    const short* const pAcross = apRows[1];
+    const short* const pInside = apRows[2];
+    for (int n = 0; n < nQuads; ++n) {
+        const short a = std::min(pAlong[n], pAlong[n + 1]);
+        const short b = std::min(pAlong[n + nRow], pAlong[n + nRow + 1]);
+        const short c = std::min(pAcross[n], pAcross[n + nRow]);
+        const short d = std::min(pAcross[n + 1], pAcross[n + nRow + 1]);
+        const short nWorst = std::max(std::max(a, b), std::max(c, d));
+        const short nInside =
+            static_cast<short>(pInside[n] & pInside[n + 1] & pInside[n + nRow] & pInside[n + nRow + 1]);
+        pPlain[n] = nWorst <= nMostError ? nInside : short{0};
+    }
+}
+
+int CViewGrid::Classify(SPartGrid& rGrid, const SStrip& rStrip)
+{
+    const int k = rGrid.PointsPerCell();
+    const std::size_t nPoints = static_cast<std::size_t>(rGrid.nPointCols);
+    const short nMostError = static_cast<short>(m_nMostError > 0 ? m_nMostError : -1);
     int nBent = 0;
     for (int r = rStrip.nFirst; r < rStrip.nEnd; ++r) {
+        // A cell is plain where all its quads are; the flags take the place of bends that are not needed any
+        // more.
+        short* const pPlain = m_vPlain.data() + static_cast<std::size_t>(r * k) * nPoints;
+        for (int j = 0; j < k; ++j) {
+            const std::size_t nFirst = rGrid.PointIndex(0, r * k + j);
+            const short* const apRows[3] = {m_vBends[0].data() + nFirst, m_vBends[1].data() + nFirst,
+                                            m_vInside.data() + nFirst};
+            MarkPlain(apRows, rGrid.nPointCols, rGrid.nPointCols - 1, nMostError,
+                      pPlain + static_cast<std::size_t>(j) * nPoints);
+        }
+        unsigned char* const pKinds = rGrid.vKinds.data() + rGrid.CellIndex(0, r);
         for (int c = 0; c < rGrid.nCols; ++c) {
-            unsigned char& rKind = rGrid.vKinds[rGrid.CellIndex(c, r)];
-            if (rKind == CELL_EXACT)
+            if (pKinds[c] == CELL_EXACT)
                 continue;
-            rKind = KindOf(rGrid, c, r);
-            nBent += rKind == CELL_EXACT ? 1 : 0;
+            const short* const p = pPlain + static_cast<std::ptrdiff_t>(c) * k;
+            const bool bPlain = k == 1 ? p[0] != 0 : (p[0] & p[1] & p[nPoints] & p[nPoints + 1]) != 0;
+            pKinds[c] = bPlain ? CELL_SMOOTH : KindOf(rGrid, c, r);
+            nBent += pKinds[c] == CELL_EXACT ? 1 : 0;
         }
     }
     return nBent;

@@ -81,14 +81,28 @@ void CViewGrid::FillExactCells(const CProjection& rProjection, SPartGrid& rGrid,
                      });
 }
 
+/// Whether an edge leaves the whole cell outside.
+static bool IsBeyond(const SEdge& e, int nX, int nY)
+{
+    const int nLast = CELL_SIDE - 1;
+    return e.At(e.nStepX > 0 ? nX + nLast : nX, e.nStepY > 0 ? nY + nLast : nY) < 0;
+}
+
 /// The pixels of one cell that a triangle covers.
 static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts& rCuts, int nX, int nY,
                      SExactCell& rCell)
 {
+    if (IsBeyond(rEdges.a[0], nX, nY) || IsBeyond(rEdges.a[1], nX, nY) || IsBeyond(rEdges.a[2], nX, nY))
+        return;
     for (int y = 0; y < CELL_SIDE; ++y) {
+        std::int64_t an[3];
+        for (int k = 0; k < 3; ++k)
+            an[k] = rEdges.a[k].At(nX, nY + y);
         for (int x = 0; x < CELL_SIDE; ++x) {
-            if ((rEdges.a[0].At(nX + x, nY + y) | rEdges.a[1].At(nX + x, nY + y) |
-                 rEdges.a[2].At(nX + x, nY + y)) < 0)
+            const bool bOutside = (an[0] | an[1] | an[2]) < 0;
+            for (int k = 0; k < 3; ++k)
+                an[k] += rEdges.a[k].nStepX * 256;
+            if (bOutside)
                 continue;
             const double dx = nX + x + 0.5 - t.afX[0];
             const double dy = nY + y + 0.5 - t.afY[0];

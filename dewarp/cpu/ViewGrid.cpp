@@ -152,8 +152,8 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
             MarkBorders(rProjection, rGrid, sStrip);
         });
     });
-    for (std::vector<short>& rBends : m_vBends)
-        rBends.resize(rGrid.vPoints.size());
+    for (std::vector<short>* pScratch : {&m_vBends[0], &m_vBends[1], &m_vInside, &m_vPlain})
+        pScratch->resize(rGrid.vPoints.size());
     rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) { FindBends(rGrid, Strip(rGrid, nStrip)); });
     std::atomic<int> nBent{0};
     rPool.Run(m_nThreads, m_nStrips,
@@ -200,6 +200,5 @@ std::size_t CViewGrid::CountBytes() const
     for (const SPartGrid& rGrid : m_vParts)
         nBytes += rGrid.vPoints.capacity() * sizeof(SGridPoint) + rGrid.vKinds.capacity() +
                   rGrid.vExact.capacity() * sizeof(SExactCell) + rGrid.vFirstExact.capacity() * sizeof(int);
-    return nBytes + (m_vBends[0].capacity() + m_vBends[1].capacity()) * sizeof(short) +
-           m_vExactOf.capacity() * sizeof(int);
+    return nBytes + 4 * m_vInside.capacity() * sizeof(short) + m_vExactOf.capacity() * sizeof(int);
 }

@@ -46,7 +46,7 @@ private:
                      const SStrip& rStrip) const;
     void MarkBorders(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const;
     /// Decides each cell's kind; returns how many are exact for their bends alone.
-    int Classify(SPartGrid& rGrid, const SStrip& rStrip) const;
+    int Classify(SPartGrid& rGrid, const SStrip& rStrip);
     ECellKind KindOf(const SPartGrid& rGrid, int nCol, int nRow) const;
     void FindBends(const SPartGrid& rGrid, const SStrip& rStrip);
     void FindRowBends(const SPartGrid& rGrid, int nRow);
@@ -74,6 +74,8 @@ private:
     int m_anPartGrid[MAX_VIEW_PARTS] = {};
     // Scratch.
     std::vector<short> m_vBends[2];   ///< how far the grid bends at each point, along and across
+    std::vector<short> m_vInside;     ///< -1 for points whose samples need no edge
+    std::vector<short> m_vPlain;      ///< -1 for quads that are smooth beyond doubt, by their first point
     std::vector<int> m_vExactOf;      ///< for each cell, its exact cell
     std::vector<int> m_vExactColumns; ///< for each row of cells, first and last exact column
 };
