@@ -57,7 +57,7 @@ file(RELATIVE_PATH sToPrefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INST
 set(sStaticLibraries "")
 set(sCorePackage "lumor_dewarp_core ")
 if(NOT LUMOR_BUILD_SHARED)
-    set(sStaticLibraries " -lstdc++ -lm")
+    set(sStaticLibraries " -lstdc++ -lm -lpthread -ldl")
     set(sCorePackage "")
 endif()
 foreach(sPackage lumor_dewarp_core lumor_dewarp)

@@ -7,6 +7,7 @@
 #include "dewarp/records/SDewarpParams.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SPTZLimits.h"
+#include "platform/Export.h"
 
 class CCustomGPUGeometry;
 
@@ -58,7 +59,7 @@ inline constexpr int MAX_VIEW_PARTS = 4;
 /// A kind of view. One constant object each (ViewList.h); none has a state of its own, so whatever is asked
 /// follows from the arguments alone.
 /// Units: degrees, pixels. Owns: nothing. Thread: any. Fails: never.
-class CView
+class LUMOR_INTERNAL_API CView
 {
 public:
     CView() = default;

@@ -86,8 +86,8 @@ const std::vector<SRoomRule>& HouseRules()
         // The interface of both engines, and the one that needs no GL.
         {"dewarp/Dewarper.", {"dewarp/Dewarper.h", "dewarp/records/", "dewarp/overlays/", EXPORT}, PLAIN, {}},
         {"dewarp/cpu/", CARRYING, TELLING, {}},
-        // The one file that is written with a library of vector instructions.
-        {"dewarp/cpu/CellSimd", CARRYING, TELLING | HEADER_OTHER, {}},
+        // The files that are written for one set of instructions.
+        {"dewarp/cpu/CellAVX", CARRYING, TELLING | HEADER_OTHER, {}},
         // Of control only its records: what was decided, not how.
         {"dewarp/gl/",
          With(DECIDING, {"dewarp/gl/", "dewarp/tables/", "dewarp/overlays/", "dewarp/shaders/",
