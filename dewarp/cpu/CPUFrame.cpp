@@ -8,9 +8,14 @@
 
 #include <algorithm>
 
+static bool IsYUVTarget(const SFrameTarget& rTarget)
+{
+    return rTarget.eFormat == IMAGE_FORMAT_NV12 || rTarget.eFormat == IMAGE_FORMAT_YUV420P;
+}
+
 int CCustomCPUDewarper::SState::CountThreads() const
 {
-    return nThreads == 0 ? CWorkerPool::CountCores() : nThreads;
+    return std::min(nThreads == 0 ? CWorkerPool::CountCores() : nThreads, MOST_DRAWING_THREADS);
 }
 
 bool CCustomCPUDewarper::SState::HasFrameAndTarget(const char* pFunction)
@@ -61,24 +66,58 @@ void CCustomCPUDewarper::SState::PrepareMesh()
     sMeshBuiltFor = sDecision.sMesh;
 }
 
-void CCustomCPUDewarper::SState::DrawView(const SFrameTarget& rTarget)
+bool CCustomCPUDewarper::SState::PrepareLayers(const SFrameTarget& rTarget, const char* pFunction)
 {
+    SLayerPlace sPlace;
+    sPlace.sFormat.bYUV = IsYUVTarget(rTarget);
+    sPlace.sFormat.bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
+    sPlace.sFormat.nYUVSpace = EffectiveYUVSpace(sPicture.sYUV2RGB.eSpace, sImage.eYUVSpace);
+    sPlace.sFormat.nYUVRange = EffectiveYUVRange(sPicture.sYUV2RGB.eRange, sImage.eYUVRange);
+    sPlace.bLinear = oControl.eInterpolation == INTERPOLATION_LINEAR;
+    sPlace.nFrameWidth = sImage.nWidth;
+    sPlace.nFrameHeight = sImage.nHeight;
+    sPlace.nTargetWidth = nTargetWidth;
+    sPlace.nTargetHeight = nTargetHeight;
+    sPlace.nGridNumber = nGridNumber;
+    if (oLayers.Prepare(sPlace, oGrid, CountThreads()))
+        return true;
+    oReport.Standing(CPU_FAULT_MASKS, "%s: privacy masks are not painted; no frame is shown", pFunction);
+    return false;
+}
+
+bool CCustomCPUDewarper::SState::DrawView(const SFrameTarget& rTarget, const char* pFunction)
+{
+    if (!PrepareLayers(rTarget, pFunction))
+        return false;
     SFrameColours sColours = PrepareColours(sImage, sPicture, oControl.eInterpolation == INTERPOLATION_LINEAR,
                                             sQP.pQP != nullptr ? &sQP : nullptr);
     sColours.sJob.bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
-    SFrameJob sJob;
-    sJob.pColours = &sColours;
-    sJob.pKernels = &BestKernels();
-    sJob.pGrid = &oGrid;
-    sJob.sTarget = rTarget;
+    const SFrameJob sJob = {&sColours, &BestKernels(), &oGrid, rTarget, 0};
     const CFrameDraw oDraw(sJob);
+    const int nThreadCount = CountThreads();
+    oScratch.MakeRoom(nTargetWidth, nThreadCount);
+    // From here on nothing can fail: the host's memory gets a whole frame or none.
     for (const SGRect& rRect : oGrid.Remainder())
         oDraw.Clear(rRect);
     CWorkerPool& rPool = CWorkerPool::Shared();
     for (int g = 0; g < oGrid.CountParts(); ++g) {
         const SPartGrid& rGrid = oGrid.Parts()[g];
-        rPool.Run(CountThreads(), rGrid.nRows, [&](int nRow) { oDraw.DrawCellRow(rGrid, nRow); });
+        const CRunLayer& rLayer = oLayers.InputLayer(g);
+        rPool.Run(nThreadCount, rGrid.nRows, [&](int nRow) {
+            const int y = rGrid.nOriginY + nRow * CELL_SIDE;
+            if (rLayer.HasRows(y, y + CELL_SIDE))
+                DrawCoveredRow(sJob, rGrid, nRow, rLayer, oScratch);
+            else
+                oDraw.DrawCellRow(rGrid, nRow);
+        });
     }
+    if (oLayers.HasTop()) {
+        const int nBand = 32;
+        rPool.Run(nThreadCount, (nTargetHeight + nBand - 1) / nBand, [&](int n) {
+            oLayers.BlendTop(rTarget, n * nBand, std::min((n + 1) * nBand, nTargetHeight));
+        });
+    }
+    return true;
 }
 
 /// Whether the view can be drawn as YUV without a detour over pixels.
@@ -118,13 +157,12 @@ bool CCustomCPUDewarper::SState::Draw(const SFrameTarget* pTarget, const char* p
     if (!HasFrameAndTarget(pFunction))
         return false;
     PrepareView();
-    const bool bYUV = pTarget != nullptr &&
-                      (pTarget->eFormat == IMAGE_FORMAT_NV12 || pTarget->eFormat == IMAGE_FORMAT_YUV420P);
-    const bool bDetour = bYUV && !KeepsYUV();
+    const bool bDetour = pTarget != nullptr && IsYUVTarget(*pTarget) && !KeepsYUV();
     if (pTarget == nullptr || bDetour) {
         const SFrameTarget sOwn = OwnTarget();
         nDrawnWidth = 0;
-        DrawView(sOwn);
+        if (!DrawView(sOwn, pFunction))
+            return false;
         nDrawnWidth = nTargetWidth;
         nDrawnHeight = nTargetHeight;
         if (bDetour) {
@@ -137,7 +175,8 @@ bool CCustomCPUDewarper::SState::Draw(const SFrameTarget* pTarget, const char* p
     } else {
         // The picture is the host's alone.
         nDrawnWidth = 0;
-        DrawView(*pTarget);
+        if (!DrawView(*pTarget, pFunction))
+            return false;
     }
     oReport.AllOver();
     oControl.bDrawRequired = false;

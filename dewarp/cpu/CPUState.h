@@ -6,10 +6,9 @@
 #include "dewarp/control/Decision.h"
 #include "dewarp/cpu/CustomCPUDewarper.h"
 #include "dewarp/cpu/FrameDraw.h"
-#include "dewarp/cpu/OverlayImage.h"
+#include "dewarp/cpu/FrameLayers.h"
+#include "dewarp/cpu/ScratchRows.h"
 #include "dewarp/geometry/CustomGPUGeometry.h"
-#include "dewarp/overlays/MaskList.h"
-#include "dewarp/overlays/StringList.h"
 #include "dewarp/records/LogTag.h"
 #include "platform/Report.h"
 
@@ -30,7 +29,8 @@ struct CCustomCPUDewarper::SState
     bool HasFrameAndTarget(const char* pFunction);
     void PrepareView();
     void PrepareMesh();
-    void DrawView(const SFrameTarget& rTarget);
+    bool PrepareLayers(const SFrameTarget& rTarget, const char* pFunction);
+    bool DrawView(const SFrameTarget& rTarget, const char* pFunction);
     bool KeepsYUV() const;
     SFrameTarget OwnTarget();
     /// A whole frame: into the host's memory, or into the own buffer.
@@ -44,14 +44,7 @@ struct CCustomCPUDewarper::SState
     CReport oReport{DEWARP_LOG_TAG};
     CControl oControl{oReport};
     SPictureSettings sPicture;
-    SMaskList sMasks;
-    SStringList sStrings;
-    COverlayImage oInputOverlay;
-    COverlayImage oOutputOverlay;
-    // What changed since a layer was built shows in these numbers.
-    unsigned int nGridNumber = 0;
-    unsigned int nInputOverlayNumber = 0;
-    unsigned int nOutputOverlayNumber = 0;
+    CFrameLayers oLayers;
 
     int nTargetWidth = 0;
     int nTargetHeight = 0;
@@ -71,7 +64,11 @@ struct CCustomCPUDewarper::SState
     SMeshKey sMeshBuiltFor;
     CViewGrid oGrid;
     bool bGridBuilt = false; ///< for the decision, mesh and shape
+    unsigned int nGridNumber = 0;
     SFrameShape sGridShape;
+
+    /// Rows of cells that something lies over are finished here before the host's memory sees them.
+    CScratchRows oScratch;
 
     // What GetImage gives: two halves, the picture in the second one.
     std::unique_ptr<unsigned char[]> pBuffer;

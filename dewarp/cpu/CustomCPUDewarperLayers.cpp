@@ -12,16 +12,13 @@ int CCustomCPUDewarper::SetInputOverlay(unsigned char* pData, int nWidth, int nH
     const CCPULock oLock(pState->oMutex);
     SState& s = *pState;
     int nResult = 1;
-    if (!s.sMasks.vMaskPolygons.empty()) {
+    if (!s.oLayers.sMasks.vMaskPolygons.empty()) {
         s.oReport.Refuse("%s: privacy masks stand in the input overlay's place; %s", "SetInputOverlay",
                          pData != nullptr ? "the image is kept out" : "they stay");
     } else {
         nResult = GuardMemory("SetInputOverlay", s.oReport, 0,
-                              [&] { return s.oInputOverlay.Set(pData, nWidth, nHeight, {}, s.oReport); });
-        if (nResult != 0)
-            s.sMasks.PlaceTaken();
+                              [&] { return s.oLayers.SetInputOverlay(pData, nWidth, nHeight, s.oReport); });
     }
-    ++s.nInputOverlayNumber;
     s.RequestFrame();
     return nResult;
 }
@@ -32,9 +29,8 @@ int CCustomCPUDewarper::SetOutputOverlay(unsigned char* pData, int nWidth, int n
     const CCPULock oLock(pState->oMutex);
     SState& s = *pState;
     const int nResult = GuardMemory("SetOutputOverlay", s.oReport, 0, [&] {
-        return s.oOutputOverlay.Set(pData, nWidth, nHeight, vRects, s.oReport);
+        return s.oLayers.SetOutputOverlay(pData, nWidth, nHeight, vRects, s.oReport);
     });
-    ++s.nOutputOverlayNumber;
     s.RequestFrame();
     return nResult;
 }
@@ -52,7 +48,7 @@ void CCustomCPUDewarper::SetMaskPolygons(unsigned char* pData, int nLength)
 void CCustomCPUDewarper::SetMaskPolygons(std::vector<SGPolygon> vPolygons)
 {
     const CCPULock oLock(pState->oMutex);
-    pState->sMasks.Set(std::move(vPolygons));
+    pState->oLayers.sMasks.Set(std::move(vPolygons));
     pState->RequestFrame();
 }
 
@@ -69,7 +65,7 @@ void CCustomCPUDewarper::SetStrings(std::vector<SGPUString> vStrings)
 {
     const CCPULock oLock(pState->oMutex);
     GuardMemory("SetStrings", pState->oReport, false, [&] {
-        pState->sStrings.Set(vStrings, pState->oReport);
+        pState->oLayers.sStrings.Set(vStrings, pState->oReport);
         return true;
     });
     pState->RequestFrame();

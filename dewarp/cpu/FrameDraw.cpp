@@ -11,9 +11,10 @@ const unsigned char NEUTRAL = 128;
 /// Positions of a 2 x 2 block farther apart than this do not belong together.
 const int FAR_APART = 16 * POSITION_ONE;
 
-unsigned char* Row(const SFrameTarget& rTarget, int nPlane, int y)
+unsigned char* Row(const SFrameJob& rJob, int nPlane, int y)
 {
-    return rTarget.apPlanes[nPlane] + static_cast<std::ptrdiff_t>(y) * rTarget.anStrides[nPlane];
+    const int nRow = y - (nPlane == 0 ? rJob.nFirstRow : rJob.nFirstRow / 2);
+    return rJob.sTarget.apPlanes[nPlane] + static_cast<std::ptrdiff_t>(nRow) * rJob.sTarget.anStrides[nPlane];
 }
 
 /// Where the chroma of a 2 x 2 block with own positions is taken: their middle, or the first that is covered.
@@ -86,9 +87,9 @@ void CFrameDraw::Clear(const SGRect& rRect) const
     const std::size_t nWidth = static_cast<std::size_t>(rRect.width);
     for (int y = rRect.y; y < rRect.y + rRect.height; ++y) {
         if (!m_bYUV)
-            std::memset(Row(t, 0, y) + std::ptrdiff_t{4} * rRect.x, 0, nWidth * 4);
+            std::memset(Row(m_rJob, 0, y) + std::ptrdiff_t{4} * rRect.x, 0, nWidth * 4);
         else
-            std::memset(Row(t, 0, y) + rRect.x, m_nBlack, nWidth);
+            std::memset(Row(m_rJob, 0, y) + rRect.x, m_nBlack, nWidth);
     }
     if (!m_bYUV)
         return;
@@ -97,15 +98,14 @@ void CFrameDraw::Clear(const SGRect& rRect) const
     const std::size_t nPlaces = static_cast<std::size_t>((rRect.x + rRect.width + 1) / 2 - nFirst);
     for (int y = rRect.y / 2; y < (rRect.y + rRect.height + 1) / 2; ++y) {
         if (t.eFormat == IMAGE_FORMAT_NV12) {
-            std::memset(Row(t, 1, y) + std::ptrdiff_t{2} * nFirst, NEUTRAL, 2 * nPlaces);
+            std::memset(Row(m_rJob, 1, y) + std::ptrdiff_t{2} * nFirst, NEUTRAL, 2 * nPlaces);
         } else {
-            std::memset(Row(t, 1, y) + nFirst, NEUTRAL, nPlaces);
-            std::memset(Row(t, 2, y) + nFirst, NEUTRAL, nPlaces);
+            std::memset(Row(m_rJob, 1, y) + nFirst, NEUTRAL, nPlaces);
+            std::memset(Row(m_rJob, 2, y) + nFirst, NEUTRAL, nPlaces);
         }
     }
 }
 
-/// Whether a pixel beside a part belongs to another one.
 bool CFrameDraw::IsShared(const SPartGrid& rGrid, int x, int y) const
 {
     for (int g = 0; g < m_rJob.pGrid->CountParts(); ++g) {
@@ -162,12 +162,12 @@ void CFrameDraw::DrawRun(const SPartGrid& rGrid, int nRow, int nCol, int nCells)
         return;
     }
     if (!m_bYUV) {
-        k.pPixels(m_rCells, sPoints, nCells, Row(t, 0, y) + std::ptrdiff_t{4} * x, t.anStrides[0]);
+        k.pPixels(m_rCells, sPoints, nCells, Row(m_rJob, 0, y) + std::ptrdiff_t{4} * x, t.anStrides[0]);
         return;
     }
-    k.pLuma(m_rCells, sPoints, nCells, Row(t, 0, y) + x, t.anStrides[0]);
-    unsigned char* const apTargets[2] = {Row(t, 1, y / 2) + (bNV ? x : x / 2),
-                                         bNV ? nullptr : Row(t, 2, y / 2) + x / 2};
+    k.pLuma(m_rCells, sPoints, nCells, Row(m_rJob, 0, y) + x, t.anStrides[0]);
+    unsigned char* const apTargets[2] = {Row(m_rJob, 1, y / 2) + (bNV ? x : x / 2),
+                                         bNV ? nullptr : Row(m_rJob, 2, y / 2) + x / 2};
     const std::ptrdiff_t anStrides[2] = {t.anStrides[1], t.anStrides[2]};
     k.pChroma(m_rCells, sPoints, nCells, apTargets, anStrides);
 }
@@ -275,14 +275,14 @@ void CFrameDraw::DrawYUV(const SSpan& rSpan, const SGridPoint* pPoints, const SG
 void CFrameDraw::PutPixels(const SSpan& s, const std::uint32_t* pPixels) const
 {
     for (int y = s.nTop; y < s.nBottom; ++y)
-        std::memcpy(Row(m_rJob.sTarget, 0, s.nY + y) + std::ptrdiff_t{4} * (s.nX + s.nLeft),
+        std::memcpy(Row(m_rJob, 0, s.nY + y) + std::ptrdiff_t{4} * (s.nX + s.nLeft),
                     pPixels + y * CELL_SIDE + s.nLeft, static_cast<std::size_t>(s.nRight - s.nLeft) * 4);
 }
 
 void CFrameDraw::PutLuma(const SSpan& s, const unsigned char* pLuma) const
 {
     for (int y = s.nTop; y < s.nBottom; ++y)
-        std::memcpy(Row(m_rJob.sTarget, 0, s.nY + y) + s.nX + s.nLeft, pLuma + y * CELL_SIDE + s.nLeft,
+        std::memcpy(Row(m_rJob, 0, s.nY + y) + s.nX + s.nLeft, pLuma + y * CELL_SIDE + s.nLeft,
                     static_cast<std::size_t>(s.nRight - s.nLeft));
 }
 
@@ -296,10 +296,10 @@ void CFrameDraw::PutChroma(const SSpan& s, const unsigned char (*pChroma)[2]) co
             const int x = s.nX / 2 + i;
             const unsigned char* const p = pChroma[j * 4 + i];
             if (t.eFormat == IMAGE_FORMAT_NV12) {
-                std::memcpy(Row(t, 1, y) + std::ptrdiff_t{2} * x, p, 2);
+                std::memcpy(Row(m_rJob, 1, y) + std::ptrdiff_t{2} * x, p, 2);
             } else {
-                Row(t, 1, y)[x] = p[0];
-                Row(t, 2, y)[x] = p[1];
+                Row(m_rJob, 1, y)[x] = p[0];
+                Row(m_rJob, 2, y)[x] = p[1];
             }
         }
     }

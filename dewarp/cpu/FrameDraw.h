@@ -12,9 +12,9 @@ struct SFrameJob
     const SFrameColours* pColours = nullptr;
     const SCellKernels* pKernels = nullptr;
     const CViewGrid* pGrid = nullptr;
-    SFrameTarget
-        sTarget; ///< BGRA32, RGBA32, NV12 or YUV420P; the latter two for sources without red and blue
-    int nThreads = 1;
+    /// BGRA32, RGBA32, NV12 or YUV420P; the latter two for sources without red and blue.
+    SFrameTarget sTarget;
+    int nFirstRow = 0; ///< row of the picture that the target's first row is; even
 };
 
 /// Draws rows of cells of one part of the view. What no triangle covers becomes transparent black; in YUV,
@@ -27,6 +27,8 @@ public:
     void DrawCellRow(const SPartGrid& rGrid, int nRow) const;
     /// Clears a rectangle of the target that no part covers.
     void Clear(const SGRect& rRect) const;
+    /// Whether a pixel beside a part belongs to another one.
+    bool IsShared(const SPartGrid& rGrid, int x, int y) const;
 
 private:
     struct SSpan; ///< the pixels of one cell that lie inside its part
@@ -41,7 +43,6 @@ private:
     void PutLuma(const SSpan& rSpan, const unsigned char* pLuma) const;
     void PutChroma(const SSpan& rSpan, const unsigned char (*pChroma)[2]) const;
     bool DrawByKernel(const SSpan& rSpan, const SCellPoints& rPoints) const;
-    bool IsShared(const SPartGrid& rGrid, int x, int y) const;
 
     const SFrameJob& m_rJob;
     const SCellJob& m_rCells;

@@ -40,6 +40,8 @@ public:
     /// unless the picture ends there.
     void BlendYUV(const SFrameTarget& rTarget, int nFirstRow, int nEndRow) const;
 
+    /// Whether there is anything in some rows.
+    bool HasRows(int nFirstRow, int nEndRow) const { return m_sPixels.Has(nFirstRow, nEndRow); }
     bool IsEmpty() const { return m_sPixels.vRuns.empty(); }
     /// Bytes held.
     std::size_t CountBytes() const;

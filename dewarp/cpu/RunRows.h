@@ -68,6 +68,12 @@ struct SRunRows
                 rUse(it->y, vRuns[i]);
         }
     }
+    bool Has(int nFirstRow, int nEndRow) const
+    {
+        const auto it = std::lower_bound(vRows.begin(), vRows.end(), nFirstRow,
+                                         [](const SRow& rRow, int y) { return rRow.y < y; });
+        return it != vRows.end() && it->y < nEndRow;
+    }
     std::size_t CountBytes() const
     {
         return vRows.capacity() * sizeof(SRow) + vRuns.capacity() * sizeof(SLayerRun);

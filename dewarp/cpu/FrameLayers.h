@@ -1,0 +1,68 @@
+/// \file
+/// All that lies over a frame of the processor engine, built when it changes.
+#pragma once
+
+#include "dewarp/cpu/InputLayer.h"
+#include "dewarp/cpu/MaskImage.h"
+#include "dewarp/cpu/OverlayImage.h"
+#include "dewarp/cpu/TextLayer.h"
+#include "dewarp/overlays/MaskList.h"
+#include "dewarp/overlays/StringList.h"
+
+class CReport;
+
+/// What layers are built for.
+struct SLayerPlace
+{
+    SLayerFormat sFormat;
+    bool bLinear = false;
+    int nFrameWidth = 0;
+    int nFrameHeight = 0;
+    int nTargetWidth = 0;
+    int nTargetHeight = 0;
+    unsigned int nGridNumber = 0; ///< which grid: another number, another grid
+
+    bool operator==(const SLayerPlace& sOther) const = default;
+};
+
+/// Holds masks, overlays and text as the host gave them, and their layers. Masks take the place of the input
+/// overlay.
+/// Owns: all of it. Thread: any, serialised by the host; rows may be blended on several threads at once.
+/// Fails: by result; throws for lack of memory. After either, nothing may be shown until a later call
+/// succeeds.
+class CFrameLayers
+{
+public:
+    int SetInputOverlay(const unsigned char* pData, int nWidth, int nHeight, CReport& rReport);
+    int SetOutputOverlay(const unsigned char* pData, int nWidth, int nHeight,
+                         const std::vector<SGRect>& vRects, CReport& rReport);
+
+    /// Who has the input overlay's place is settled, and every layer stands for that place. False: a mask
+    /// would stay open.
+    bool Prepare(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads);
+    /// Lays over the rows of one part what lies over the frame.
+    const CRunLayer& InputLayer(int nPart) const { return m_oInput.Layer(nPart); }
+    /// Whether something lies over the picture as a whole.
+    bool HasTop() const { return !m_oText.IsEmpty() || !m_oOutputImage.IsEmpty(); }
+    /// Lays text and output overlay over rows of a finished picture; the first one is even.
+    void BlendTop(const SFrameTarget& rTarget, int nFirstRow, int nEndRow) const;
+    std::size_t CountBytes() const;
+
+    SMaskList sMasks;
+    SStringList sStrings;
+
+private:
+    bool PaintMasks(const SLayerPlace& rPlace);
+    void BuildInput(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads);
+
+    COverlayImage m_oInputImage;
+    COverlayImage m_oOutputImage;
+    CMaskImage m_oMasks;
+    CInputLayer m_oInput;
+    CTextLayer m_oText;
+    CRunLayer m_oOutput;
+    SLayerPlace m_sPlace; ///< what the layers stand for
+    bool m_bInputStale = true;
+    bool m_bOutputStale = true;
+    bool m_bTextStale = true;
+};
