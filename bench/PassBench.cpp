@@ -3,15 +3,13 @@
 // difference of their medians.
 
 #include "bench/Frames.h"
+#include "bench/Layers.h"
 #include "dewarp/LumorDewarp.h"
 
 #include <GLES3/gl31.h>
 #include <benchmark/benchmark.h>
 
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
-#include <string>
 #include <vector>
 
 namespace
@@ -30,42 +28,6 @@ TPixels OverlayPixels(int nWidth, int nHeight)
     for (std::size_t i = 0; i < vPixels.size(); ++i)
         vPixels[i] = static_cast<unsigned char>(i / 64);
     return vPixels;
-}
-
-/// Masks like those of a street: some polygons of a dozen points.
-std::vector<SGPolygon> Masks(int nShift)
-{
-    std::vector<SGPolygon> vMasks;
-    for (int i = 0; i < 8; ++i) {
-        SGPolygon sMask;
-        sMask.nColor = 0x404040FF;
-        const int nColumn = i % 4;
-        const int nRow = i / 4;
-        for (int k = 0; k < 12; ++k) {
-            const double fAngle = 6.283185 * k / 12;
-            const double fRadius = k % 2 == 0 ? 150.0 : 90.0;
-            sMask.vPoints.push_back(
-                {static_cast<int>(400 + nColumn * 300 + fRadius * std::cos(fAngle)) + nShift,
-                 static_cast<int>(500 + nRow * 600 + fRadius * std::sin(fAngle))});
-        }
-        vMasks.push_back(sMask);
-    }
-    return vMasks;
-}
-
-/// A camera's name and a clock.
-std::vector<SGPUString> Strings(int nSecond)
-{
-    std::vector<SGPUString> vStrings(2);
-    char acTime[32];
-    std::snprintf(acTime, sizeof acTime, "2026-11-21 %02d:%02d:%02d", nSecond / 3600 % 24, nSecond / 60 % 60,
-                  nSecond % 60);
-    vStrings[0].strText = "Entrance hall, camera 3";
-    vStrings[0].nX = vStrings[0].nY = 16;
-    vStrings[1].strText = acTime;
-    vStrings[1].nX = vStrings[1].nY = -16;
-    vStrings[1].nHAlign = vStrings[1].nVAlign = vStrings[1].nHRef = vStrings[1].nVRef = 2;
-    return vStrings;
 }
 
 /// One dewarper with a virtual camera, and its layers.
@@ -142,22 +104,22 @@ void OutputRect(CCustomGPUDewarper& oDewarper, int nFrame)
 
 void MasksOnce(CCustomGPUDewarper& oDewarper)
 {
-    oDewarper.SetMaskPolygons(Masks(0));
+    oDewarper.SetMaskPolygons(BenchMasks(0));
 }
 
 void MasksEachFrame(CCustomGPUDewarper& oDewarper, int nFrame)
 {
-    oDewarper.SetMaskPolygons(Masks(nFrame % 50));
+    oDewarper.SetMaskPolygons(BenchMasks(nFrame % 50));
 }
 
 void StringsOnce(CCustomGPUDewarper& oDewarper)
 {
-    oDewarper.SetStrings(Strings(0));
+    oDewarper.SetStrings(BenchStrings(0));
 }
 
 void StringsEachFrame(CCustomGPUDewarper& oDewarper, int nFrame)
 {
-    oDewarper.SetStrings(Strings(nFrame));
+    oDewarper.SetStrings(BenchStrings(nFrame));
 }
 
 void AllOnce(CCustomGPUDewarper& oDewarper)

@@ -25,6 +25,7 @@ quietly cameras
 quietly start
 bench/count_instructions.sh build/peers >"$sFolder/instructions.txt"
 
+bench/tables.py engines "$sFolder/peers.json"
 for sKind in peers frames passes; do
     echo
     bench/tables.py "$sKind" "$sFolder/$sKind.json"

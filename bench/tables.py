@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Prints figures of the benchmarks as Markdown tables.
 
-bench/tables.py peers FILE    what lumor-bench-peers --json wrote
+bench/tables.py peers FILE    what lumor-bench-peers --json wrote, of the GL engine
+bench/tables.py engines FILE  the same, of the processor engine
 bench/tables.py frames FILE   what lumor-bench-frames --benchmark_out wrote
 bench/tables.py passes FILE   what lumor-bench-passes --benchmark_out wrote
 """
@@ -26,7 +27,7 @@ def peers(cases):
         table(["", "lumor ms"] + [f"{name} ms" for name in names] + ["/ v360", "/ OpenCV"] +
               ([] if moving else ["x GStreamer"]))
         for case in cases:
-            if case["moving"] != moving:
+            if case["group"] != "OpenGL" or case["moving"] != moving:
                 continue
             by_name = {one["name"]: one for one in case["contenders"]}
             cells = [case["case"], f"{by_name['lumor']['median_ms']:.1f}"]
@@ -35,6 +36,31 @@ def peers(cases):
             if not moving:
                 cells.append(f"{1.0 / by_name['GStreamer']['lumor_ratio']:.1f}")
             row(cells)
+
+
+def engines(cases):
+    """The processor engine: milliseconds a frame beside the others, what a thing costs, many cameras, the first view."""
+    print(f"\n{cases[0]['engine']}")
+    names = ["OpenGL", "v360", "v360 + swscale", "OpenCV"]
+    for moving in (False, True):
+        print(f"\nThe view {'moves in every frame' if moving else 'stands still'}:\n")
+        table(["", "processor ms"] + [f"{name} ms" for name in names] + [f"/ {name}" for name in names])
+        for case in cases:
+            if case["group"] != "processor" or case["moving"] != moving:
+                continue
+            by_name = {one["name"].replace(", four graphs", ""): one for one in case["contenders"]}
+            cells = [case["case"].replace("processor: ", ""), f"{by_name['processor']['median_ms']:.2f}"]
+            for key, form in (("median_ms", "{:.2f}"), ("lumor_ratio", "{:.3f}")):
+                cells += [form.format(by_name[name][key]) if name in by_name else "" for name in names]
+            row(cells)
+    for case in cases:
+        if case["group"] in ("layers", "move", "cameras", "first view"):
+            print(f"\n{case['case'].replace('processor: ', '')}:\n")
+            table(["", "ms", "first / it"])
+            for one in case["contenders"]:
+                row([one["name"], f"{one['median_ms']:.2f}", f"{one['lumor_ratio']:.3f}"])
+            for name, cost in case.get("cost_ms", {}).items():
+                row([name, f"{cost:.3f}", ""])
 
 
 def frames(benchmarks):
@@ -55,13 +81,13 @@ def passes(benchmarks):
 
 
 def main():
-    kinds = {"peers": peers, "frames": frames, "passes": passes}
+    kinds = {"peers": peers, "engines": engines, "frames": frames, "passes": passes}
     if len(sys.argv) != 3 or sys.argv[1] not in kinds:
         print(__doc__, file=sys.stderr)
         return 2
     with open(sys.argv[2], encoding="utf-8") as file:
         figures = json.load(file)
-    kinds[sys.argv[1]](figures if sys.argv[1] == "peers" else figures["benchmarks"])
+    kinds[sys.argv[1]](figures if isinstance(figures, list) else figures["benchmarks"])
     return 0
 
 

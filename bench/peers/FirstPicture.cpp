@@ -1,17 +1,14 @@
 #include "bench/peers/FirstPicture.h"
 
 #include "bench/Frames.h"
-#include "bench/peers/Peer.h"
-#include "bench/peers/Rounds.h"
+#include "bench/peers/EnginePeer.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <map>
 
 namespace
 {
 
-const char* const CONTENDERS[] = {"lumor", "v360", "OpenCV"};
+const char* const CONTENDERS[] = {"processor", "lumor", "v360", "OpenCV"};
 
 double FirstPictureOf(const std::string& strProgram, const std::string& strContender)
 {
@@ -28,16 +25,19 @@ double FirstPictureOf(const std::string& strProgram, const std::string& strConte
 
 bool PrintFirstPicture(const std::string& strContender)
 {
-    const SPeerCase sCase;
+    SPeerCase sCase;
+    sCase.bYUVOut = strContender == "processor"; // as the peers do
     CPeerFrame oFrame(sCase.nInputSide[0], sCase.nInputSide[1]);
     PPeer pPeer;
     const double fMilliseconds = MillisecondsOf([&] {
-        if (strContender == "lumor")
+        if (strContender == "processor")
+            pPeer = MakeEnginePeer(sCase, oFrame, ENGINE_CPU);
+        else if (strContender == "lumor")
             pPeer = MakeOurPeer(sCase, oFrame, true);
         else if (strContender == "v360")
-            pPeer = MakeV360Peer(sCase, oFrame);
+            pPeer = MakeV360Peer(sCase, oFrame, false);
         else if (strContender == "OpenCV")
-            pPeer = MakeRemapPeer(sCase, oFrame);
+            pPeer = MakeRemapPeer(sCase, oFrame, false);
     });
     if (pPeer == nullptr)
         return false;
@@ -45,17 +45,31 @@ bool PrintFirstPicture(const std::string& strContender)
     return true;
 }
 
-void ComparePrograms(const std::string& strProgram, int nRounds)
+std::string FirstPictureTitle()
 {
-    std::map<std::string, std::vector<double>> mTimes;
-    for (const char* pContender : CONTENDERS)
+    return CaseTitle({}) + ", first view of a process";
+}
+
+SPeerReport ComparePrograms(const std::string& strProgram, int nRounds)
+{
+    SPeerReport sReport;
+    sReport.strGroup = "first view";
+    sReport.strTitle = FirstPictureTitle();
+    std::vector<SPeerTimes>& rTimes = sReport.sResult.vTimes;
+    for (const char* pContender : CONTENDERS) {
         FirstPictureOf(strProgram, pContender); // fills caches
-    for (int i = 0; i < nRounds; ++i) {
-        for (const char* pContender : CONTENDERS)
-            mTimes[pContender].push_back(FirstPictureOf(strProgram, pContender));
+        rTimes.push_back({pContender, {}, {}});
     }
-    std::printf("\n1920x1920 NV12/yuv420p to 1920x1080, first view of a process\n");
-    for (const char* pContender : CONTENDERS)
-        std::printf("  %-22s %9.1f ms %12.3f\n", pContender, Median(mTimes[pContender]),
-                    MedianRatio(mTimes["lumor"], mTimes[pContender]));
+    for (int i = 0; i < nRounds; ++i) {
+        for (SPeerTimes& rContender : rTimes)
+            rContender.vMilliseconds.push_back(FirstPictureOf(strProgram, rContender.strName));
+    }
+    std::printf("\n%s\n  %-22s %12s %14s %12s\n", sReport.strTitle.c_str(), "", "median ms", "processor / it",
+                "lumor / it");
+    for (const SPeerTimes& rContender : rTimes)
+        std::printf("  %-22s %12.1f %14.3f %12.3f\n", rContender.strName.c_str(),
+                    Median(rContender.vMilliseconds),
+                    MedianRatio(rTimes[0].vMilliseconds, rContender.vMilliseconds),
+                    MedianRatio(rTimes[1].vMilliseconds, rContender.vMilliseconds));
+    return sReport;
 }

@@ -1,73 +1,37 @@
 // Frame times of this library and of what people use for the same task, on the same frames in memory:
-//     lumor-bench-peers [--rounds N] [--patience SECONDS] [--only TEXT] [--json FILE]
+//     lumor-bench-peers [--rounds N] [--patience SECONDS] [--threads N] [--only TEXT] [--json FILE]
 // bench/peers/run.sh installs what is needed, builds and runs it.
 
+#include "bench/peers/EngineCases.h"
+#include "bench/peers/EnginePeer.h"
 #include "bench/peers/FirstPicture.h"
-#include "bench/peers/Report.h"
+#include "bench/peers/Pictures.h"
 
 #include <CLI/CLI.hpp>
 
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
 
 namespace
 {
 
-// Two bilinear renderings of one soft picture are above this; another view, or one upside down, is far below.
-const double SAME_PICTURE = 30.0;
-
-const std::string FIRST_VIEW = "first view of a process";
-
-std::vector<SPeerCase> ListCases()
+/// The GL engine's rows.
+std::vector<SPeerCase> ListCases(int nThreads)
 {
     std::vector<SPeerCase> vCases;
     for (const auto& [nWidth, nHeight] : {std::pair{1920, 1920}, std::pair{3200, 3000}}) {
         for (const EPeerPixels ePixels : {PEER_YUV420, PEER_RGBA}) {
             // As large as the input, too: what GStreamer's effect does when nobody asks for another size.
-            for (const auto& [nViewWidth, nViewHeight] : {std::pair{1280, 720}, std::pair{1920, 1080},
-                                                          std::pair{3840, 2160}, std::pair{nWidth, nHeight}})
-                vCases.push_back({{nWidth, nHeight}, ePixels, nViewWidth, nViewHeight});
+            for (const auto& [nViewWidth, nViewHeight] :
+                 {std::pair{1280, 720}, std::pair{1920, 1080}, std::pair{3840, 2160},
+                  std::pair{nWidth, nHeight}}) {
+                SPeerCase sCase{{nWidth, nHeight}, ePixels, nViewWidth, nViewHeight};
+                sCase.nThreads = nThreads;
+                vCases.push_back(sCase);
+            }
         }
     }
     return vCases;
-}
-
-double PSNR(const SLuma& rA, const SLuma& rB)
-{
-    if (rA.vPixels.size() != rB.vPixels.size())
-        PeerFailed("views of different sizes");
-    double fSum = 0.0;
-    for (std::size_t i = 0; i < rA.vPixels.size(); ++i) {
-        const double fDifference = static_cast<double>(rA.vPixels[i]) - static_cast<double>(rB.vPixels[i]);
-        fSum += fDifference * fDifference;
-    }
-    const double fMean = fSum / static_cast<double>(rA.vPixels.size());
-    return fMean == 0.0 ? 99.0 : 10.0 * std::log10(255.0 * 255.0 / fMean);
-}
-
-/// All contenders show one picture, here and after a turn.
-std::vector<std::pair<std::string, double>> ComparePictures(CPeer& rOurs, const std::vector<CPeer*>& vPeers)
-{
-    std::vector<std::pair<std::string, double>> vPSNR;
-    for (const float fPan : {PEER_FIRST_PAN + 33.0f, PEER_FIRST_PAN}) {
-        rOurs.SetPan(fPan);
-        rOurs.Frame();
-        const SLuma sOurs = rOurs.Luma();
-        vPSNR.clear();
-        for (CPeer* pPeer : vPeers) {
-            if (pPeer == &rOurs || pPeer->StandsStill())
-                continue;
-            pPeer->SetPan(fPan);
-            pPeer->Frame();
-            vPSNR.emplace_back(pPeer->Name(), PSNR(sOurs, pPeer->Luma()));
-            if (vPSNR.back().second < SAME_PICTURE)
-                PeerFailed(pPeer->Name() + " draws another picture: " + std::to_string(vPSNR.back().second) +
-                           " dB");
-        }
-    }
-    return vPSNR;
 }
 
 void RunCase(const SPeerCase& rCase, const SRoundsPlan& rPlan, std::vector<SPeerReport>& vReports)
@@ -76,8 +40,8 @@ void RunCase(const SPeerCase& rCase, const SRoundsPlan& rPlan, std::vector<SPeer
     std::vector<PPeer> vOwners;
     vOwners.push_back(MakeOurPeer(rCase, oFrame, true));
     vOwners.push_back(MakeOurPeer(rCase, oFrame, false));
-    vOwners.push_back(MakeV360Peer(rCase, oFrame));
-    vOwners.push_back(MakeRemapPeer(rCase, oFrame));
+    vOwners.push_back(MakeV360Peer(rCase, oFrame, false));
+    vOwners.push_back(MakeRemapPeer(rCase, oFrame, false));
     vOwners.push_back(MakeGLEffectPeer(rCase, oFrame));
     std::vector<CPeer*> vStill;
     std::vector<CPeer*> vMoving;
@@ -87,8 +51,10 @@ void RunCase(const SPeerCase& rCase, const SRoundsPlan& rPlan, std::vector<SPeer
             vMoving.push_back(pPeer.get());
     }
     SPeerReport sReport;
+    sReport.strGroup = "OpenGL";
+    sReport.strTitle = CaseTitle(rCase);
     sReport.sCase = rCase;
-    sReport.vPSNR = ComparePictures(*vOwners[0], vStill);
+    sReport.vPSNR = ComparePictures(vStill);
     sReport.sResult = RunRounds(vStill, false, rPlan);
     PrintReport(sReport);
     vReports.push_back(sReport);
@@ -101,30 +67,36 @@ void RunCase(const SPeerCase& rCase, const SRoundsPlan& rPlan, std::vector<SPeer
 
 int Run(int nArguments, char** ppArguments)
 {
-    SRoundsPlan sPlan;
-    std::string strOnly;
+    SCasesPlan sPlan;
     std::string strJSON;
     std::string strFirstPicture;
     CLI::App oApp(
         "Frame times of this library beside FFmpeg's v360, OpenCV's remap and GStreamer's GL fisheye.");
-    oApp.add_option("--rounds", sPlan.nRounds, "rounds that count (7)")->check(CLI::Range(1, 1000));
-    oApp.add_option("--patience", sPlan.fPatience,
+    oApp.add_option("--rounds", sPlan.sRounds.nRounds, "rounds that count (7)")->check(CLI::Range(1, 1000));
+    oApp.add_option("--patience", sPlan.sRounds.fPatience,
                     "seconds to go on while others disturb every round (60); then the quietest rounds count");
-    oApp.add_option("--only", strOnly, "run what has this text in its title, such as 'first view'");
+    oApp.add_option("--threads", sPlan.nThreads, "threads that one contender may use (2)")
+        ->check(CLI::Range(1, 1000));
+    oApp.add_option("--only", sPlan.strOnly,
+                    "run what has this text in its title, such as 'processor' or 'first view'");
     oApp.add_option("--json", strJSON, "write all figures to this file");
     oApp.add_option("--first-picture-of", strFirstPicture)->group("");
     CLI11_PARSE(oApp, nArguments, ppArguments);
+    setenv("LP_NUM_THREADS", std::to_string(sPlan.nThreads).c_str(), 0);
     if (!strFirstPicture.empty())
         return PrintFirstPicture(strFirstPicture) ? 0 : 2;
 
+    const std::string strEngine = EngineText(ENGINE_CPU, sPlan.nThreads);
+    PrintHead(strEngine, sPlan.nThreads);
     std::vector<SPeerReport> vReports;
-    for (const SPeerCase& rCase : ListCases()) {
-        if (CaseTitle(rCase).find(strOnly) != std::string::npos)
-            RunCase(rCase, sPlan, vReports);
+    for (const SPeerCase& rCase : ListCases(sPlan.nThreads)) {
+        if (CaseTitle(rCase).find(sPlan.strOnly) != std::string::npos)
+            RunCase(rCase, sPlan.sRounds, vReports);
     }
-    if (FIRST_VIEW.find(strOnly) != std::string::npos)
-        ComparePrograms(ppArguments[0], sPlan.nRounds);
-    if (!strJSON.empty() && !WriteJSON(vReports, strJSON))
+    RunEngineCases(sPlan, vReports);
+    if (FirstPictureTitle().find(sPlan.strOnly) != std::string::npos)
+        vReports.push_back(ComparePrograms(ppArguments[0], sPlan.sRounds.nRounds));
+    if (!strJSON.empty() && !WriteJSON(vReports, strEngine, strJSON))
         PeerFailed("cannot write " + strJSON);
     return 0;
 }

@@ -8,6 +8,14 @@
 #include <string>
 #include <vector>
 
+/// What a view shows.
+enum EPeerView : int
+{
+    PEER_CAMERA,   ///< one virtual camera
+    PEER_PANORAMA, ///< all around, as a strip
+    PEER_QUAD      ///< four cameras, a quarter turn apart
+};
+
 /// What is drawn: the part of the case that every contender shares.
 struct SPeerCase
 {
@@ -15,6 +23,12 @@ struct SPeerCase
     EPeerPixels ePixels = PEER_YUV420;
     int nWidth = 1920; ///< of the view
     int nHeight = 1080;
+    EPeerView eView = PEER_CAMERA;
+    bool bYUVOut = false; ///< the view is left as YUV; otherwise 4 bytes a pixel
+    bool bNearest = false;
+    int nBuffers = 1;        ///< frames and views go round through so many pieces of memory each
+    bool bOwnPlanes = false; ///< the contender has a copy of the frame to itself
+    int nThreads = 2;        ///< that one contender may use
 };
 
 /// The view: a camera under the ceiling, tilted so far from straight down, 60 degrees high, bilinear filter.
@@ -62,12 +76,15 @@ using PPeer = std::unique_ptr<CPeer>;
 
 // The contenders. Each reads the planes of a frame that outlives it.
 
-/// This library. bToMemory: the view is read back; otherwise it stays in the target, finished.
+/// This library, OpenGL ES. bToMemory: the view is read back; otherwise it stays in the target, finished.
 PPeer MakeOurPeer(const SPeerCase& rCase, CPeerFrame& rFrame, bool bToMemory);
-/// FFmpeg's filter v360.
-PPeer MakeV360Peer(const SPeerCase& rCase, CPeerFrame& rFrame);
+/// FFmpeg's filter v360, its view in the planes that it draws. bPixels: libswscale makes BGRA of them.
+PPeer MakeV360Peer(const SPeerCase& rCase, CPeerFrame& rFrame, bool bPixels);
+/// Four filters v360 for the quarters of a quad, in planes of their own.
+PPeer MakeV360Quad(const SPeerCase& rCase, CPeerFrame& rFrame);
 /// OpenCV: a map from cv::fisheye, applied with cv::remap. The map is made again when the view moves.
-PPeer MakeRemapPeer(const SPeerCase& rCase, CPeerFrame& rFrame);
+/// bPixels: YUV becomes BGRA with cv::cvtColorTwoPlane; a view of pixels keeps the order of the frame's.
+PPeer MakeRemapPeer(const SPeerCase& rCase, CPeerFrame& rFrame, bool bPixels);
 /// GStreamer: glupload, glcolorconvert, gleffects_fisheye, gldownload.
 PPeer MakeGLEffectPeer(const SPeerCase& rCase, CPeerFrame& rFrame);
 

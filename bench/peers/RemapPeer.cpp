@@ -1,6 +1,7 @@
 // OpenCV: cv::fisheye makes a map in the fixed-point form that cv::remap takes fastest.
 
 #include "bench/peers/Peer.h"
+#include "bench/peers/PlaneRing.h"
 
 #include <opencv2/calib3d.hpp>
 #include <opencv2/imgproc.hpp>
@@ -15,25 +16,32 @@ const double DEGREE = 3.14159265358979 / 180.0;
 /// One plane, or several interleaved ones, with their map.
 struct SMappedPlane
 {
-    cv::Mat oInput;
+    std::vector<cv::Mat> vInputs; ///< taken in turn, and so are the outputs
+    std::vector<cv::Mat> vOutputs;
     cv::Mat oMap;
     cv::Mat oFractions;
-    cv::Mat oOutput;
     int nShrink = 1; ///< 2 for chroma
 };
 
 class CRemapPeer final : public CPeer
 {
 public:
-    CRemapPeer(const SPeerCase& rCase, CPeerFrame& rFrame) : m_sCase(rCase)
+    CRemapPeer(const SPeerCase& rCase, CPeerFrame& rFrame, bool bPixels)
+        : m_sCase(rCase), m_bPixels(bPixels), m_oPlanes(rCase.nBuffers, rCase.bOwnPlanes),
+          m_vPixels(static_cast<std::size_t>(rCase.nBuffers))
     {
-        const int w = rFrame.Width();
-        const int h = rFrame.Height();
+        cv::setNumThreads(rCase.nThreads);
+        const cv::Size oSize(rFrame.Width(), rFrame.Height());
+        const std::size_t nPixels =
+            static_cast<std::size_t>(rFrame.Width()) * static_cast<std::size_t>(rFrame.Height());
         if (rCase.ePixels == PEER_RGBA) {
-            AddPlane(cv::Mat(h, w, CV_8UC4, rFrame.RGBA()), 1);
+            m_oPlanes.Add(rFrame.RGBA(), 4 * nPixels);
+            AddPlane(oSize, CV_8UC4, 1);
         } else {
-            AddPlane(cv::Mat(h, w, CV_8UC1, rFrame.Luma()), 1);
-            AddPlane(cv::Mat(h / 2, w / 2, CV_8UC2, rFrame.UV()), 2);
+            m_oPlanes.Add(rFrame.Luma(), nPixels);
+            m_oPlanes.Add(rFrame.UV(), nPixels / 2);
+            AddPlane(oSize, CV_8UC1, 1);
+            AddPlane(oSize / 2, CV_8UC2, 2);
         }
         CRemapPeer::SetPan(PEER_FIRST_PAN);
         CRemapPeer::Frame();
@@ -49,14 +57,18 @@ public:
 
     void Frame() override
     {
+        m_nTurn = (m_nTurn + 1) % m_vPixels.size();
         for (SMappedPlane& rPlane : m_vPlanes)
-            cv::remap(rPlane.oInput, rPlane.oOutput, rPlane.oMap, rPlane.oFractions, cv::INTER_LINEAR,
-                      cv::BORDER_CONSTANT);
+            cv::remap(rPlane.vInputs[m_nTurn], rPlane.vOutputs[m_nTurn], rPlane.oMap, rPlane.oFractions,
+                      cv::INTER_LINEAR, cv::BORDER_CONSTANT);
+        if (m_bPixels && m_vPlanes.size() == 2)
+            cv::cvtColorTwoPlane(m_vPlanes[0].vOutputs[m_nTurn], m_vPlanes[1].vOutputs[m_nTurn],
+                                 m_vPixels[m_nTurn], cv::COLOR_YUV2BGRA_NV12);
     }
 
     SLuma Luma() override
     {
-        const cv::Mat& rOutput = m_vPlanes[0].oOutput;
+        const cv::Mat& rOutput = m_vPlanes[0].vOutputs[m_nTurn];
         cv::Mat oGray = rOutput;
         if (rOutput.channels() == 4)
             cv::cvtColor(rOutput, oGray, cv::COLOR_RGBA2GRAY);
@@ -64,10 +76,15 @@ public:
     }
 
 private:
-    void AddPlane(const cv::Mat& rInput, int nShrink)
+    void AddPlane(const cv::Size& rSize, int nType, int nShrink)
     {
         SMappedPlane sPlane;
-        sPlane.oInput = rInput;
+        const int nPlane = static_cast<int>(m_vPlanes.size());
+        for (int i = 0; i < m_oPlanes.CountSets(); ++i) {
+            sPlane.vInputs.emplace_back(rSize, nType, m_oPlanes.Plane(nPlane));
+            m_oPlanes.Next();
+        }
+        sPlane.vOutputs.resize(sPlane.vInputs.size());
         sPlane.nShrink = nShrink;
         m_vPlanes.push_back(sPlane);
     }
@@ -76,8 +93,8 @@ private:
     void MakeMap(SMappedPlane& rPlane, double fPan) const
     {
         const double fInput = 1.0 / rPlane.nShrink;
-        const double w = rPlane.oInput.cols;
-        const double h = rPlane.oInput.rows;
+        const double w = rPlane.vInputs[0].cols;
+        const double h = rPlane.vInputs[0].rows;
         const double fPerRadian = std::max(w, h) / 2.0 / (90.0 * DEGREE);
         const cv::Matx33d oLens(fPerRadian, 0.0, w / 2.0 - 0.5, 0.0, fPerRadian, h / 2.0 - 0.5, 0.0, 0.0,
                                 1.0);
@@ -96,12 +113,16 @@ private:
     }
 
     SPeerCase m_sCase;
+    bool m_bPixels;
+    CPlaneRing m_oPlanes;
     std::vector<SMappedPlane> m_vPlanes;
+    std::vector<cv::Mat> m_vPixels; ///< where YUV becomes pixels
+    std::size_t m_nTurn = 0;
 };
 
 } // namespace
 
-PPeer MakeRemapPeer(const SPeerCase& rCase, CPeerFrame& rFrame)
+PPeer MakeRemapPeer(const SPeerCase& rCase, CPeerFrame& rFrame, bool bPixels)
 {
-    return std::make_unique<CRemapPeer>(rCase, rFrame);
+    return std::make_unique<CRemapPeer>(rCase, rFrame, bPixels);
 }

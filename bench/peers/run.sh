@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs FFmpeg's, OpenCV's and GStreamer's packages where they are missing (as root), builds the comparison
-# and runs it: bench/peers/run.sh [--rounds N] [--patience SECONDS] [--only TEXT] [--json FILE]
+# and runs it: bench/peers/run.sh [--rounds N] [--patience SECONDS] [--threads N] [--only TEXT] [--json FILE]
+# LUMOR_CPU_TARGET=plain|sse4|avx2|avx512 in the environment chooses the processor engine's instructions; without it the
+# best there are. The first line of the report tells which were taken.
 set -eu
 sHere=$PWD
 cd "$(dirname "$0")/../.."
