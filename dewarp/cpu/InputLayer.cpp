@@ -9,6 +9,15 @@
 #include <limits>
 #include <new>
 
+// Cells that are looked at together first: most have nothing over them.
+static const int GROUP = 8;
+
+static SCellPoints PointsOf(const SPartGrid& rGrid, int nCol, int nRow)
+{
+    const int n = rGrid.PointsPerCell();
+    return {&rGrid.vPoints[rGrid.PointIndex(nCol * n, nRow * n)], rGrid.nPointCols, rGrid.nStep};
+}
+
 /// Samples cells of a grid from a source.
 template <class TSource>
 class CInputLayer::CSampler
@@ -19,16 +28,18 @@ public:
           m_oY(nFrameHeight, rSource.Height())
     {}
 
+    /// State of some cells side by side that are smooth or rims: mixed when they are worth a look each.
+    std::uint32_t StateOfCells(const SCellPoints& rPoints, int nCells) const
+    {
+        const SBounds sBounds = BoundsOf(rPoints, nCells);
+        SLayerBox sBox;
+        return StateOf(sBounds, sBox);
+    }
+
     /// State of a smooth or rim cell; its 64 samples where it is mixed.
     std::uint32_t SampleSmooth(const SCellPoints& rPoints, std::uint32_t* pSamples) const
     {
-        SBounds sBounds;
-        const int nPoints = CELL_SIDE / rPoints.nStep + 1;
-        for (int y = 0; y < nPoints; ++y)
-            for (int x = 0; x < nPoints; ++x)
-                sBounds.Add(rPoints.pFirst[y * rPoints.nRow + x]);
-        // Interpolation rounds twice.
-        sBounds.Grow(2);
+        const SBounds sBounds = BoundsOf(rPoints, 1);
         SLayerBox sBox;
         const std::uint32_t nState = StateOf(sBounds, sBox);
         if (nState == LAYER_STATE_MIXED) {
@@ -91,6 +102,18 @@ private:
             nBottom += n;
         }
     };
+
+    static SBounds BoundsOf(const SCellPoints& rPoints, int nCells)
+    {
+        SBounds sBounds;
+        const int nPerCell = CELL_SIDE / rPoints.nStep;
+        for (int y = 0; y <= nPerCell; ++y)
+            for (int x = 0; x <= nCells * nPerCell; ++x)
+                sBounds.Add(rPoints.pFirst[y * rPoints.nRow + x]);
+        // Interpolation rounds twice.
+        sBounds.Grow(2);
+        return sBounds;
+    }
 
     std::uint32_t StateOf(const SBounds& rBounds, SLayerBox& rBox) const
     {
@@ -173,33 +196,46 @@ void CInputLayer::FillStrip(const SPartGrid& rGrid, const CSampler<TSource>& rSa
 {
     rStrip.vPixels.resize(static_cast<std::size_t>(rGrid.nCols) * CELL_PIXELS);
     rStrip.vStates.resize(static_cast<std::size_t>(rGrid.nCols));
-    const std::ptrdiff_t nStride = std::ptrdiff_t{rGrid.nCols} * CELL_SIDE;
     for (int nRow = nFirst; nRow < nEnd; ++nRow) {
         int nExact = rGrid.vFirstExact[static_cast<std::size_t>(nRow)];
         std::uint32_t nAny = 0;
-        for (int nCol = 0; nCol < rGrid.nCols; ++nCol) {
-            std::uint32_t anSamples[CELL_PIXELS];
-            std::uint32_t nState = 0;
-            const auto eKind = static_cast<ECellKind>(rGrid.vKinds[rGrid.CellIndex(nCol, nRow)]);
-            if (eKind == CELL_EXACT) {
-                nState = rSampler.SampleExact(rGrid.vExact[static_cast<std::size_t>(nExact++)], anSamples);
-            } else if (eKind != CELL_EMPTY) {
-                const int n = rGrid.PointsPerCell();
-                nState = rSampler.SampleSmooth(
-                    {&rGrid.vPoints[rGrid.PointIndex(nCol * n, nRow * n)], rGrid.nPointCols, rGrid.nStep},
-                    anSamples);
-            }
-            rStrip.vStates[static_cast<std::size_t>(nCol)] = nState;
-            nAny |= nState;
-            if (nState != LAYER_STATE_MIXED)
-                continue;
-            std::uint32_t* pRow = rStrip.vPixels.data() + nCol * CELL_SIDE;
-            for (int y = 0; y < CELL_SIDE; ++y, pRow += nStride)
-                std::copy_n(anSamples + y * CELL_SIDE, CELL_SIDE, pRow);
+        for (int nCol = 0; nCol < rGrid.nCols; nCol += GROUP) {
+            const int nCells = std::min(GROUP, rGrid.nCols - nCol);
+            const unsigned char* const pKinds = rGrid.vKinds.data() + rGrid.CellIndex(nCol, nRow);
+            const bool bTogether = std::all_of(pKinds, pKinds + nCells, [](unsigned char nKind) {
+                return nKind == CELL_SMOOTH || nKind == CELL_RIM;
+            });
+            std::uint32_t nState = LAYER_STATE_MIXED;
+            if (bTogether)
+                nState = rSampler.StateOfCells(PointsOf(rGrid, nCol, nRow), nCells);
+            std::fill_n(rStrip.vStates.begin() + nCol, nCells, nState);
+            for (int i = nCol; nState == LAYER_STATE_MIXED && i < nCol + nCells; ++i)
+                SampleCell(rGrid, rSampler, nRow, i, nExact, rStrip);
+            for (int i = nCol; i < nCol + nCells; ++i)
+                nAny |= rStrip.vStates[static_cast<std::size_t>(i)];
         }
         if (nAny != 0)
             AddRows(rGrid, nRow, rStrip, rLayer);
     }
+}
+
+/// One cell's state, and its samples where it has different ones; rExact counts exact cells.
+template <class TSource>
+void CInputLayer::SampleCell(const SPartGrid& rGrid, const CSampler<TSource>& rSampler, int nRow, int nCol,
+                             int& rExact, SStrip& rStrip)
+{
+    std::uint32_t anSamples[CELL_PIXELS];
+    std::uint32_t& rState = rStrip.vStates[static_cast<std::size_t>(nCol)];
+    const auto eKind = static_cast<ECellKind>(rGrid.vKinds[rGrid.CellIndex(nCol, nRow)]);
+    if (eKind == CELL_EXACT)
+        rState = rSampler.SampleExact(rGrid.vExact[static_cast<std::size_t>(rExact++)], anSamples);
+    else
+        rState = eKind == CELL_EMPTY ? 0 : rSampler.SampleSmooth(PointsOf(rGrid, nCol, nRow), anSamples);
+    if (rState != LAYER_STATE_MIXED)
+        return;
+    std::uint32_t* pRow = rStrip.vPixels.data() + nCol * CELL_SIDE;
+    for (int y = 0; y < CELL_SIDE; ++y, pRow += rGrid.nCols * CELL_SIDE)
+        std::copy_n(anSamples + y * CELL_SIDE, CELL_SIDE, pRow);
 }
 
 /// Adds the rows of a row of cells, as far as they belong to the part.

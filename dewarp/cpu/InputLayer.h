@@ -49,6 +49,9 @@ private:
     template <class TSource>
     static void FillStrip(const SPartGrid& rGrid, const CSampler<TSource>& rSampler, int nFirst, int nEnd,
                           SStrip& rStrip, CRunLayer& rLayer);
+    template <class TSource>
+    static void SampleCell(const SPartGrid& rGrid, const CSampler<TSource>& rSampler, int nRow, int nCol,
+                           int& rExact, SStrip& rStrip);
     static void AddRows(const SPartGrid& rGrid, int nRow, const SStrip& rStrip, CRunLayer& rLayer);
 
     std::vector<CRunLayer> m_vLayers;

@@ -54,20 +54,31 @@ inline void TexelsBetween(std::int32_t nLowest, std::int32_t nHighest, bool bLin
     rLast = std::min(((nHighest + nHalf) >> POSITION_BITS) + (bLinear ? 1 : 0), nSize - 1);
 }
 
+inline constexpr std::uint64_t PAIR_OF_HALVES = (std::uint64_t{1} << 32 | 1) << (2 * POSITION_BITS - 1);
+
 /// The mean of four texels, each channel for itself; x and y are the right and the lower ones' shares.
 inline std::uint32_t MeanTexel(const std::uint32_t (&an)[4], std::uint32_t x, std::uint32_t y)
 {
     if (an[0] == an[1] && an[0] == an[2] && an[0] == an[3])
         return an[0];
-    const std::uint32_t nOne = POSITION_ONE;
-    const std::uint32_t nHalf = 1U << (2 * POSITION_BITS - 1);
-    std::uint32_t nMean = 0;
-    for (int i = 0; i < 32; i += 8) {
-        const std::uint32_t nUpper = (an[0] >> i & 255) * (nOne - x) + (an[1] >> i & 255) * x;
-        const std::uint32_t nLower = (an[2] >> i & 255) * (nOne - x) + (an[3] >> i & 255) * x;
-        nMean |= ((nUpper * (nOne - y) + nLower * y + nHalf) >> (2 * POSITION_BITS)) << i;
+    // Two channels in one number: 8 bits and as many as two fractions have fit into half of it.
+    const auto Pair = [](std::uint32_t n) {
+        return std::uint64_t{n & 255} | std::uint64_t{n >> 16 & 255} << 32;
+    };
+    const std::uint64_t nOne = POSITION_ONE;
+    const std::uint64_t anShares[4] = {(nOne - x) * (nOne - y), x * (nOne - y), (nOne - x) * y,
+                                       std::uint64_t{x} * y};
+    std::uint64_t nRedBlue = PAIR_OF_HALVES;
+    std::uint64_t nGreenAlpha = PAIR_OF_HALVES;
+    for (int i = 0; i < 4; ++i) {
+        nRedBlue += Pair(an[i]) * anShares[i];
+        nGreenAlpha += Pair(an[i] >> 8) * anShares[i];
     }
-    return nMean;
+    const auto Bytes = [](std::uint64_t n) {
+        n >>= 2 * POSITION_BITS;
+        return static_cast<std::uint32_t>((n & 255) | (n >> 16 & 0xFF0000));
+    };
+    return Bytes(nRedBlue) | Bytes(nGreenAlpha) << 8;
 }
 
 /// One texel or the mean of four, at a position inside an image of that size; rAt(x, y) gives texels.

@@ -3,7 +3,6 @@
 #include "dewarp/tables/GPUFont.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 namespace
@@ -72,11 +71,12 @@ void CTextCanvas::Draw(const SGPUString& rString, const SPlacedString& rPlaced)
 /// Of a glyph that nPixels show: the texels of one of them.
 CTextCanvas::STap CTextCanvas::TapAt(int nPixel, int nPixels, int nCell, int nCellTexels, int nTexels)
 {
-    const float f = (static_cast<float>(nPixel) + 0.5f) / static_cast<float>(nPixels);
-    const float fTexel = (static_cast<float>(nCell) + f) * static_cast<float>(nCellTexels) - 0.5f;
-    const float fFirst = std::floor(fTexel);
-    const int nFirst = static_cast<int>(fFirst);
-    return {std::clamp(nFirst, 0, nTexels - 1), std::clamp(nFirst + 1, 0, nTexels - 1), fTexel - fFirst};
+    // Without rounding: a share that ought to be nothing would leave colour without alpha behind.
+    const int nNumerator = (2 * (nCell * nPixels + nPixel) + 1) * nCellTexels - nPixels;
+    const int nDenominator = 2 * nPixels;
+    const int nFirst = nNumerator < 0 ? -1 : nNumerator / nDenominator;
+    return {std::clamp(nFirst, 0, nTexels - 1), std::clamp(nFirst + 1, 0, nTexels - 1),
+            static_cast<float>(nNumerator - nFirst * nDenominator) / static_cast<float>(nDenominator)};
 }
 
 void CTextCanvas::DrawGlyph(int nGlyph, const SPlacedString& rPlaced, int x, unsigned int nColor)
