@@ -103,9 +103,6 @@ struct SYUV
 void ShowQuantiser(const SFrameColours& rColours, const SGridPoint& rPoint, SYUV& s)
 {
     const SQPInfo& rQP = *rColours.sFine.pQP;
-    // Without types every block shows its picture.
-    if (rQP.pMBType == nullptr)
-        return;
     const float qp = BlockValue(rColours, rQP.pQP, rPoint) / 0.1f;
     const float t = BlockValue(rColours, rQP.pMBType, rPoint);
     s.u = t * std::clamp(qp - 0.5f, -0.5f, 0.5f) + (1.0f - t) * s.u;
@@ -172,8 +169,9 @@ SFrameColours PrepareColours(const SImageProperties& rImage, const SPictureSetti
         rFine.fLumaSpan = static_cast<float>(rLevels.nLumaMax) / 255.0f - rFine.fLumaMin;
         rFine.fChromaSpan = 1.0f - 2.0f * (static_cast<float>(rLevels.nChromaMin) / 255.0f);
     }
+    // Without types every block shows its picture.
     const bool bQP = rJob.eSource == SOURCE_PLANAR && pQP != nullptr && pQP->pQP != nullptr &&
-                     std::min(pQP->nWidth, pQP->nStride) > 0 && pQP->nHeight > 0;
+                     pQP->pMBType != nullptr && std::min(pQP->nWidth, pQP->nStride) > 0 && pQP->nHeight > 0;
     rFine.pQP = bQP ? pQP : nullptr;
     const SColourMatrix& m = ColourMatrixOf(static_cast<EYUVSpace>(c.nYUVSpace));
     rFine.pMatrix = &m;

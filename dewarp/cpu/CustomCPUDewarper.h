@@ -20,6 +20,7 @@ public:
     EDewarpEngine GetEngine() const override;
     std::string GetEngineText() override;
     bool InitTarget(int nWidth, int nHeight) override;
+    bool GetTargetSize(int& nWidth, int& nHeight) override;
     bool SetTexture(SImageProperties* pImage, bool bGain, SQPInfo* pQP,
                     unsigned long long nTimestamp) override;
     bool DrawGLScene(bool bExchangeBuffers) override;

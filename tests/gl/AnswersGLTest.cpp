@@ -1,4 +1,5 @@
 // What setters leave behind and getters answer; what is refused; what a dewarper without a platform does.
+#include "tests/support/EngineDewarper.h"
 #include "tests/support/TestDewarper.h"
 #include "tests/unit/shaders/GoldenTexts.h"
 
@@ -11,7 +12,15 @@
 namespace
 {
 
-class Answers : public testing::Test
+class Answers : public CEngineTest
+{
+protected:
+    CEngineDewarper oDewarper{GetParam(), 96, 64};
+    CTestFrame oFrame{AsymmetricPicture(64, 64), IMAGE_FORMAT_YUV420P};
+};
+
+/// Of the GL engine alone.
+class AnswersOfGL : public testing::Test
 {
 protected:
     CTestDewarper oDewarper{96, 64};
@@ -20,100 +29,96 @@ protected:
 
 } // namespace
 
-TEST_F(Answers, EverySetterIsAnsweredByItsGetter)
+TEST_P(Answers, EverySetterIsAnsweredByItsGetter)
 {
-    oDewarper.SetMountTilt(12.5f);
-    oDewarper.SetStrictTiltLimits(false);
-    oDewarper.SetRotation(270);
-    oDewarper.SetFlip(false, true);
-    oDewarper.SetGains(1.5f, 0.25f);
-    oDewarper.SetYUVLevels(10, 240, 12);
-    oDewarper.SetEyeDistance(0.5f);
-    oDewarper.SetLogGLErrors(true);
-    oDewarper.SetLogShaderCode(true);
-    EXPECT_EQ(oDewarper.GetMountTilt(), 12.5f);
-    EXPECT_FALSE(oDewarper.GetStrictTiltLimits());
-    EXPECT_EQ(oDewarper.GetRotation(), 270);
+    oDewarper->SetMountTilt(12.5f);
+    oDewarper->SetStrictTiltLimits(false);
+    oDewarper->SetRotation(270);
+    oDewarper->SetFlip(false, true);
+    oDewarper->SetGains(1.5f, 0.25f);
+    oDewarper->SetYUVLevels(10, 240, 12);
+    oDewarper->SetEyeDistance(0.5f);
+    EXPECT_EQ(oDewarper->GetMountTilt(), 12.5f);
+    EXPECT_FALSE(oDewarper->GetStrictTiltLimits());
+    EXPECT_EQ(oDewarper->GetRotation(), 270);
     bool bHorizontal = true;
     bool bVertical = false;
-    oDewarper.GetFlip(bHorizontal, bVertical);
+    oDewarper->GetFlip(bHorizontal, bVertical);
     EXPECT_FALSE(bHorizontal);
     EXPECT_TRUE(bVertical);
     float fLuma = 0.0f;
     float fChroma = 0.0f;
-    oDewarper.GetGains(fLuma, fChroma);
+    oDewarper->GetGains(fLuma, fChroma);
     EXPECT_EQ(fLuma, 1.5f);
     EXPECT_EQ(fChroma, 0.25f);
     int anLevels[3] = {};
-    oDewarper.GetYUVLevels(anLevels[0], anLevels[1], anLevels[2]);
+    oDewarper->GetYUVLevels(anLevels[0], anLevels[1], anLevels[2]);
     EXPECT_EQ(anLevels[0], 10);
     EXPECT_EQ(anLevels[1], 240);
     EXPECT_EQ(anLevels[2], 12);
-    EXPECT_EQ(oDewarper.GetEyeDistance(), 0.5f);
-    EXPECT_TRUE(oDewarper.GetLogGLErrors());
-    EXPECT_TRUE(oDewarper.GetLogShaderCode());
+    EXPECT_EQ(oDewarper->GetEyeDistance(), 0.5f);
     int nMajor = -1;
     int nMinor = -1;
-    EXPECT_TRUE(oDewarper.GetDewarperVersion(nMajor, nMinor));
+    EXPECT_TRUE(oDewarper->GetDewarperVersion(nMajor, nMinor));
     EXPECT_EQ(nMajor, 0);
     EXPECT_EQ(nMinor, 1);
 }
 
-TEST_F(Answers, NumbersThatAreNoneAreRefusedWithALine)
+TEST_P(Answers, NumbersThatAreNoneAreRefusedWithALine)
 {
     const float fNone = std::numeric_limits<float>::quiet_NaN();
     const float fEndless = std::numeric_limits<float>::infinity();
-    oDewarper.SetMountTilt(5.0f);
-    oDewarper.SetGains(1.0f, 2.0f);
-    oDewarper.SetEyeDistance(0.5f);
-    oDewarper.SetRotation(90);
+    oDewarper->SetMountTilt(5.0f);
+    oDewarper->SetGains(1.0f, 2.0f);
+    oDewarper->SetEyeDistance(0.5f);
+    oDewarper->SetRotation(90);
     CLogCapture oLog;
-    oDewarper.SetMountTilt(fEndless);
-    oDewarper.SetGains(fNone, 1.0f);
-    oDewarper.SetGains(1.0f, -fEndless);
-    oDewarper.SetEyeDistance(fNone);
-    oDewarper.SetRotation(45);
+    oDewarper->SetMountTilt(fEndless);
+    oDewarper->SetGains(fNone, 1.0f);
+    oDewarper->SetGains(1.0f, -fEndless);
+    oDewarper->SetEyeDistance(fNone);
+    oDewarper->SetRotation(45);
     EXPECT_EQ(oLog.Lines().size(), 5u) << oLog.Text();
-    EXPECT_EQ(oDewarper.GetMountTilt(), 5.0f);
+    EXPECT_EQ(oDewarper->GetMountTilt(), 5.0f);
     float fLuma = 0.0f;
     float fChroma = 0.0f;
-    oDewarper.GetGains(fLuma, fChroma);
+    oDewarper->GetGains(fLuma, fChroma);
     EXPECT_EQ(fLuma, 1.0f);
     EXPECT_EQ(fChroma, 2.0f);
-    EXPECT_EQ(oDewarper.GetEyeDistance(), 0.5f);
-    EXPECT_EQ(oDewarper.GetRotation(), 90);
+    EXPECT_EQ(oDewarper->GetEyeDistance(), 0.5f);
+    EXPECT_EQ(oDewarper->GetRotation(), 90);
 }
 
-TEST_F(Answers, ATinyNegativePanIsNoWholeTurn)
+TEST_P(Answers, ATinyNegativePanIsNoWholeTurn)
 {
-    oDewarper.SetViewType(VIEW_VCAM);
+    oDewarper->SetViewType(VIEW_VCAM);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
-    oDewarper.AbsolutePTZ(-1e-8f, 40.0f, 90.0f);
+    oDewarper->AbsolutePTZ(-1e-8f, 40.0f, 90.0f);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
     float fPan = -1.0f;
     float fTilt = 0.0f;
     float fZoom = 0.0f;
-    oDewarper.GetPTZ(fPan, fTilt, fZoom);
+    oDewarper->GetPTZ(fPan, fTilt, fZoom);
     EXPECT_GE(fPan, 0.0f);
     EXPECT_LT(fPan, 360.0f);
 }
 
-TEST_F(Answers, SpeedsWithoutLimitLoseNoPosition)
+TEST_P(Answers, SpeedsWithoutLimitLoseNoPosition)
 {
-    oDewarper.SetViewType(VIEW_VCAM);
+    oDewarper->SetViewType(VIEW_VCAM);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
-    oDewarper.AbsolutePTZ(20.0f, 40.0f, 90.0f);
+    oDewarper->AbsolutePTZ(20.0f, 40.0f, 90.0f);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
     const float fNone = std::numeric_limits<float>::quiet_NaN();
-    oDewarper.AnaloguePTZ(fNone, fNone, fNone);
+    oDewarper->AnaloguePTZ(fNone, fNone, fNone);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
-    EXPECT_EQ(oDewarper.pParams->fPan, 20.0f);
-    EXPECT_EQ(oDewarper.pParams->fTilt, 40.0f);
-    EXPECT_EQ(oDewarper.pParams->fZoom, 90.0f);
+    EXPECT_EQ(oDewarper.Pan(), 20.0f);
+    EXPECT_EQ(oDewarper.Tilt(), 40.0f);
+    EXPECT_EQ(oDewarper.Zoom(), 90.0f);
     EXPECT_NO_GL_ERROR();
 }
 
-TEST_F(Answers, SideInformationOfNoSizeIsRefused)
+TEST_P(Answers, SideInformationOfNoSizeIsRefused)
 {
     SQPInfo sInfo;
     sInfo.pQP = new unsigned char[16]();
@@ -121,11 +126,34 @@ TEST_F(Answers, SideInformationOfNoSizeIsRefused)
     sInfo.nHeight = 4;
     sInfo.nStride = 4;
     CLogCapture oLog;
-    EXPECT_FALSE(oDewarper.SetTexture(oFrame.Image(), false, &sInfo, 0));
+    EXPECT_FALSE(oDewarper->SetTexture(oFrame.Image(), false, &sInfo, 0));
     EXPECT_TRUE(oLog.Contains("macroblock information")) << oLog.Text();
 }
 
-TEST_F(Answers, CopiesOfAnUnknownSourceDrawNothing)
+TEST_P(Answers, AMaskOfTwoPointsCoversNothing)
+{
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    const STestImage sBefore = oDewarper.Picture();
+    SGPolygon sMask;
+    sMask.vPoints = {{0, 0}, {63, 63}};
+    sMask.nColor = 0xFF0000FF;
+    oDewarper->SetMaskPolygons({sMask});
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    EXPECT_EQ(oDewarper.Picture().vPixels, sBefore.vPixels);
+    EXPECT_NO_GL_ERROR();
+}
+
+INSTANTIATE_ENGINES(Answers);
+
+TEST_F(AnswersOfGL, SwitchesOfTheLogAreAnswered)
+{
+    oDewarper.SetLogGLErrors(true);
+    oDewarper.SetLogShaderCode(true);
+    EXPECT_TRUE(oDewarper.GetLogGLErrors());
+    EXPECT_TRUE(oDewarper.GetLogShaderCode());
+}
+
+TEST_F(AnswersOfGL, CopiesOfAnUnknownSourceDrawNothing)
 {
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
     CGLRecorder::Get().Start();
@@ -137,20 +165,7 @@ TEST_F(Answers, CopiesOfAnUnknownSourceDrawNothing)
     CGLRecorder::Get().TakeErrors();
 }
 
-TEST_F(Answers, AMaskOfTwoPointsCoversNothing)
-{
-    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
-    const STestImage sBefore = oDewarper.Picture();
-    SGPolygon sMask;
-    sMask.vPoints = {{0, 0}, {63, 63}};
-    sMask.nColor = 0xFF0000FF;
-    oDewarper.SetMaskPolygons({sMask});
-    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
-    EXPECT_EQ(oDewarper.Picture().vPixels, sBefore.vPixels);
-    EXPECT_NO_GL_ERROR();
-}
-
-TEST_F(Answers, TheBaseWritesTheUnturnedVertexText)
+TEST_F(AnswersOfGL, TheBaseWritesTheUnturnedVertexText)
 {
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
     const SGoldenCase sPlain = GoldenCases("vertex").front();

@@ -30,7 +30,3 @@ public:
 private:
     bool m_bStarted = false;
 };
-
-/// A small picture in which no two corners or halves look alike: a gradient with a bright mark at the top
-/// left and a dark one at the bottom right.
-STestImage AsymmetricPicture(int nWidth, int nHeight);

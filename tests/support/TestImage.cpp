@@ -173,3 +173,18 @@ double Mean(const std::vector<double>& vValues)
                ? 0.0
                : std::accumulate(vValues.begin(), vValues.end(), 0.0) / static_cast<double>(vValues.size());
 }
+
+STestImage AsymmetricPicture(int nWidth, int nHeight)
+{
+    STestImage sImage(nWidth, nHeight);
+    for (int y = 0; y < nHeight; ++y)
+        for (int x = 0; x < nWidth; ++x) {
+            const bool bMark = x < nWidth / 4 && y < nHeight / 4;
+            const bool bDark = x >= nWidth - nWidth / 4 && y >= nHeight - nHeight / 4;
+            if (bMark || bDark)
+                sImage.Set(x, y, bMark ? 250 : 5, bMark ? 240 : 10, bMark ? 30 : 20);
+            else
+                sImage.Set(x, y, 40 + 160 * x / nWidth, 40 + 160 * y / nHeight, 90);
+        }
+    return sImage;
+}

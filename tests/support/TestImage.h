@@ -31,6 +31,10 @@ struct STestImage
     unsigned int Word(int x, int y) const;
 };
 
+/// A small picture in which no two corners or halves look alike: a gradient with a bright mark at the top
+/// left and a dark one at the bottom right.
+STestImage AsymmetricPicture(int nWidth, int nHeight);
+
 /// Differences of two pictures of one size, over red, green and blue.
 struct SImageDifference
 {

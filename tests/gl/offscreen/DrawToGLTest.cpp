@@ -1,6 +1,7 @@
 // Frames drawn into the host's memory: formats, strides, colours, and what is refused.
-#include "dewarp/Dewarper.h"
-#include "tests/support/TestDewarper.h"
+#include "tests/support/EngineDewarper.h"
+#include "tests/support/GLRecorder.h"
+#include "tests/support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -14,12 +15,12 @@ const int HEIGHT = 25;
 const unsigned char UNTOUCHED = 0xA5;
 
 /// A dewarper with a frame to show.
-class DrawTo : public testing::Test
+class DrawTo : public CEngineTest
 {
 protected:
     void SetUp() override
     {
-        pDewarper = CreateDewarper(ENGINE_GL, WIDTH, HEIGHT);
+        pDewarper = CreateDewarper(GetParam(), WIDTH, HEIGHT);
         ASSERT_NE(pDewarper, nullptr);
         ASSERT_TRUE(pDewarper->SetTexture(oFrame.Image(), false, nullptr, 0));
         pDewarper->SetViewType(VIEW_FISHEYE);
@@ -45,12 +46,14 @@ protected:
 
 } // namespace
 
-TEST_F(DrawTo, PackedFormatsHoldThePixelsOfGetImage)
+TEST_P(DrawTo, PackedFormatsHoldThePixelsOfGetImage)
 {
     for (const EImageFormat eFormat : {IMAGE_FORMAT_BGRA32, IMAGE_FORMAT_RGBA32}) {
         const int nStride = WIDTH * 4 + 5;
         VBytes vTarget(static_cast<std::size_t>(nStride * HEIGHT), UNTOUCHED);
         ASSERT_TRUE(pDewarper->DrawTo(vTarget.data(), nStride, eFormat));
+        // The processor engine keeps no second copy of what it drew into the host's memory.
+        ASSERT_TRUE(pDewarper->DrawGLScene(false));
         const VBytes vPixels = Pixels();
         ASSERT_FALSE(vPixels.empty());
         for (int y = 0; y < HEIGHT; ++y) {
@@ -66,7 +69,7 @@ TEST_F(DrawTo, PackedFormatsHoldThePixelsOfGetImage)
     }
 }
 
-TEST_F(DrawTo, OnePieceOfMemoryHoldsThePlanesOneBehindTheOther)
+TEST_P(DrawTo, OnePieceOfMemoryHoldsThePlanesOneBehindTheOther)
 {
     const int nStride = 41;
     const int nChroma = 21;
@@ -102,7 +105,7 @@ TEST_F(DrawTo, OnePieceOfMemoryHoldsThePlanesOneBehindTheOther)
     EXPECT_EQ(vPairs.back(), UNTOUCHED);
 }
 
-TEST_F(DrawTo, YUVGoesOutAsItCameIn)
+TEST_P(DrawTo, YUVGoesOutAsItCameIn)
 {
     for (const EYUVSpace eSpace :
          {YUV_SPACE_BT601, YUV_SPACE_BT709, YUV_SPACE_BT2020, YUV_SPACE_BT601_SCALED})
@@ -135,7 +138,7 @@ TEST_F(DrawTo, YUVGoesOutAsItCameIn)
             }
 }
 
-TEST_F(DrawTo, WhatIsNoTargetIsRefusedWithOneLineAndNothingIsWritten)
+TEST_P(DrawTo, WhatIsNoTargetIsRefusedWithOneLineAndNothingIsWritten)
 {
     VBytes vTarget(WIDTH * HEIGHT * 4, UNTOUCHED);
     const VBytes vBefore = vTarget;
@@ -174,9 +177,9 @@ TEST_F(DrawTo, WhatIsNoTargetIsRefusedWithOneLineAndNothingIsWritten)
     EXPECT_EQ(vTarget, vBefore);
 }
 
-TEST_F(DrawTo, WithoutAFrameNothingIsWritten)
+TEST_P(DrawTo, WithoutAFrameNothingIsWritten)
 {
-    const std::unique_ptr<CDewarper> pEmpty = CreateDewarper(ENGINE_GL, WIDTH, HEIGHT);
+    const std::unique_ptr<CDewarper> pEmpty = CreateDewarper(GetParam(), WIDTH, HEIGHT);
     ASSERT_NE(pEmpty, nullptr);
     VBytes vTarget(WIDTH * HEIGHT * 4, UNTOUCHED);
     const VBytes vBefore = vTarget;
@@ -184,3 +187,5 @@ TEST_F(DrawTo, WithoutAFrameNothingIsWritten)
     EXPECT_FALSE(pEmpty->DrawTo(vTarget.data(), WIDTH * 4, IMAGE_FORMAT_BGRA32));
     EXPECT_EQ(vTarget, vBefore);
 }
+
+INSTANTIATE_ENGINES(DrawTo);

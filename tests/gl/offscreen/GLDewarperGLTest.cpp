@@ -247,6 +247,31 @@ TEST(GLDewarper, EveryOperationDoesWhatItDoesWithTheDewarperItself)
     EXPECT_NO_GL_ERROR();
 }
 
+/// Why there are no wire frames is said in each engine's own words.
+static std::string WithoutOwnWords(std::string strText)
+{
+    const std::string strOwn = "OpenGL ES draws no";
+    const std::size_t nAt = strText.find(strOwn);
+    return nAt == std::string::npos ? strText : strText.replace(nAt, strOwn.size(), "no engine draws");
+}
+
+TEST(BothEngines, AnswerEveryOperationAlikeAndSayTheSame)
+{
+    const std::unique_ptr<CDewarper> pGL = Make();
+    const std::unique_ptr<CDewarper> pProcessor = CreateDewarper(ENGINE_CPU, WIDTH, HEIGHT);
+    ASSERT_NE(pGL, nullptr);
+    ASSERT_NE(pProcessor, nullptr);
+    for (const SOperation& rOperation : OPERATIONS) {
+        SCOPED_TRACE(rOperation.pName);
+        const SOutcome sGL = OutcomeOf([&] { return rOperation.fBoth(*pGL); }, *pGL);
+        const SOutcome sProcessor = OutcomeOf([&] { return rOperation.fBoth(*pProcessor); }, *pProcessor);
+        EXPECT_EQ(sProcessor.strResult, sGL.strResult);
+        EXPECT_EQ(sProcessor.strAnswers, WithoutOwnWords(sGL.strAnswers));
+        EXPECT_EQ(sProcessor.strLog, WithoutOwnWords(sGL.strLog));
+        EXPECT_EQ(sProcessor.strPicture.size(), sGL.strPicture.size());
+    }
+}
+
 TEST(GLDewarper, SaysWhoDraws)
 {
     const std::unique_ptr<CDewarper> pDewarper = Make();

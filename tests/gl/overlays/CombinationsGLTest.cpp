@@ -17,11 +17,6 @@ struct SCombinationCase
     int nHeight;
 };
 
-static std::ostream& operator<<(std::ostream& oStream, const SCombinationCase& sCase)
-{
-    return oStream << sCase.pName;
-}
-
 static const SCombinationCase CASES[] = {
     {"Flat", VIEW_FISHEYE, 160, 144},      {"FlatOdd", VIEW_FISHEYE, 161, 143},
     {"Camera", VIEW_VCAM, 160, 144},       {"CameraOdd", VIEW_VCAM, 161, 143},
@@ -44,16 +39,16 @@ static int PixelsOff(const STestImage& sA, const STestImage& sB)
     return nOff;
 }
 
-class Combinations : public testing::TestWithParam<SCombinationCase>
+class Combinations : public testing::TestWithParam<SEngineCase<SCombinationCase>>
 {
 protected:
-    Combinations() : oDewarper(GetParam().nWidth, GetParam().nHeight)
+    Combinations() : oDewarper(GetParam().eEngine, GetParam().sCase.nWidth, GetParam().sCase.nHeight)
     {
-        s.eView = GetParam().eView;
+        s.eView = GetParam().sCase.eView;
         s.nLensType = LENS_DSL419;
         s.nImageWidth = s.nImageHeight = FRAME;
-        s.nTargetWidth = GetParam().nWidth;
-        s.nTargetHeight = GetParam().nHeight;
+        s.nTargetWidth = GetParam().sCase.nWidth;
+        s.nTargetHeight = GetParam().sCase.nHeight;
         if (s.eView != VIEW_FISHEYE) {
             s.fPan = 70.0;
             s.fTilt = 45.0;
@@ -77,7 +72,7 @@ protected:
     STestImage Bare(const STestImage& sSource)
     {
         CTestFrame oFrame(sSource, IMAGE_FORMAT_RGB24);
-        CTestDewarper oPlain(s.nTargetWidth, s.nTargetHeight);
+        CEngineDewarper oPlain(GetParam().eEngine, s.nTargetWidth, s.nTargetHeight);
         EXPECT_TRUE(oPlain.Apply(s, oFrame));
         return oPlain.Picture();
     }
@@ -86,10 +81,10 @@ protected:
     const STestImage sFrame = AsymmetricPicture(FRAME, FRAME);
     STestImage sInput = PlainPicture(FRAME, FRAME, 0);
     STestImage sMaskImage = PlainPicture(FRAME, FRAME, 0);
-    STestImage sOutput = PlainPicture(GetParam().nWidth, GetParam().nHeight, 0);
+    STestImage sOutput = PlainPicture(GetParam().sCase.nWidth, GetParam().sCase.nHeight, 0);
     TPolygons vMasks;
     TStrings vStrings;
-    CTestDewarper oDewarper;
+    CEngineDewarper oDewarper;
 };
 
 TEST_P(Combinations, ShowEveryLayerUprightInItsPlace)
@@ -103,17 +98,17 @@ TEST_P(Combinations, ShowEveryLayerUprightInItsPlace)
         const bool bOutput = (i & 8) != 0;
         SCOPED_TRACE(std::string(bInput ? "input " : "") + (bMask ? "mask " : "") + (bText ? "text " : "") +
                      (bOutput ? "output" : ""));
-        oDewarper.SetMaskPolygons(TPolygons());
+        oDewarper->SetMaskPolygons(TPolygons());
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
         if (bInput)
-            SetInput(oDewarper, sInput);
+            SetInput(*oDewarper, sInput);
         if (bMask)
-            oDewarper.SetMaskPolygons(vMasks);
-        oDewarper.SetStrings(bText ? vStrings : TStrings());
+            oDewarper->SetMaskPolygons(vMasks);
+        oDewarper->SetStrings(bText ? vStrings : TStrings());
         if (bOutput)
-            SetOutput(oDewarper, sOutput);
+            SetOutput(*oDewarper, sOutput);
         else
-            oDewarper.SetOutputOverlay(nullptr, 0, 0, 0);
+            oDewarper->SetOutputOverlay(nullptr, 0, 0, 0, {});
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
         const STestImage sPicture = oDewarper.Picture();
 
@@ -132,7 +127,8 @@ TEST_P(Combinations, ShowEveryLayerUprightInItsPlace)
         EXPECT_LE(PixelsOff(sPicture, sWanted), s.eView == VIEW_FISHEYE ? 0 : 3)
             << "at " << sDifference.nMaxX << ", " << sDifference.nMaxY;
         if (i == 15 || i == 7 || HasFailure())
-            WritePicture(std::string("combination ") + GetParam().pName + " " + std::to_string(i),
+            WritePicture("combination " + EngineName(GetParam().eEngine) + " " + GetParam().sCase.pName +
+                             " " + std::to_string(i),
                          HasFailure() ? SideBySide(sPicture, sWanted) : sPicture);
         EXPECT_NO_GL_ERROR();
     }
@@ -146,8 +142,8 @@ TEST_P(Combinations, TheViewBelowStandsAsTheLensSaysWithAndWithoutLayers)
     const STestImage sWanted = CReferenceView(s).Render(sFrame, false);
     for (const bool bLayers : {false, true}) {
         if (bLayers) { // that cannot be seen
-            oDewarper.SetStrings({Text(" ", 0, 0, 8)});
-            SetOutput(oDewarper, PlainPicture(s.nTargetWidth, s.nTargetHeight, 0));
+            oDewarper->SetStrings({Text(" ", 0, 0, 8)});
+            SetOutput(*oDewarper, PlainPicture(s.nTargetWidth, s.nTargetHeight, 0));
         }
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
         const STestImage sPicture = oDewarper.Picture();
@@ -174,16 +170,19 @@ TEST_P(Combinations, TheViewBelowStandsAsTheLensSaysWithAndWithoutLayers)
         EXPECT_GT(nMarks, 150);
         EXPECT_GE(nRight, nMarks * 98 / 100) << "of " << nMarks;
         if (HasFailure())
-            WritePicture(std::string("combination ") + GetParam().pName + " view",
+            WritePicture("combination " + EngineName(GetParam().eEngine) + " " + GetParam().sCase.pName +
+                             " view",
                          SideBySide(sPicture, sWanted));
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Views, Combinations, testing::ValuesIn(CASES),
-                         [](const auto& oInfo) { return std::string(oInfo.param.pName); });
+INSTANTIATE_TEST_SUITE_P(Views, Combinations, testing::ValuesIn(WithBothEngines(CASES)), SEngineCaseName());
+
+using QuadView = CEngineTest;
+using TurnedViews = CEngineTest;
 
 /// What an odd quad view leaves undrawn stays where it is, and stays black.
-TEST(QuadView, LeavesTheSameRowAndColumnFreeInEveryCombination)
+TEST_P(QuadView, LeavesTheSameRowAndColumnFreeInEveryCombination)
 {
     SReferenceSetup s;
     s.eView = VIEW_VCAM_QUAD;
@@ -194,20 +193,23 @@ TEST(QuadView, LeavesTheSameRowAndColumnFreeInEveryCombination)
     s.fZoom = 100.0;
     STestImage sFrame = PlainPicture(FRAME, FRAME, 0xC0C0C0FF);
     CTestFrame oFrame(sFrame, IMAGE_FORMAT_RGB24);
-    CTestDewarper oDewarper(81, 61);
+    CEngineDewarper oDewarper(GetParam(), 81, 61);
     s.nTargetWidth = 81;
     s.nTargetHeight = 61;
     ASSERT_TRUE(oDewarper.Apply(s, oFrame));
     for (int i = 0; i < 4; ++i) {
-        oDewarper.SetStrings((i & 1) != 0 ? TStrings{Text(" ", 10, 10, 16)} : TStrings());
+        oDewarper->SetStrings((i & 1) != 0 ? TStrings{Text(" ", 10, 10, 16)} : TStrings());
         if ((i & 2) != 0)
-            SetOutput(oDewarper, PlainPicture(81, 61, 0));
+            SetOutput(*oDewarper, PlainPicture(81, 61, 0));
         CGLRecorder::Get().Start();
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
-        const SGLCall sViewport = CGLRecorder::Get().Named("glViewport").back();
-        EXPECT_EQ((std::vector<int>{sViewport.Int(0), sViewport.Int(1), sViewport.Int(2), sViewport.Int(3)}),
-                  (std::vector<int>{0, 0, 81, 61}))
-            << "what a frame leaves behind";
+        if (GetParam() == ENGINE_GL) {
+            const SGLCall sViewport = CGLRecorder::Get().Named("glViewport").back();
+            EXPECT_EQ(
+                (std::vector<int>{sViewport.Int(0), sViewport.Int(1), sViewport.Int(2), sViewport.Int(3)}),
+                (std::vector<int>{0, 0, 81, 61}))
+                << "what a frame leaves behind";
+        }
         const STestImage sPicture = oDewarper.Picture();
         for (int x = 0; x < 81; ++x)
             ASSERT_EQ(sPicture.At(x, 0)[0], 0) << i << ": the top row, column " << x;
@@ -219,7 +221,7 @@ TEST(QuadView, LeavesTheSameRowAndColumnFreeInEveryCombination)
     }
 }
 
-TEST(TurnedViews, TurnsAndFlipsMoveInputAndMasksButNeitherTextNorOutputOverlay)
+TEST_P(TurnedViews, TurnsAndFlipsMoveInputAndMasksButNeitherTextNorOutputOverlay)
 {
     const STestImage sFrame = AsymmetricPicture(FRAME, FRAME);
     STestImage sMasked = sFrame;
@@ -229,26 +231,29 @@ TEST(TurnedViews, TurnsAndFlipsMoveInputAndMasksButNeitherTextNorOutputOverlay)
     STestImage sOutput = PlainPicture(FRAME, FRAME, 0);
     FillRect(sOutput, {0, 0, FRAME, 3}, 0xFF00FF90);
     const TStrings vStrings = {Text("L", 12, 5, 64, 0xFFFFFFFF)};
-    CTestDewarper oDewarper(FRAME, FRAME);
-    CTestDewarper oPlain(FRAME, FRAME);
-    oDewarper.SetMaskPolygons({{{{14, 20}, {48, 20}, {48, 46}, {14, 46}}, MASK_COLOR}});
+    CEngineDewarper oDewarper(GetParam(), FRAME, FRAME);
+    CEngineDewarper oPlain(GetParam(), FRAME, FRAME);
+    oDewarper->SetMaskPolygons({{{{14, 20}, {48, 20}, {48, 46}, {14, 46}}, MASK_COLOR}});
     for (int i = 0; i < 64; ++i) {
         SCOPED_TRACE(i);
-        for (CTestDewarper* pEach : {&oDewarper, &oPlain}) {
+        for (CDewarper* pEach : {&*oDewarper, &*oPlain}) {
             pEach->SetViewType(VIEW_FISHEYE);
             pEach->SetRotation(i % 4 * 90);
             pEach->SetFlip((i & 4) != 0, (i & 8) != 0);
         }
         ASSERT_TRUE(oPlain.DrawFrame(oMasked));
         STestImage sWanted = oPlain.Picture();
-        oDewarper.SetStrings((i & 16) != 0 ? vStrings : TStrings());
+        oDewarper->SetStrings((i & 16) != 0 ? vStrings : TStrings());
         if ((i & 16) != 0)
             DrawText(sWanted, vStrings);
         if ((i & 32) != 0) {
-            SetOutput(oDewarper, sOutput);
+            SetOutput(*oDewarper, sOutput);
             Blend(sWanted, sOutput);
         }
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
         ASSERT_LE(CompareImages(oDewarper.Picture(), sWanted).nMax, 1);
     }
 }
+
+INSTANTIATE_ENGINES(QuadView);
+INSTANTIATE_ENGINES(TurnedViews);

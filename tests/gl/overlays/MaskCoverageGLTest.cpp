@@ -104,16 +104,18 @@ static const int POLYGONS = 80;
 static const int POLYGONS = 400;
 #endif
 
-TEST(MaskCoverage, EveryPixelInsideAndNoneBeyondOnePixelOutside)
+using MaskCoverage = CEngineTest;
+
+TEST_P(MaskCoverage, EveryPixelInsideAndNoneBeyondOnePixelOutside)
 {
     const int nWidth = 90;
     const int nHeight = 70;
-    SFlatView oView(PlainPicture(nWidth, nHeight, 0x00FF00FF));
+    SEngineView oView(GetParam(), PlainPicture(nWidth, nHeight, 0x00FF00FF));
     TRandom oRandom(11);
     long long anPixels[3] = {};
     int nNearCovered = 0;
     for (const TPoints& vPoints : Polygons(oRandom, POLYGONS, nWidth, nHeight)) {
-        oView.oDewarper.SetMaskPolygons({{vPoints, RED}});
+        oView.oDewarper->SetMaskPolygons({{vPoints, RED}});
         const STestImage sPicture = oView.Draw();
         const std::vector<EPlace> vPlaces = PlacesOf(vPoints, nWidth, nHeight);
         int nLeaks = 0;
@@ -133,11 +135,11 @@ TEST(MaskCoverage, EveryPixelInsideAndNoneBeyondOnePixelOutside)
     EXPECT_GT(anPixels[PLACE_INSIDE], 1000 * POLYGONS / 2);
 }
 
-TEST(MaskCoverage, HugeCoordinatesCoverWhatTheyShould)
+TEST_P(MaskCoverage, HugeCoordinatesCoverWhatTheyShould)
 {
     const int nWidth = 64;
     const int nHeight = 48;
-    SFlatView oView(PlainPicture(nWidth, nHeight, 0x00FF00FF));
+    SEngineView oView(GetParam(), PlainPicture(nWidth, nHeight, 0x00FF00FF));
     const int n = 32767;
     const std::vector<TPoints> vCases = {
         {{-n, -n}, {n, -n}, {n, n}, {-n, n}},
@@ -150,7 +152,7 @@ TEST(MaskCoverage, HugeCoordinatesCoverWhatTheyShould)
          {-2000000000, 2000000000}},
     };
     for (std::size_t k = 0; k < vCases.size(); ++k) {
-        oView.oDewarper.SetMaskPolygons({{vCases[k], RED}});
+        oView.oDewarper->SetMaskPolygons({{vCases[k], RED}});
         const STestImage sPicture = oView.Draw();
         const TPoints& rPoints = vCases[k];
         const std::vector<EPlace> vPlaces = PlacesOf(
@@ -188,12 +190,7 @@ static const SMaskView VIEWS[] = {
     {"WallPanorama", VIEW_PANORAMA_FULL, MOUNT_WALL, 0, 0, 180},
 };
 
-static std::ostream& operator<<(std::ostream& oStream, const SMaskView& sView)
-{
-    return oStream << sView.pName;
-}
-
-class MaskInView : public testing::TestWithParam<SMaskView>
+class MaskInView : public testing::TestWithParam<SEngineCase<SMaskView>>
 {
 protected:
     static const int SIZE = 97;
@@ -201,15 +198,15 @@ protected:
     void SetUp() override
     {
         SReferenceSetup s;
-        s.eView = GetParam().eView;
-        s.eMount = GetParam().eMount;
+        s.eView = GetParam().sCase.eView;
+        s.eMount = GetParam().sCase.eMount;
         s.nLensType = LENS_DSL419;
         s.nImageWidth = s.nImageHeight = SIZE;
         s.nTargetWidth = 260;
         s.nTargetHeight = 140;
-        s.fPan = GetParam().fPan;
-        s.fTilt = GetParam().fTilt;
-        s.fZoom = GetParam().fZoom;
+        s.fPan = GetParam().sCase.fPan;
+        s.fTilt = GetParam().sCase.fTilt;
+        s.fZoom = GetParam().sCase.fZoom;
         CTestFrame oFrame(PlainPicture(SIZE, SIZE, 0xFF), IMAGE_FORMAT_RGB24);
         ASSERT_TRUE(oDewarper.Apply(s, oFrame));
     }
@@ -227,7 +224,7 @@ protected:
         return sFrame;
     }
 
-    CTestDewarper oDewarper{260, 140};
+    CEngineDewarper oDewarper{GetParam().eEngine, 260, 140};
 };
 
 TEST_P(MaskInView, HidesWhatIsInsideAndNothingElse)
@@ -238,8 +235,8 @@ TEST_P(MaskInView, HidesWhatIsInsideAndNothingElse)
     for (const TPoints& vPoints : Polygons(oRandom, POLYGONS / 20, SIZE, SIZE)) {
         CTestFrame oFrame(Frame(PlacesOf(vPoints, SIZE, SIZE)), IMAGE_FORMAT_RGB24);
         for (const bool bLinear : {false, true}) {
-            oDewarper.SetInterpolationType(bLinear ? INTERPOLATION_LINEAR : INTERPOLATION_NEAREST);
-            oDewarper.SetMaskPolygons({{vPoints, RED}});
+            oDewarper->SetInterpolationType(bLinear ? INTERPOLATION_LINEAR : INTERPOLATION_NEAREST);
+            oDewarper->SetMaskPolygons({{vPoints, RED}});
             ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
             const STestImage sPicture = oDewarper.Picture();
             for (std::size_t i = 0; i < sPicture.vPixels.size(); i += 4) {
@@ -257,7 +254,7 @@ TEST_P(MaskInView, HidesWhatIsInsideAndNothingElse)
     EXPECT_LE(anWorst[1][0], 64);
     EXPECT_GT(nHidden, 100);
     std::printf("  %-16s filtered: at most %d of 255 of a hidden pixel shows beside the outline\n",
-                GetParam().pName, anWorst[1][0]);
+                GetParam().sCase.pName, anWorst[1][0]);
 }
 
 TEST_P(MaskInView, OneTexelInsideTheOutlineNothingShowsFilteredEither)
@@ -275,8 +272,8 @@ TEST_P(MaskInView, OneTexelInsideTheOutlineNothingShowsFilteredEither)
                         vCore[static_cast<std::size_t>(y * SIZE + x)] = PLACE_NEAR;
                 }
         CTestFrame oFrame(Frame(vCore), IMAGE_FORMAT_RGB24);
-        oDewarper.SetInterpolationType(INTERPOLATION_LINEAR);
-        oDewarper.SetMaskPolygons({{vPoints, RED}});
+        oDewarper->SetInterpolationType(INTERPOLATION_LINEAR);
+        oDewarper->SetMaskPolygons({{vPoints, RED}});
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
         const STestImage sPicture = oDewarper.Picture();
         int nWorst = 0;
@@ -286,5 +283,5 @@ TEST_P(MaskInView, OneTexelInsideTheOutlineNothingShowsFilteredEither)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Views, MaskInView, testing::ValuesIn(VIEWS),
-                         [](const auto& oInfo) { return std::string(oInfo.param.pName); });
+INSTANTIATE_ENGINES(MaskCoverage);
+INSTANTIATE_TEST_SUITE_P(Views, MaskInView, testing::ValuesIn(WithBothEngines(VIEWS)), SEngineCaseName());

@@ -7,7 +7,7 @@
 static const int WIDTH = 48;
 static const int HEIGHT = 40;
 
-class MaskPlace : public testing::Test
+class MaskPlace : public CEngineTest
 {
 protected:
     void SetUp() override
@@ -27,21 +27,20 @@ protected:
     const STestImage sLogo = PatternPicture(WIDTH, HEIGHT);
     STestImage sMasked = sFrame;
     const TPolygons vBox = {{{{10, 6}, {30, 6}, {30, 15}, {10, 15}}, 0x30A0C0FF}};
-    SFlatView oView{sFrame};
-    CCustomGPUDewarper& oDewarper = oView.oDewarper;
+    SEngineView oView{GetParam(), sFrame};
+    CDewarper& oDewarper = *oView.oDewarper;
 };
 
-TEST_F(MaskPlace, ALogoThatIsSetAfterTheListWasEmptiedStays)
+TEST_P(MaskPlace, ALogoThatIsSetAfterTheListWasEmptiedStays)
 {
     DrawMasked();
     oDewarper.SetMaskPolygons({});
     SetInput(oDewarper, sLogo);
     ExpectLogo();
     ExpectLogo();
-    EXPECT_NE(oDewarper.sInputOverlay.nTexture, 0u);
 }
 
-TEST_F(MaskPlace, ALogoThatIsSetAfterAnEmptyListStaysThoughThereWereNoMasks)
+TEST_P(MaskPlace, ALogoThatIsSetAfterAnEmptyListStaysThoughThereWereNoMasks)
 {
     oDewarper.SetMaskPolygons({});
     SetInput(oDewarper, sLogo);
@@ -51,7 +50,7 @@ TEST_F(MaskPlace, ALogoThatIsSetAfterAnEmptyListStaysThoughThereWereNoMasks)
     ExpectLogo();
 }
 
-TEST_F(MaskPlace, ALogoThatIsSetBeforeTheListIsEmptiedGoes)
+TEST_P(MaskPlace, ALogoThatIsSetBeforeTheListIsEmptiedGoes)
 {
     SetInput(oDewarper, sLogo);
     oDewarper.SetMaskPolygons({});
@@ -60,10 +59,9 @@ TEST_F(MaskPlace, ALogoThatIsSetBeforeTheListIsEmptiedGoes)
     ExpectLogo();
     oDewarper.SetMaskPolygons({});
     EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
-    EXPECT_EQ(oDewarper.sInputOverlay.nTexture, 0u);
 }
 
-TEST_F(MaskPlace, AnImageSetWhileThereAreMasksIsKeptOutWithOneLine)
+TEST_P(MaskPlace, AnImageSetWhileThereAreMasksIsKeptOutWithOneLine)
 {
     DrawMasked();
     CLogCapture oLog;
@@ -81,7 +79,7 @@ TEST_F(MaskPlace, AnImageSetWhileThereAreMasksIsKeptOutWithOneLine)
     EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
 }
 
-TEST_F(MaskPlace, AnImageTakenAwayWhileThereAreMasksTakesNoMaskAwayAndSaysSo)
+TEST_P(MaskPlace, AnImageTakenAwayWhileThereAreMasksTakesNoMaskAwayAndSaysSo)
 {
     DrawMasked();
     CLogCapture oLog;
@@ -93,7 +91,7 @@ TEST_F(MaskPlace, AnImageTakenAwayWhileThereAreMasksTakesNoMaskAwayAndSaysSo)
     EXPECT_EQ(oLog.Lines().size(), 1u) << oLog.Text();
 }
 
-TEST_F(MaskPlace, ARefusedImageAfterTheMasksWereEmptiedLeavesThePlainPicture)
+TEST_P(MaskPlace, ARefusedImageAfterTheMasksWereEmptiedLeavesThePlainPicture)
 {
     for (const bool bFrameBetween : {false, true}) {
         DrawMasked();
@@ -102,29 +100,68 @@ TEST_F(MaskPlace, ARefusedImageAfterTheMasksWereEmptiedLeavesThePlainPicture)
             oView.Draw();
         STestImage sAny = PlainPicture(4, 4, 0x00FF00FF);
         EXPECT_EQ(oDewarper.SetInputOverlay(sAny.vPixels.data(), 0, 4, 0), 0);
-        EXPECT_TRUE(oDewarper.sMainShader.bInputOverlay) << "the wish stands until the next frame";
         EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0) << bFrameBetween;
         EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0) << bFrameBetween;
-        EXPECT_EQ(oDewarper.sInputOverlay.nTexture, 0u);
     }
 }
 
-TEST_F(MaskPlace, ARefusedImageShowsAYUVFrameInItsColours)
+TEST_P(MaskPlace, ARefusedImageShowsAYUVFrameInItsColours)
 {
     for (const int nFormat : {IMAGE_FORMAT_NV12, IMAGE_FORMAT_NV21, IMAGE_FORMAT_YUV420P}) {
-        SFlatView oYUV(sFrame, nFormat);
+        SEngineView oYUV(GetParam(), sFrame, nFormat);
         const STestImage sWanted = oYUV.Draw();
         STestImage sAny = PlainPicture(4, 4, 0);
-        EXPECT_EQ(oYUV.oDewarper.SetInputOverlay(sAny.vPixels.data(), 4, 20000, 0), 0);
+        EXPECT_EQ(oYUV.oDewarper->SetInputOverlay(sAny.vPixels.data(), 4, 20000, 0), 0);
         EXPECT_EQ(CompareImages(oYUV.Draw(), sWanted).nMax, 0) << nFormat;
     }
 }
 
-TEST_F(MaskPlace, AMaskWhoseMeshGetsNoBufferRefusesTheFrame)
+TEST_P(MaskPlace, MasksOfAFrameOfAnotherSizeAreThereWithItsFirstPicture)
 {
     DrawMasked();
+    for (const int nFactor : {2, 1, 3}) {
+        const int w = WIDTH * nFactor;
+        const int h = HEIGHT * nFactor;
+        ASSERT_TRUE(oDewarper.InitTarget(w, h));
+        CTestFrame oOther(PlainPicture(w, h, 0xFF0000FF), IMAGE_FORMAT_RGB24);
+        // The whole of the new frame is masked before it comes, and nobody looks in between.
+        oDewarper.SetMaskPolygons({{{{0, 0}, {w, 0}, {w, h}, {0, h}}, 0x30A0C0FF}});
+        ASSERT_TRUE(oView.oDewarper.DrawFrame(oOther));
+        EXPECT_EQ(CompareImages(oView.oDewarper.Picture(), PlainPicture(w, h, 0x30A0C0FF)).nMax, 0)
+            << nFactor;
+    }
+}
+
+INSTANTIATE_ENGINES(MaskPlace);
+
+TEST(MaskBuffers, TheTextureOfTheSharedPlaceGoesWhenNobodyHasIt)
+{
+    const STestImage sFrame = AsymmetricPicture(WIDTH, HEIGHT);
+    SFlatView oView(sFrame);
+    CCustomGPUDewarper& oDewarper = oView.oDewarper;
+    SetInput(oDewarper, PatternPicture(WIDTH, HEIGHT));
+    oView.Draw();
+    EXPECT_NE(oDewarper.sInputOverlay.nTexture, 0u);
+    oDewarper.SetMaskPolygons({});
+    EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
+    EXPECT_EQ(oDewarper.sInputOverlay.nTexture, 0u);
+    STestImage sAny = PlainPicture(4, 4, 0x00FF00FF);
+    EXPECT_EQ(oDewarper.SetInputOverlay(sAny.vPixels.data(), 0, 4, 0), 0);
+    EXPECT_TRUE(oDewarper.sMainShader.bInputOverlay) << "the wish stands until the next frame";
+    EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
+    EXPECT_EQ(oDewarper.sInputOverlay.nTexture, 0u);
+}
+
+TEST(MaskBuffers, AMaskWhoseMeshGetsNoBufferRefusesTheFrame)
+{
+    const STestImage sFrame = AsymmetricPicture(WIDTH, HEIGHT);
+    SFlatView oView(sFrame);
+    CCustomGPUDewarper& oDewarper = oView.oDewarper;
+    const TPolygons vOne = {{{{10, 6}, {30, 6}, {30, 15}, {10, 15}}, 0x30A0C0FF}};
+    oDewarper.SetMaskPolygons(vOne);
+    ASSERT_EQ(oView.Draw().Word(12, 8), 0x30A0C0FFu);
     CLogCapture oLog;
-    const TPolygons vTwo = {{{{1, 1}, {5, 1}, {5, 5}}, 0xFF}, vBox[0]};
+    const TPolygons vTwo = {{{{1, 1}, {5, 1}, {5, 5}}, 0xFF}, vOne[0]};
     // Two buffers a mask: any of the four may be the one that is not to be had.
     for (int nSkip = 0; nSkip < 4; ++nSkip) {
         SCOPED_TRACE(nSkip);
@@ -140,20 +177,4 @@ TEST_F(MaskPlace, AMaskWhoseMeshGetsNoBufferRefusesTheFrame)
         EXPECT_EQ(oView.oDewarper.Picture().Word(4, 2), 0x000000FFu);
     }
     EXPECT_NO_GL_ERROR();
-}
-
-TEST_F(MaskPlace, MasksOfAFrameOfAnotherSizeAreThereWithItsFirstPicture)
-{
-    DrawMasked();
-    for (const int nFactor : {2, 1, 3}) {
-        const int w = WIDTH * nFactor;
-        const int h = HEIGHT * nFactor;
-        ASSERT_TRUE(oView.oDewarper.InitGL(w, h));
-        CTestFrame oOther(PlainPicture(w, h, 0xFF0000FF), IMAGE_FORMAT_RGB24);
-        // The whole of the new frame is masked before it comes, and nobody looks in between.
-        oDewarper.SetMaskPolygons({{{{0, 0}, {w, 0}, {w, h}, {0, h}}, 0x30A0C0FF}});
-        ASSERT_TRUE(oView.oDewarper.DrawFrame(oOther));
-        EXPECT_EQ(CompareImages(oView.oDewarper.Picture(), PlainPicture(w, h, 0x30A0C0FF)).nMax, 0)
-            << nFactor;
-    }
 }

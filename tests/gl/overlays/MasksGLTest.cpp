@@ -14,7 +14,168 @@ static SGPolygon Box(int x, int y, int nWidth, int nHeight, unsigned int nColor)
     return {{{x, y}, {x + nWidth, y}, {x + nWidth, y + nHeight}, {x, y + nHeight}}, nColor};
 }
 
-class Masks : public testing::Test
+class Masks : public CEngineTest
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
+        FillRect(sMasked, {10, 6, 20, 9}, 0x30A0C0FF);
+    }
+
+    void ExpectMasked() { EXPECT_EQ(CompareImages(oView.Draw(), sMasked).nMax, 0); }
+
+    const STestImage sFrame = AsymmetricPicture(WIDTH, HEIGHT);
+    STestImage sMasked = sFrame;
+    const TPolygons vBox = {Box(10, 6, 20, 9, 0x30A0C0FF)};
+    SEngineView oView{GetParam(), sFrame};
+    CDewarper& oDewarper = *oView.oDewarper;
+};
+
+TEST_P(Masks, CoverTheirPixelsInTheirColour)
+{
+    oDewarper.SetMaskPolygons(vBox);
+    ExpectMasked();
+}
+
+TEST_P(Masks, ComeAsBytesToo)
+{
+    // The same box: 4 points, big-endian, then its colour.
+    unsigned char acBytes[] = {0,  4, 0,  10, 0,  6, 0,  30,   0,    6,    0,
+                               30, 0, 15, 0,  10, 0, 15, 0x30, 0xA0, 0xC0, 0xFF};
+    oDewarper.SetMaskPolygons(acBytes, static_cast<int>(sizeof acBytes));
+    ExpectMasked();
+    // And a red triangle, half transparent.
+    unsigned char acTriangle[] = {0, 3, 0, 10, 0, 20, 0, 40, 0, 20, 0, 25, 0, 38, 0xFF, 0, 0, 0x80};
+    oDewarper.SetMaskPolygons(acTriangle, static_cast<int>(sizeof acTriangle));
+    STestImage sOverlay = PlainPicture(WIDTH, HEIGHT, 0);
+    sOverlay.Set(25, 25, 128, 0, 0, 128);
+    STestImage sWanted = sFrame;
+    Blend(sWanted, sOverlay);
+    const STestImage sPicture = oView.Draw();
+    for (int i = 0; i < 4; ++i)
+        EXPECT_NEAR(sPicture.At(25, 25)[i], sWanted.At(25, 25)[i], 1) << i;
+    oDewarper.SetMaskPolygons(nullptr, 0);
+    EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
+}
+
+TEST_P(Masks, OfTwoPointsPaintNothing)
+{
+    oDewarper.SetMaskPolygons({{{{0, 0}, {40, 40}}, 0xFF0000FF}, {{}, 0xFF0000FF}, {{{5, 5}}, 0xFF0000FF}});
+    EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
+}
+
+TEST_P(Masks, OfTwoPointsDoNotShowTheMaskBeforeThem)
+{
+    oDewarper.SetMaskPolygons({vBox[0], {{{0, 0}, {40, 40}}, 0xFF0000FF}});
+    ExpectMasked();
+}
+
+TEST_P(Masks, WinOverAHostOverlayOfTheSameFrame)
+{
+    const STestImage sOverlay = PlainPicture(WIDTH, HEIGHT, 0);
+    SetInput(oDewarper, sOverlay);
+    oDewarper.SetMaskPolygons(vBox);
+    ExpectMasked();
+    oDewarper.SetMaskPolygons({});
+    oView.Draw();
+    oDewarper.SetMaskPolygons(vBox);
+    SetInput(oDewarper, sOverlay);
+    ExpectMasked();
+}
+
+TEST_P(Masks, WinOverAHostOverlayOfAnotherFrame)
+{
+    oDewarper.SetMaskPolygons(vBox);
+    ExpectMasked();
+    for (const int nSize : {WIDTH, 7}) { // an overlay of the frame's size, and of another
+        SetInput(oDewarper, PlainPicture(nSize, HEIGHT, 0));
+        ExpectMasked();
+        SetInput(oDewarper, PlainPicture(nSize, HEIGHT, 0));
+        SetInput(oDewarper, PlainPicture(nSize, HEIGHT, 0x00FF00FF));
+        ExpectMasked();
+    }
+    oDewarper.SetInputOverlay(nullptr, 0, 0, 0);
+    ExpectMasked();
+    STestImage sAny = PlainPicture(4, 4, 0);
+    oDewarper.SetInputOverlay(sAny.vPixels.data(), 0, 4, 0);
+    ExpectMasked();
+    std::thread oControl([&] { oDewarper.SetInputOverlay(nullptr, 0, 0, 0); });
+    oControl.join();
+    ExpectMasked();
+}
+
+TEST_P(Masks, CoverAlsoAfterARefusedOverlay)
+{
+    STestImage sAny = PlainPicture(4, 4, 0);
+    oDewarper.SetInputOverlay(sAny.vPixels.data(), 0, 4, 0);
+    ASSERT_TRUE(oDewarper.DrawGLScene(false));
+    oDewarper.SetMaskPolygons(vBox);
+    ExpectMasked();
+}
+
+TEST_P(Masks, FollowANewFrameSizeInPixelsOfThatFrame)
+{
+    oDewarper.SetMaskPolygons(vBox);
+    ExpectMasked();
+    for (const auto& [nWidth, nHeight] : {std::pair{96, 60}, std::pair{33, 29}, std::pair{48, 40}}) {
+        const STestImage sOther = AsymmetricPicture(nWidth, nHeight);
+        CTestFrame oOther(sOther, IMAGE_FORMAT_RGB24);
+        ASSERT_TRUE(oDewarper.InitTarget(nWidth, nHeight));
+        ASSERT_TRUE(oView.oDewarper.DrawFrame(oOther));
+        STestImage sWanted = sOther;
+        FillRect(sWanted, {10, 6, 20, 9}, 0x30A0C0FF);
+        EXPECT_EQ(CompareImages(oView.oDewarper.Picture(), sWanted).nMax, 0) << nWidth;
+    }
+}
+
+TEST_P(Masks, StayInPlaceWhenTheFormatChanges)
+{
+    oDewarper.SetMaskPolygons(vBox);
+    ExpectMasked();
+    for (const int nFormat :
+         {IMAGE_FORMAT_NV12, IMAGE_FORMAT_YUV420P, IMAGE_FORMAT_RGBA32, IMAGE_FORMAT_GRAY8,
+          IMAGE_FORMAT_BGR24, IMAGE_FORMAT_NV21, IMAGE_FORMAT_BGRA32}) {
+        SCOPED_TRACE(nFormat);
+        CTestFrame oOther(sFrame, nFormat);
+        ASSERT_TRUE(oView.oDewarper.DrawFrame(oOther));
+        const STestImage sPicture = oView.oDewarper.Picture();
+        for (int y = 6; y < 15; ++y)
+            for (int x = 10; x < 30; ++x)
+                ASSERT_EQ(sPicture.Word(x, y), 0x30A0C0FFu) << x << ", " << y;
+        if (nFormat == IMAGE_FORMAT_BGR24)
+            CGLRecorder::Get().TakeErrors(); // drivers without that format say so once
+    }
+}
+
+TEST_P(Masks, LeaveTheTargetsViewportAlone)
+{
+    ASSERT_TRUE(oDewarper.InitTarget(96, 80)); // twice the frame
+    oView.Draw();
+    oDewarper.SetMaskPolygons(vBox);
+    const STestImage sPicture = oView.Draw();
+    for (int y = 0; y < 80; ++y)
+        for (int x = 0; x < 96; ++x)
+            ASSERT_EQ(sPicture.Word(x, y), sMasked.Word(x / 2, y / 2)) << x << ", " << y;
+}
+
+TEST_P(Masks, AnEmptyListRemovesTheInputOverlay)
+{
+    for (const bool bHost : {false, true}) {
+        if (bHost)
+            SetInput(oDewarper, PatternPicture(WIDTH, HEIGHT));
+        else
+            oDewarper.SetMaskPolygons(vBox);
+        oView.Draw();
+        oDewarper.SetMaskPolygons({});
+        EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
+    }
+}
+
+INSTANTIATE_ENGINES(Masks);
+
+/// The passes that paint them.
+class MaskPasses : public testing::Test
 {
 protected:
     void SetUp() override
@@ -32,38 +193,31 @@ protected:
     CCustomGPUDewarper& oDewarper = oView.oDewarper;
 };
 
-TEST_F(Masks, CoverTheirPixelsInTheirColour)
+TEST_F(MaskPasses, LeaveTheirImageInTheInputOverlaysPlace)
 {
     oDewarper.SetMaskPolygons(vBox);
     ExpectMasked();
     EXPECT_TRUE(oDewarper.sMainShader.bInputOverlay);
     EXPECT_EQ(oDewarper.sInputOverlay.nTextureUnit, static_cast<unsigned int>(GL_TEXTURE5));
+    EXPECT_EQ(oDewarper.sInputOverlay.nWidth, WIDTH);
+    oDewarper.SetMaskPolygons({{{{0, 0}, {40, 40}}, 0xFF0000FF}, {{}, 0xFF0000FF}});
+    oView.Draw();
+    EXPECT_EQ(oDewarper.vMaskPolygons.size(), 2u);
+    EXPECT_TRUE(oDewarper.sMainShader.bInputOverlay);
+    for (const bool bHost : {false, true}) {
+        if (bHost)
+            SetInput(oDewarper, PatternPicture(WIDTH, HEIGHT));
+        else
+            oDewarper.SetMaskPolygons(vBox);
+        oView.Draw();
+        oDewarper.SetMaskPolygons({});
+        EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
+        EXPECT_EQ(oDewarper.sInputOverlay.nTexture, 0u);
+        EXPECT_FALSE(oDewarper.sMainShader.bInputOverlay);
+    }
 }
 
-TEST_F(Masks, ComeAsBytesToo)
-{
-    // The same box: 4 points, big-endian, then its colour.
-    unsigned char acBytes[] = {0,  4, 0,  10, 0,  6, 0,  30,   0,    6,    0,
-                               30, 0, 15, 0,  10, 0, 15, 0x30, 0xA0, 0xC0, 0xFF};
-    oDewarper.SetMaskPolygons(acBytes, static_cast<int>(sizeof acBytes));
-    ExpectMasked();
-    // And a red triangle, half transparent.
-    unsigned char acTriangle[] = {0, 3, 0, 10, 0, 20, 0, 40, 0, 20, 0, 25, 0, 38, 0xFF, 0, 0, 0x80};
-    oDewarper.SetMaskPolygons(acTriangle, static_cast<int>(sizeof acTriangle));
-    ASSERT_EQ(oDewarper.vMaskPolygons.size(), 1u);
-    STestImage sOverlay = PlainPicture(WIDTH, HEIGHT, 0);
-    sOverlay.Set(25, 25, 128, 0, 0, 128);
-    STestImage sWanted = sFrame;
-    Blend(sWanted, sOverlay);
-    EXPECT_EQ(oView.Draw().Word(25, 25), sWanted.Word(25, 25));
-    oDewarper.SetMaskPolygons(nullptr, 0);
-    EXPECT_TRUE(oDewarper.vMaskPolygons.empty());
-    EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
-    EXPECT_FALSE(oDewarper.sMainShader.bInputOverlay);
-    EXPECT_EQ(oDewarper.sInputOverlay.nTexture, 0u);
-}
-
-TEST_F(Masks, EachIsDrawnIntoTheSecondTextureAndCopiedBackIntoTheFirst)
+TEST_F(MaskPasses, DrawEachIntoTheSecondTextureAndCopyItBackIntoTheFirst)
 {
     oDewarper.SetMaskPolygons(vBox);
     oView.Draw(); // programs and textures are there
@@ -106,7 +260,7 @@ TEST_F(Masks, EachIsDrawnIntoTheSecondTextureAndCopiedBackIntoTheFirst)
     EXPECT_EQ(oRecorder.Count("glDeleteBuffers"), 4);
 }
 
-TEST_F(Masks, AreNotPaintedAgainInASteadyFrame)
+TEST_F(MaskPasses, AreNotRunAgainInASteadyFrame)
 {
     oDewarper.SetMaskPolygons(vBox);
     ExpectMasked();
@@ -118,64 +272,7 @@ TEST_F(Masks, AreNotPaintedAgainInASteadyFrame)
     EXPECT_EQ(CompareImages(oView.oDewarper.Picture(), sMasked).nMax, 0);
 }
 
-TEST_F(Masks, OfTwoPointsPaintNothing)
-{
-    oDewarper.SetMaskPolygons({{{{0, 0}, {40, 40}}, 0xFF0000FF}, {{}, 0xFF0000FF}, {{{5, 5}}, 0xFF0000FF}});
-    EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
-    EXPECT_EQ(oDewarper.vMaskPolygons.size(), 3u);
-    EXPECT_TRUE(oDewarper.sMainShader.bInputOverlay);
-}
-
-TEST_F(Masks, OfTwoPointsDoNotShowTheMaskBeforeThem)
-{
-    oDewarper.SetMaskPolygons({vBox[0], {{{0, 0}, {40, 40}}, 0xFF0000FF}});
-    ExpectMasked();
-}
-
-TEST_F(Masks, WinOverAHostOverlayOfTheSameFrame)
-{
-    const STestImage sOverlay = PlainPicture(WIDTH, HEIGHT, 0);
-    SetInput(oDewarper, sOverlay);
-    oDewarper.SetMaskPolygons(vBox);
-    ExpectMasked();
-    oDewarper.SetMaskPolygons({});
-    oView.Draw();
-    oDewarper.SetMaskPolygons(vBox);
-    SetInput(oDewarper, sOverlay);
-    ExpectMasked();
-}
-
-TEST_F(Masks, WinOverAHostOverlayOfAnotherFrame)
-{
-    oDewarper.SetMaskPolygons(vBox);
-    ExpectMasked();
-    for (const int nSize : {WIDTH, 7}) { // an overlay of the frame's size, and of another
-        SetInput(oDewarper, PlainPicture(nSize, HEIGHT, 0));
-        ExpectMasked();
-        SetInput(oDewarper, PlainPicture(nSize, HEIGHT, 0));
-        SetInput(oDewarper, PlainPicture(nSize, HEIGHT, 0x00FF00FF));
-        ExpectMasked();
-    }
-    oDewarper.SetInputOverlay(nullptr, 0, 0, 0);
-    ExpectMasked();
-    STestImage sAny = PlainPicture(4, 4, 0);
-    oDewarper.SetInputOverlay(sAny.vPixels.data(), 0, 4, 0);
-    ExpectMasked();
-    std::thread oControl([&] { oDewarper.SetInputOverlay(nullptr, 0, 0, 0); });
-    oControl.join();
-    ExpectMasked();
-}
-
-TEST_F(Masks, CoverAlsoAfterARefusedOverlay)
-{
-    STestImage sAny = PlainPicture(4, 4, 0);
-    oDewarper.SetInputOverlay(sAny.vPixels.data(), 0, 4, 0);
-    ASSERT_TRUE(oDewarper.DrawGLScene(false));
-    oDewarper.SetMaskPolygons(vBox);
-    ExpectMasked();
-}
-
-TEST_F(Masks, ComeBackAfterARestart)
+TEST_F(MaskPasses, ComeBackAfterARestart)
 {
     oDewarper.SetMaskPolygons(vBox);
     ExpectMasked();
@@ -199,53 +296,7 @@ TEST_F(Masks, ComeBackAfterARestart)
     ExpectMasked();
 }
 
-TEST_F(Masks, FollowANewFrameSizeInPixelsOfThatFrame)
-{
-    oDewarper.SetMaskPolygons(vBox);
-    ExpectMasked();
-    for (const auto& [nWidth, nHeight] : {std::pair{96, 60}, std::pair{33, 29}, std::pair{48, 40}}) {
-        const STestImage sOther = AsymmetricPicture(nWidth, nHeight);
-        CTestFrame oOther(sOther, IMAGE_FORMAT_RGB24);
-        ASSERT_TRUE(oView.oDewarper.InitGL(nWidth, nHeight));
-        ASSERT_TRUE(oView.oDewarper.DrawFrame(oOther));
-        STestImage sWanted = sOther;
-        FillRect(sWanted, {10, 6, 20, 9}, 0x30A0C0FF);
-        EXPECT_EQ(CompareImages(oView.oDewarper.Picture(), sWanted).nMax, 0) << nWidth;
-        EXPECT_EQ(oDewarper.sInputOverlay.nWidth, nWidth);
-    }
-}
-
-TEST_F(Masks, StayInPlaceWhenTheFormatChanges)
-{
-    oDewarper.SetMaskPolygons(vBox);
-    ExpectMasked();
-    for (const int nFormat :
-         {IMAGE_FORMAT_NV12, IMAGE_FORMAT_YUV420P, IMAGE_FORMAT_RGBA32, IMAGE_FORMAT_GRAY8,
-          IMAGE_FORMAT_BGR24, IMAGE_FORMAT_NV21, IMAGE_FORMAT_BGRA32}) {
-        SCOPED_TRACE(nFormat);
-        CTestFrame oOther(sFrame, nFormat);
-        ASSERT_TRUE(oView.oDewarper.DrawFrame(oOther));
-        const STestImage sPicture = oView.oDewarper.Picture();
-        for (int y = 6; y < 15; ++y)
-            for (int x = 10; x < 30; ++x)
-                ASSERT_EQ(sPicture.Word(x, y), 0x30A0C0FFu) << x << ", " << y;
-        if (nFormat == IMAGE_FORMAT_BGR24)
-            CGLRecorder::Get().TakeErrors(); // drivers without that format say so once
-    }
-}
-
-TEST_F(Masks, LeaveTheTargetsViewportAlone)
-{
-    ASSERT_TRUE(oView.oDewarper.InitGL(96, 80)); // twice the frame
-    oView.Draw();
-    oDewarper.SetMaskPolygons(vBox);
-    const STestImage sPicture = oView.Draw();
-    for (int y = 0; y < 80; ++y)
-        for (int x = 0; x < 96; ++x)
-            ASSERT_EQ(sPicture.Word(x, y), sMasked.Word(x / 2, y / 2)) << x << ", " << y;
-}
-
-TEST_F(Masks, ThatCannotBePaintedKeepTheFrameFromBeingShown)
+TEST_F(MaskPasses, ThatCannotBeRunKeepTheFrameFromBeingShown)
 {
     oDewarper.SetMaskPolygons(vBox);
     // The view's program can be made, the masks' cannot.
@@ -258,7 +309,7 @@ TEST_F(Masks, ThatCannotBePaintedKeepTheFrameFromBeingShown)
     EXPECT_EQ(CompareImages(oView.oDewarper.Picture(), sMasked).nMax, 0);
 }
 
-TEST_F(Masks, PaintedAgainAndAgainGainNoName)
+TEST_F(MaskPasses, RunAgainAndAgainGainNoName)
 {
     oDewarper.SetMaskPolygons(vBox);
     ExpectMasked();
@@ -270,19 +321,4 @@ TEST_F(Masks, PaintedAgainAndAgainGainNoName)
         ASSERT_TRUE(oDewarper.DrawGLScene(false));
     }
     EXPECT_EQ(CGLRecorder::Get().LivingGLNames(), nNames);
-}
-
-TEST_F(Masks, AnEmptyListRemovesTheInputOverlay)
-{
-    for (const bool bHost : {false, true}) {
-        if (bHost)
-            SetInput(oDewarper, PatternPicture(WIDTH, HEIGHT));
-        else
-            oDewarper.SetMaskPolygons(vBox);
-        oView.Draw();
-        oDewarper.SetMaskPolygons({});
-        EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
-        EXPECT_EQ(oDewarper.sInputOverlay.nTexture, 0u);
-        EXPECT_FALSE(oDewarper.sMainShader.bInputOverlay);
-    }
 }

@@ -9,63 +9,43 @@
 static const int WIDTH = 160;
 static const int HEIGHT = 120;
 
-class OverlapGroups : public testing::TestWithParam<bool>
+struct SOverlapCase
+{
+    const char* pName;
+    bool bOverlay; ///< text is drawn into the frame texture
+};
+
+static const SOverlapCase CASES[] = {{"Direct", false}, {"ToTexture", true}};
+
+class OverlapGroups : public testing::TestWithParam<SEngineCase<SOverlapCase>>
 {
 protected:
     void SetUp() override
     {
-        if (GetParam()) {
-            SetOutput(oView.oDewarper, PlainPicture(WIDTH, HEIGHT, 0));
-            SetOutput(oFresh.oDewarper, PlainPicture(WIDTH, HEIGHT, 0));
+        if (GetParam().sCase.bOverlay) {
+            SetOutput(*oView.oDewarper, PlainPicture(WIDTH, HEIGHT, 0));
+            SetOutput(*oFresh.oDewarper, PlainPicture(WIDTH, HEIGHT, 0));
         }
     }
 
     STestImage Draw(const TStrings& vStrings)
     {
-        oView.oDewarper.SetStrings(vStrings);
+        oView.oDewarper->SetStrings(vStrings);
         return oView.Draw();
     }
 
     /// The picture when nothing was drawn before.
     STestImage DrawAnew(const TStrings& vStrings)
     {
-        oFresh.oDewarper.SetStrings(TStrings(vStrings.size() + 1));
+        oFresh.oDewarper->SetStrings(TStrings(vStrings.size() + 1));
         oFresh.Draw();
-        oFresh.oDewarper.SetStrings(vStrings);
+        oFresh.oDewarper->SetStrings(vStrings);
         return oFresh.Draw();
     }
 
-    std::vector<int> Groups() const
-    {
-        std::vector<int> vGroups;
-        for (const SGPUString& rString : oView.oDewarper.pStringObject->m_vStrings)
-            vGroups.push_back(rString.nOverlapGroup);
-        return vGroups;
-    }
-
-    SFlatView oView{AsymmetricPicture(WIDTH, HEIGHT)};
-    SFlatView oFresh{AsymmetricPicture(WIDTH, HEIGHT)};
+    SEngineView oView{GetParam().eEngine, AsymmetricPicture(WIDTH, HEIGHT)};
+    SEngineView oFresh{GetParam().eEngine, AsymmetricPicture(WIDTH, HEIGHT)};
 };
-
-TEST_P(OverlapGroups, StringsThatShareAreaShareANumber)
-{
-    // 38 x 64 each: 0 and 2 overlap, 2 and 4 do, so all three are one group; 1 and 3 only touch.
-    Draw({Text("A", 0, 0), Text("B", 100, 0), Text("C", 30, 10), Text("D", 100, 64, 32), Text("E", 60, 40)});
-    const std::vector<int> vGroups = Groups();
-    ASSERT_EQ(vGroups.size(), 5u);
-    EXPECT_NE(vGroups[0], 0);
-    EXPECT_EQ(vGroups[0], vGroups[2]);
-    EXPECT_EQ(vGroups[2], vGroups[4]);
-    EXPECT_EQ(vGroups[1], 0);
-    EXPECT_EQ(vGroups[3], 0);
-    // A bridge joins two groups that had numbers already.
-    Draw({Text("A", 0, 0), Text("B", 10, 0), Text("C", 100, 0), Text("D", 110, 0), Text("-----", 5, 20, 16)});
-    EXPECT_NE(Groups()[0], Groups()[2]);
-    Draw({Text("A", 0, 0), Text("B", 10, 0), Text("C", 100, 0), Text("D", 110, 0),
-          Text("-----------", 5, 20, 16)});
-    EXPECT_EQ(Groups(), std::vector<int>(5, Groups()[0]));
-    EXPECT_EQ(oView.oDewarper.vStrings[3].nOverlapGroup, Groups()[0]);
-}
 
 TEST_P(OverlapGroups, AStringBelowAnotherComesBackWhenThatOneMoves)
 {
@@ -125,5 +105,36 @@ TEST_P(OverlapGroups, RandomChangesGiveTheSamePictureAsDrawingAllAnew)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Targets, OverlapGroups, testing::Bool(),
-                         [](const auto& oInfo) { return oInfo.param ? "ToTexture" : "Direct"; });
+INSTANTIATE_TEST_SUITE_P(Targets, OverlapGroups, testing::ValuesIn(WithBothEngines(CASES)),
+                         SEngineCaseName());
+
+TEST(OverlapNumbers, AreSharedByStringsThatShareArea)
+{
+    SFlatView oView(AsymmetricPicture(WIDTH, HEIGHT));
+    const auto Draw = [&](const TStrings& vStrings) {
+        oView.oDewarper.SetStrings(vStrings);
+        oView.Draw();
+    };
+    const auto Groups = [&] {
+        std::vector<int> vGroups;
+        for (const SGPUString& rString : oView.oDewarper.pStringObject->m_vStrings)
+            vGroups.push_back(rString.nOverlapGroup);
+        return vGroups;
+    };
+    // 38 x 64 each: 0 and 2 overlap, 2 and 4 do, so all three are one group; 1 and 3 only touch.
+    Draw({Text("A", 0, 0), Text("B", 100, 0), Text("C", 30, 10), Text("D", 100, 64, 32), Text("E", 60, 40)});
+    const std::vector<int> vGroups = Groups();
+    ASSERT_EQ(vGroups.size(), 5u);
+    EXPECT_NE(vGroups[0], 0);
+    EXPECT_EQ(vGroups[0], vGroups[2]);
+    EXPECT_EQ(vGroups[2], vGroups[4]);
+    EXPECT_EQ(vGroups[1], 0);
+    EXPECT_EQ(vGroups[3], 0);
+    // A bridge joins two groups that had numbers already.
+    Draw({Text("A", 0, 0), Text("B", 10, 0), Text("C", 100, 0), Text("D", 110, 0), Text("-----", 5, 20, 16)});
+    EXPECT_NE(Groups()[0], Groups()[2]);
+    Draw({Text("A", 0, 0), Text("B", 10, 0), Text("C", 100, 0), Text("D", 110, 0),
+          Text("-----------", 5, 20, 16)});
+    EXPECT_EQ(Groups(), std::vector<int>(5, Groups()[0]));
+    EXPECT_EQ(oView.oDewarper.vStrings[3].nOverlapGroup, Groups()[0]);
+}

@@ -30,17 +30,6 @@ void FillRect(STestImage& sImage, const SGRect& sRect, unsigned int nColor)
                            static_cast<int>(nColor >> 8 & 255), static_cast<int>(nColor & 255));
 }
 
-int SetInput(CCustomGPUDewarper& oDewarper, STestImage sImage)
-{
-    return oDewarper.SetInputOverlay(sImage.vPixels.data(), sImage.nWidth, sImage.nHeight, 0);
-}
-
-int SetOutput(CCustomGPUDewarper& oDewarper, STestImage sImage, std::vector<SGRect> vRects)
-{
-    return oDewarper.SetOutputOverlay(sImage.vPixels.data(), sImage.nWidth, sImage.nHeight, 0,
-                                      std::move(vRects));
-}
-
 SFlatView::SFlatView(const STestImage& sFrame, int nFormat)
     : oDewarper(sFrame.nWidth, sFrame.nHeight), oFrame(sFrame, nFormat)
 {
@@ -48,6 +37,17 @@ SFlatView::SFlatView(const STestImage& sFrame, int nFormat)
 }
 
 STestImage SFlatView::Draw()
+{
+    return oDewarper.DrawFrame(oFrame) ? oDewarper.Picture() : STestImage();
+}
+
+SEngineView::SEngineView(EDewarpEngine eEngine, const STestImage& sFrame, int nFormat)
+    : oDewarper(eEngine, sFrame.nWidth, sFrame.nHeight), oFrame(sFrame, nFormat)
+{
+    oDewarper->SetViewType(VIEW_FISHEYE);
+}
+
+STestImage SEngineView::Draw()
 {
     return oDewarper.DrawFrame(oFrame) ? oDewarper.Picture() : STestImage();
 }

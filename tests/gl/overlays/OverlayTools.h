@@ -4,6 +4,7 @@
 
 #include "dewarp/overlays/SGPUString.h"
 #include "dewarp/records/SGRect.h"
+#include "tests/support/EngineDewarper.h"
 #include "tests/support/TestDewarper.h"
 
 #include <functional>
@@ -20,8 +21,18 @@ STestImage PatternPicture(int nWidth, int nHeight, int nAlpha = 255);
 /// Pixels inside a rectangle get one colour.
 void FillRect(STestImage& sImage, const SGRect& sRect, unsigned int nColor);
 
-int SetInput(CCustomGPUDewarper& oDewarper, STestImage sImage);
-int SetOutput(CCustomGPUDewarper& oDewarper, STestImage sImage, std::vector<SGRect> vRects = {});
+template <class D>
+int SetInput(D& rDewarper, STestImage sImage)
+{
+    return rDewarper.SetInputOverlay(sImage.vPixels.data(), sImage.nWidth, sImage.nHeight, 0);
+}
+
+template <class D>
+int SetOutput(D& rDewarper, STestImage sImage, std::vector<SGRect> vRects = {})
+{
+    return rDewarper.SetOutputOverlay(sImage.vPixels.data(), sImage.nWidth, sImage.nHeight, 0,
+                                      std::move(vRects));
+}
 
 /// A dewarper that shows a frame pixel by pixel, and that frame.
 struct SFlatView
@@ -31,6 +42,16 @@ struct SFlatView
     STestImage Draw();
 
     CTestDewarper oDewarper;
+    CTestFrame oFrame;
+};
+
+/// The same with either engine.
+struct SEngineView
+{
+    SEngineView(EDewarpEngine eEngine, const STestImage& sFrame, int nFormat = IMAGE_FORMAT_RGB24);
+    STestImage Draw();
+
+    CEngineDewarper oDewarper;
     CTestFrame oFrame;
 };
 

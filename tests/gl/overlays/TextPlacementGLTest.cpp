@@ -3,8 +3,16 @@
 
 #include <gtest/gtest.h>
 
-/// True: an output overlay is shown, too, so that text is drawn into the frame texture.
-class TextPlacement : public testing::TestWithParam<bool>
+/// Where text is drawn: an output overlay, shown too, has it drawn into the frame texture.
+struct STextCase
+{
+    const char* pName;
+    bool bOverlay;
+};
+
+static const STextCase CASES[] = {{"Direct", false}, {"ToTexture", true}};
+
+class TextPlacement : public testing::TestWithParam<SEngineCase<STextCase>>
 {
 protected:
     static STestImage Overlay(int nWidth, int nHeight)
@@ -15,14 +23,14 @@ protected:
     }
 
     /// The picture with this text, and what it should be.
-    static void Check(SFlatView& oView, const STestImage& sFrame, const TStrings& vStrings, int nTolerance)
+    static void Check(SEngineView& oView, const STestImage& sFrame, const TStrings& vStrings, int nTolerance)
     {
-        oView.oDewarper.SetStrings(vStrings);
-        if (GetParam())
-            SetOutput(oView.oDewarper, Overlay(sFrame.nWidth, sFrame.nHeight));
+        oView.oDewarper->SetStrings(vStrings);
+        if (GetParam().sCase.bOverlay)
+            SetOutput(*oView.oDewarper, Overlay(sFrame.nWidth, sFrame.nHeight));
         STestImage sWanted = sFrame;
         DrawText(sWanted, vStrings);
-        if (GetParam())
+        if (GetParam().sCase.bOverlay)
             Blend(sWanted, Overlay(sFrame.nWidth, sFrame.nHeight));
         const STestImage sPicture = oView.Draw();
         const SImageDifference sDifference = CompareImages(sPicture, sWanted);
@@ -37,11 +45,11 @@ protected:
 TEST_P(TextPlacement, LettersStandUprightAndLookLikeTheFont)
 {
     const STestImage sFrame = AsymmetricPicture(240, 151);
-    SFlatView oView(sFrame);
+    SEngineView oView(GetParam().eEngine, sFrame);
     Check(oView, sFrame, {Text("FLgy7", 11, 3, 64, 0xFFFFFFFF), Text("Rotation q4%", 5, 90, 32, 0x20E080FF)},
           1);
     // By eye: an L has its stem on the left and its foot at the bottom.
-    oView.oDewarper.SetStrings({Text("L", 100, 40, 64, 0xFFFFFFFF)});
+    oView.oDewarper->SetStrings({Text("L", 100, 40, 64, 0xFFFFFFFF)});
     const STestImage sPicture = oView.Draw();
     const auto White = [&](int x, int y) { return sPicture.At(100 + x, 40 + y)[2] > 200; };
     int nStem = 0;
@@ -60,7 +68,7 @@ TEST_P(TextPlacement, AllAnchorsAndReferencesOnEvenAndOddTargets)
 {
     for (const auto& [nWidth, nHeight] : {std::pair{120, 80}, std::pair{121, 79}}) {
         const STestImage sFrame = AsymmetricPicture(nWidth, nHeight);
-        SFlatView oView(sFrame);
+        SEngineView oView(GetParam().eEngine, sFrame);
         for (int i = 0; i < 81; ++i) {
             SGPUString sString = Text("\x7F\x7F\x7F", 7, -5, 11, 0xFFFF00FF); // 3 x 6 pixels wide
             sString.nHAlign = i % 3;
@@ -68,9 +76,9 @@ TEST_P(TextPlacement, AllAnchorsAndReferencesOnEvenAndOddTargets)
             sString.nHRef = i / 9 % 3;
             sString.nVRef = i / 27;
             SCOPED_TRACE("case " + std::to_string(i));
-            oView.oDewarper.SetStrings({sString});
-            if (GetParam())
-                SetOutput(oView.oDewarper, PlainPicture(nWidth, nHeight, 0));
+            oView.oDewarper->SetStrings({sString});
+            if (GetParam().sCase.bOverlay)
+                SetOutput(*oView.oDewarper, PlainPicture(nWidth, nHeight, 0));
             STestImage sWanted = sFrame;
             FillRect(sWanted, TextRect(sString, nWidth, nHeight), 0xFFFF00FF);
             ASSERT_EQ(CompareImages(oView.Draw(), sWanted).nMax, 0);
@@ -81,13 +89,13 @@ TEST_P(TextPlacement, AllAnchorsAndReferencesOnEvenAndOddTargets)
 TEST_P(TextPlacement, OddHeightsAndLengthsAreCentredTheSameWayEverywhere)
 {
     const STestImage sFrame = AsymmetricPicture(101, 77);
-    SFlatView oView(sFrame);
+    SEngineView oView(GetParam().eEngine, sFrame);
     for (int nHeight = 2; nHeight < 40; nHeight += 3) {
         SGPUString sString = Text("\x7F", 0, 0, nHeight, 0xFFFF00FF);
         sString.nHAlign = sString.nVAlign = sString.nHRef = sString.nVRef = 1;
-        oView.oDewarper.SetStrings({sString});
-        if (GetParam())
-            SetOutput(oView.oDewarper, PlainPicture(101, 77, 0));
+        oView.oDewarper->SetStrings({sString});
+        if (GetParam().sCase.bOverlay)
+            SetOutput(*oView.oDewarper, PlainPicture(101, 77, 0));
         STestImage sWanted = sFrame;
         FillRect(sWanted, TextRect(sString, 101, 77), 0xFFFF00FF);
         ASSERT_EQ(CompareImages(oView.Draw(), sWanted).nMax, 0) << nHeight;
@@ -97,7 +105,7 @@ TEST_P(TextPlacement, OddHeightsAndLengthsAreCentredTheSameWayEverywhere)
 TEST_P(TextPlacement, TextThatHangsOverTheEdgeShowsItsInnerPart)
 {
     const STestImage sFrame = AsymmetricPicture(150, 100);
-    SFlatView oView(sFrame);
+    SEngineView oView(GetParam().eEngine, sFrame);
     Check(oView, sFrame,
           {Text("LEFT", -50, -20, 64, 0xFFFFFFFF), Text("right", 120, 60, 64, 0xFF8000FF),
            Text("low", 2, 90, 32, 0x00FF00FF)},
@@ -107,15 +115,15 @@ TEST_P(TextPlacement, TextThatHangsOverTheEdgeShowsItsInnerPart)
 TEST_P(TextPlacement, ABlockLargerThanTheTargetCoversItWhole)
 {
     const STestImage sFrame = AsymmetricPicture(90, 60);
-    SFlatView oView(sFrame);
-    if (GetParam())
-        SetOutput(oView.oDewarper, PlainPicture(90, 60, 0));
+    SEngineView oView(GetParam().eEngine, sFrame);
+    if (GetParam().sCase.bOverlay)
+        SetOutput(*oView.oDewarper, PlainPicture(90, 60, 0));
     for (const SGPUString& rString : {Text("\x7F", -500, -700, 2000, 0xC08040FF),
                                       Text(std::string(65535, '\x7F'), -600000, -2, 64, 0xC08040FF),
                                       Text("\x7F", -1000, -5000, 8192, 0xC08040FF)}) {
-        oView.oDewarper.SetStrings({rString});
+        oView.oDewarper->SetStrings({rString});
         EXPECT_EQ(CompareImages(oView.Draw(), PlainPicture(90, 60, 0xC08040FF)).nMax, 0) << rString.nHeight;
-        oView.oDewarper.SetStrings({Text("", 0, 0)}); // and vanishes without a trace
+        oView.oDewarper->SetStrings({Text("", 0, 0)}); // and vanishes without a trace
         EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0) << rString.nHeight;
     }
 }
@@ -123,14 +131,14 @@ TEST_P(TextPlacement, ABlockLargerThanTheTargetCoversItWhole)
 TEST_P(TextPlacement, ANewTargetSizeMovesTextWithItsReferences)
 {
     const STestImage sFrame = AsymmetricPicture(64, 64);
-    SFlatView oView(sFrame);
+    SEngineView oView(GetParam().eEngine, sFrame);
     SGPUString sString = Text("\x7F", -2, -3, 32, 0xFFFF00FF); // 19 pixels wide
     sString.nHAlign = sString.nVAlign = sString.nHRef = sString.nVRef = 2;
-    oView.oDewarper.SetStrings({sString});
-    if (GetParam())
-        SetOutput(oView.oDewarper, PlainPicture(64, 64, 0));
+    oView.oDewarper->SetStrings({sString});
+    if (GetParam().sCase.bOverlay)
+        SetOutput(*oView.oDewarper, PlainPicture(64, 64, 0));
     for (const int nSize : {64, 128, 32, 63, 64}) {
-        ASSERT_TRUE(oView.oDewarper.InitGL(nSize, nSize));
+        ASSERT_TRUE(oView.oDewarper->InitTarget(nSize, nSize));
         const STestImage sPicture = oView.Draw();
         const SGRect sRect = TextRect(sString, nSize, nSize);
         for (int y = 0; y < nSize; ++y)
@@ -145,20 +153,20 @@ TEST_P(TextPlacement, ANewTargetSizeMovesTextWithItsReferences)
 TEST_P(TextPlacement, TogglingTheOutputOverlayDrawsAllTextAgainTheRightWayUp)
 {
     const STestImage sFrame = AsymmetricPicture(150, 101);
-    SFlatView oView(sFrame);
+    SEngineView oView(GetParam().eEngine, sFrame);
     const TStrings vStrings = {Text("Fj4", 10, 7, 64, 0xFFFFFFFF), Text("dp", 60, 70, 32, 0xFF40C0FF)};
     STestImage sText = sFrame;
     DrawText(sText, vStrings);
     STestImage sBoth = sText;
     Blend(sBoth, Overlay(150, 101));
-    bool bOverlay = GetParam();
-    oView.oDewarper.SetStrings(vStrings);
+    bool bOverlay = GetParam().sCase.bOverlay;
+    oView.oDewarper->SetStrings(vStrings);
     int nNames = 0;
     for (int i = 0; i < 8; ++i, bOverlay = !bOverlay) {
         if (bOverlay)
-            SetOutput(oView.oDewarper, Overlay(150, 101));
+            SetOutput(*oView.oDewarper, Overlay(150, 101));
         else
-            oView.oDewarper.SetOutputOverlay(nullptr, 0, 0, 0);
+            oView.oDewarper->SetOutputOverlay(nullptr, 0, 0, 0, {});
         EXPECT_LE(CompareImages(oView.Draw(), bOverlay ? sBoth : sText).nMax, 1)
             << "toggled " << i << " times";
         if (i == 3)
@@ -166,18 +174,24 @@ TEST_P(TextPlacement, TogglingTheOutputOverlayDrawsAllTextAgainTheRightWayUp)
     }
     EXPECT_EQ(CGLRecorder::Get().LivingGLNames(), nNames);
     // Strings come and go meanwhile.
-    oView.oDewarper.SetStrings(TStrings());
-    oView.oDewarper.SetOutputOverlay(nullptr, 0, 0, 0);
+    oView.oDewarper->SetStrings(TStrings());
+    oView.oDewarper->SetOutputOverlay(nullptr, 0, 0, 0, {});
     EXPECT_EQ(CompareImages(oView.Draw(), sFrame).nMax, 0);
-    SetOutput(oView.oDewarper, Overlay(150, 101));
+    SetOutput(*oView.oDewarper, Overlay(150, 101));
     STestImage sOverlay = sFrame;
     Blend(sOverlay, Overlay(150, 101));
     EXPECT_EQ(CompareImages(oView.Draw(), sOverlay).nMax, 0);
-    oView.oDewarper.SetStrings(vStrings);
+    oView.oDewarper->SetStrings(vStrings);
     EXPECT_LE(CompareImages(oView.Draw(), sBoth).nMax, 1);
 }
 
-TEST_P(TextPlacement, WithoutItsProgramsTheFrameIsShownWithoutText)
+INSTANTIATE_TEST_SUITE_P(Targets, TextPlacement, testing::ValuesIn(WithBothEngines(CASES)),
+                         SEngineCaseName());
+
+/// True: into the frame texture.
+using TextPrograms = testing::TestWithParam<bool>;
+
+TEST_P(TextPrograms, ThatAreMissingLeaveTheFrameWithoutText)
 {
     const STestImage sFrame = AsymmetricPicture(80, 60);
     for (int nSkip = 0; nSkip < 4; ++nSkip) {
@@ -203,5 +217,5 @@ TEST_P(TextPlacement, WithoutItsProgramsTheFrameIsShownWithoutText)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Targets, TextPlacement, testing::Bool(),
+INSTANTIATE_TEST_SUITE_P(Targets, TextPrograms, testing::Bool(),
                          [](const auto& oInfo) { return oInfo.param ? "ToTexture" : "Direct"; });

@@ -1,6 +1,7 @@
 // Every layout of input frames, every stride, every colour space: the drawn colours against arithmetic in
 // double precision.
-#include "tests/support/TestDewarper.h"
+#include "tests/support/EngineDewarper.h"
+#include "tests/support/GLRecorder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -95,16 +96,16 @@ static const SFormatCase FORMATS[] = {
     {IMAGE_FORMAT_GRAY8, 33, 17, 40},
 };
 
-class Formats : public testing::TestWithParam<SFormatCase>
+class Formats : public testing::TestWithParam<SEngineCase<SFormatCase>>
 {
 };
 
 TEST_P(Formats, EveryTexelShowsItsColour)
 {
-    const SFormatCase& sCase = GetParam();
-    CTestDewarper oDewarper(sCase.nWidth, sCase.nHeight);
+    const SFormatCase& sCase = GetParam().sCase;
+    CEngineDewarper oDewarper(GetParam().eEngine, sCase.nWidth, sCase.nHeight);
     ASSERT_TRUE(oDewarper.Started());
-    oDewarper.SetViewType(VIEW_FISHEYE);
+    oDewarper->SetViewType(VIEW_FISHEYE);
     const bool bAlpha = sCase.nFormat == IMAGE_FORMAT_RGBA32 || sCase.nFormat == IMAGE_FORMAT_BGRA32;
     CTestFrame oFrame(BusyPicture(sCase.nWidth, sCase.nHeight, !bAlpha), sCase.nFormat, sCase.nStride);
     // The first frame makes the textures, the second only updates them; a third after another size.
@@ -121,15 +122,19 @@ TEST_P(Formats, EveryTexelShowsItsColour)
         EXPECT_EQ(sError.strCall, "glTexSubImage2D") << "only blue-first uploads may be refused";
 }
 
-INSTANTIATE_TEST_SUITE_P(Layouts, Formats, testing::ValuesIn(FORMATS), [](const auto& oInfo) {
-    const SFormatCase& s = oInfo.param;
-    return std::string(NameOf(s.nFormat)) + "_" + std::to_string(s.nWidth) + "x" + std::to_string(s.nHeight) +
-           "_" + std::to_string(s.nStride);
-});
+INSTANTIATE_TEST_SUITE_P(Layouts, Formats, testing::ValuesIn(WithBothEngines(FORMATS)),
+                         [](const auto& oInfo) {
+                             const SFormatCase& s = oInfo.param.sCase;
+                             return EngineName(oInfo.param.eEngine) + "_" + NameOf(s.nFormat) + "_" +
+                                    std::to_string(s.nWidth) + "x" + std::to_string(s.nHeight) + "_" +
+                                    std::to_string(s.nStride);
+                         });
 
-TEST(Formats, TinyAndOddFramesDraw)
+using SmallFrames = CEngineTest;
+
+TEST_P(SmallFrames, OfOddSizesDraw)
 {
-    CTestDewarper oDewarper(16, 16);
+    CEngineDewarper oDewarper(GetParam(), 16, 16);
     ASSERT_TRUE(oDewarper.Started());
     for (const int nFormat :
          {IMAGE_FORMAT_RGB24, IMAGE_FORMAT_BGR24, IMAGE_FORMAT_NV12, IMAGE_FORMAT_YUV420P,
@@ -138,7 +143,7 @@ TEST(Formats, TinyAndOddFramesDraw)
             for (const EViewType eView :
                  {VIEW_FISHEYE, VIEW_VCAM, VIEW_PANORAMA_FULL, VIEW_PANORAMA_TRIPLE}) {
                 CTestFrame oFrame(BusyPicture(nSize, nSize - nSize / 3), nFormat);
-                oDewarper.SetViewType(eView);
+                oDewarper->SetViewType(eView);
                 EXPECT_TRUE(oDewarper.DrawFrame(oFrame))
                     << NameOf(nFormat) << " " << nSize << " view " << eView;
             }
@@ -146,11 +151,13 @@ TEST(Formats, TinyAndOddFramesDraw)
         EXPECT_EQ(sError.strCall, "glTexSubImage2D") << "only blue-first uploads may be refused";
 }
 
-TEST(Colours, EverySpaceAndRangeGivesTheColoursOfItsMatrix)
+using Colours = CEngineTest;
+
+TEST_P(Colours, EverySpaceAndRangeGivesTheColoursOfItsMatrix)
 {
-    CTestDewarper oDewarper(48, 32);
+    CEngineDewarper oDewarper(GetParam(), 48, 32);
     ASSERT_TRUE(oDewarper.Started());
-    oDewarper.SetViewType(VIEW_FISHEYE);
+    oDewarper->SetViewType(VIEW_FISHEYE);
     const STestImage sPicture = BusyPicture(48, 32);
     for (const int nFormat : {IMAGE_FORMAT_YUV420P, IMAGE_FORMAT_NV12, IMAGE_FORMAT_NV21})
         for (const EYUVSpace eSpace :
@@ -159,13 +166,13 @@ TEST(Colours, EverySpaceAndRangeGivesTheColoursOfItsMatrix)
                 SCOPED_TRACE(std::string(NameOf(nFormat)) + " space " + std::to_string(eSpace) +
                              (bLimited ? " limited" : " full"));
                 CTestFrame oFrame(sPicture, nFormat, 0, eSpace, bLimited);
-                oDewarper.SetYUVparams(eSpace, bLimited ? YUV_RANGE_LIMITED : YUV_RANGE_FULL);
+                oDewarper->SetYUVparams(eSpace, bLimited ? YUV_RANGE_LIMITED : YUV_RANGE_FULL);
                 ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
                 std::string strWhere;
                 EXPECT_LE(MostWrong(oDewarper.Picture(), oFrame, strWhere), 1) << "at " << strWhere;
                 if (eSpace == YUV_SPACE_BT601_SCALED)
                     continue; // a frame cannot ask for this one itself
-                oDewarper.SetYUVparams(YUV_SPACE_AUTO, YUV_RANGE_AUTO);
+                oDewarper->SetYUVparams(YUV_SPACE_AUTO, YUV_RANGE_AUTO);
                 ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
                 EXPECT_LE(MostWrong(oDewarper.Picture(), oFrame, strWhere), 1)
                     << "by itself, at " << strWhere;
@@ -181,18 +188,18 @@ static CTestFrame PlainFrame(int nFormat, int nFirst, int nSecond, int nThird)
     return CTestFrame(sImage, nFormat);
 }
 
-TEST(Colours, TheGainsMultiplyLumaAndChroma)
+TEST_P(Colours, TheGainsMultiplyLumaAndChroma)
 {
-    CTestDewarper oDewarper(16, 16);
+    CEngineDewarper oDewarper(GetParam(), 16, 16);
     ASSERT_TRUE(oDewarper.Started());
-    oDewarper.SetViewType(VIEW_FISHEYE);
-    oDewarper.SetGains(1.25f, 0.5f);
+    oDewarper->SetViewType(VIEW_FISHEYE);
+    oDewarper->SetGains(1.25f, 0.5f);
     CTestFrame oFrame = PlainFrame(IMAGE_FORMAT_YUV420P, 150, 110, 60);
     const double y = oFrame.Image()->pPlane0[0] / 255.0 * 1.25;
     const double u = (oFrame.Image()->pPlane1[0] / 255.0 - 0.5) * 0.5;
     const double v = (oFrame.Image()->pPlane2[0] / 255.0 - 0.5) * 0.5;
-    ASSERT_TRUE(oDewarper.SetTexture(oFrame.Image(), true, nullptr, 0));
-    ASSERT_TRUE(oDewarper.DrawGLScene(false));
+    ASSERT_TRUE(oDewarper->SetTexture(oFrame.Image(), true, nullptr, 0));
+    ASSERT_TRUE(oDewarper->DrawGLScene(false));
     STestImage sPicture = oDewarper.Picture();
     EXPECT_NEAR(sPicture.At(8, 8)[0], 255.0 * (y + 1.402 * v), 1.0);
     EXPECT_NEAR(sPicture.At(8, 8)[1], 255.0 * (y - 0.344 * u - 0.714 * v), 1.0);
@@ -206,19 +213,19 @@ TEST(Colours, TheGainsMultiplyLumaAndChroma)
     const double fLuma = (0.299 * r + 0.587 * g + 0.114 * b) * 1.25;
     const double fU = (-0.169 * r - 0.331 * g + 0.5 * b) * 0.5;
     const double fV = (0.5 * r - 0.419 * g - 0.081 * b) * 0.5;
-    ASSERT_TRUE(oDewarper.SetTexture(oColour.Image(), true, nullptr, 0));
-    ASSERT_TRUE(oDewarper.DrawGLScene(false));
+    ASSERT_TRUE(oDewarper->SetTexture(oColour.Image(), true, nullptr, 0));
+    ASSERT_TRUE(oDewarper->DrawGLScene(false));
     sPicture = oDewarper.Picture();
     EXPECT_NEAR(sPicture.At(8, 8)[0], 255.0 * (fLuma + 1.4 * fV), 1.0);
     EXPECT_NEAR(sPicture.At(8, 8)[1], 255.0 * (fLuma - 0.343 * fU - 0.711 * fV), 1.0);
     EXPECT_NEAR(sPicture.At(8, 8)[2], 255.0 * (fLuma + 1.765 * fU), 1.0);
 }
 
-TEST(Colours, QuantiserValuesTintTheirMacroblocks)
+TEST_P(Colours, QuantiserValuesTintTheirMacroblocks)
 {
-    CTestDewarper oDewarper(32, 32);
+    CEngineDewarper oDewarper(GetParam(), 32, 32);
     ASSERT_TRUE(oDewarper.Started());
-    oDewarper.SetViewType(VIEW_FISHEYE);
+    oDewarper->SetViewType(VIEW_FISHEYE);
     STestImage sGrey(32, 32);
     for (int i = 0; i < 32 * 32; ++i)
         sGrey.Set(i % 32, i / 32, 128, 128, 128);
@@ -230,8 +237,8 @@ TEST(Colours, QuantiserValuesTintTheirMacroblocks)
     sQP.pQP = new unsigned char[8]{10, 40, 9, 9, 10, 20, 9, 9};
     sQP.pMBType = new unsigned char[8]{255, 255, 9, 9, 0, 128, 9, 9};
     sQP.pMotion = new unsigned int[8]();
-    ASSERT_TRUE(oDewarper.SetTexture(oFrame.Image(), false, &sQP, 0));
-    ASSERT_TRUE(oDewarper.DrawGLScene(false));
+    ASSERT_TRUE(oDewarper->SetTexture(oFrame.Image(), false, &sQP, 0));
+    ASSERT_TRUE(oDewarper->DrawGLScene(false));
     const STestImage sPicture = oDewarper.Picture();
     for (int i = 0; i < 4; ++i) {
         const int nRow = i / 2;
@@ -251,18 +258,18 @@ TEST(Colours, QuantiserValuesTintTheirMacroblocks)
     EXPECT_NO_GL_ERROR();
 }
 
-TEST(Colours, LinearFilteringMixesNeighboursAndNearestDoesNot)
+TEST_P(Colours, LinearFilteringMixesNeighboursAndNearestDoesNot)
 {
-    CTestDewarper oDewarper(64, 32);
+    CEngineDewarper oDewarper(GetParam(), 64, 32);
     ASSERT_TRUE(oDewarper.Started());
-    oDewarper.SetViewType(VIEW_FISHEYE);
+    oDewarper->SetViewType(VIEW_FISHEYE);
     STestImage sStripes(16, 8);
     for (int i = 0; i < 16 * 8; ++i)
         sStripes.Set(i % 16, i / 16, i % 2 == 0 ? 200 : 40, 0, 0);
     CTestFrame oFrame(sStripes, IMAGE_FORMAT_RGB24);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
     const STestImage sNearest = oDewarper.Picture();
-    oDewarper.SetInterpolationType(INTERPOLATION_LINEAR);
+    oDewarper->SetInterpolationType(INTERPOLATION_LINEAR);
     ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
     const STestImage sLinear = oDewarper.Picture();
     for (int x = 4; x < 60; ++x) {
@@ -277,3 +284,6 @@ TEST(Colours, LinearFilteringMixesNeighboursAndNearestDoesNot)
             << x;
     }
 }
+
+INSTANTIATE_ENGINES(SmallFrames);
+INSTANTIATE_ENGINES(Colours);

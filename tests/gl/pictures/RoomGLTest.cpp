@@ -1,6 +1,6 @@
 // A room, seen through a lens, must come out of every view as the room looks: the right way up, nothing
 // mirrored, every bearing in its place.
-#include "tests/support/TestDewarper.h"
+#include "tests/support/EngineDewarper.h"
 
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -66,39 +66,41 @@ static SReferenceSetup SetupOf(const SRoomCase& sCase)
     return s;
 }
 
-class Room : public testing::TestWithParam<SRoomCase>
+class Room : public testing::TestWithParam<SEngineCase<SRoomCase>>
 {
 };
 
 TEST_P(Room, LooksLikeTheRoom)
 {
-    const SRoomCase& sCase = GetParam();
+    const SRoomCase& sCase = GetParam().sCase;
     const SReferenceSetup s = SetupOf(sCase);
-    CTestDewarper oDewarper(s.nTargetWidth, s.nTargetHeight);
+    CEngineDewarper oDewarper(GetParam().eEngine, s.nTargetWidth, s.nTargetHeight);
     ASSERT_TRUE(oDewarper.Started());
-    oDewarper.SetInterpolationType(INTERPOLATION_LINEAR);
-    CTestFrame oFrame(
-        RenderFisheye(RoomColour, s.nLensType, s.nImageWidth, s.nImageHeight, s.eMount, s.fMountTilt),
-        IMAGE_FORMAT_RGB24);
+    oDewarper->SetInterpolationType(INTERPOLATION_LINEAR);
+    static CLastPicture oInputs;
+    CTestFrame oFrame(oInputs.Of(sCase.pName,
+                                 [&] {
+                                     return RenderFisheye(RoomColour, s.nLensType, s.nImageWidth,
+                                                          s.nImageHeight, s.eMount, s.fMountTilt);
+                                 }),
+                      IMAGE_FORMAT_RGB24);
     ASSERT_TRUE(oDewarper.Apply(s, oFrame));
     const STestImage sPicture = oDewarper.Picture();
-    const STestImage sWanted = CReferenceView(s).Render(RoomColour, 2);
+    static CLastPicture oViews;
+    const STestImage& sWanted =
+        oViews.Of(sCase.pName, [&] { return CReferenceView(s).Render(RoomColour, 2); });
     const SImageDifference sDifference = CompareImages(sPicture, sWanted);
     std::printf("  %-20s PSNR %.1f dB, mean difference %.2f\n", sCase.pName, sDifference.fPSNR,
                 sDifference.fMean);
-    WritePicture(std::string("room ") + sCase.pName, sPicture);
+    WritePicture("room " + EngineName(GetParam().eEngine) + " " + sCase.pName, sPicture);
     EXPECT_GT(sDifference.fPSNR, sCase.fMinPSNR);
     if (HasFailure())
-        WritePicture(std::string("room ") + sCase.pName + " wanted", sWanted);
+        WritePicture("room " + EngineName(GetParam().eEngine) + " " + sCase.pName + " wanted", sWanted);
 }
 
-INSTANTIATE_TEST_SUITE_P(Views, Room, testing::ValuesIn(CASES), [](const auto& oInfo) {
-    std::string strName = oInfo.param.pName;
-    for (char& cLetter : strName)
-        if (cLetter == ' ')
-            cLetter = '_';
-    return strName;
-});
+INSTANTIATE_TEST_SUITE_P(Views, Room, testing::ValuesIn(WithBothEngines(CASES)), SEngineCaseName());
+
+using RoomSides = CEngineTest;
 
 /// Which wall, floor or ceiling a pixel shows: the letter of its colour, '?' for none.
 static char SideOf(const STestImage& sPicture, double fX, double fY)
@@ -123,8 +125,8 @@ static char SideOf(const STestImage& sPicture, double fX, double fY)
     return '?';
 }
 
-static STestImage ShowRoom(EViewType eView, EMountType eMount, double fPan, double fTilt, double fZoom,
-                           int nWidth, int nHeight)
+static STestImage ShowRoom(EDewarpEngine eEngine, EViewType eView, EMountType eMount, double fPan,
+                           double fTilt, double fZoom, int nWidth, int nHeight)
 {
     SReferenceSetup s;
     s.eView = eView;
@@ -136,25 +138,25 @@ static STestImage ShowRoom(EViewType eView, EMountType eMount, double fPan, doub
     s.fPan = fPan;
     s.fTilt = fTilt;
     s.fZoom = fZoom;
-    CTestDewarper oDewarper(nWidth, nHeight);
-    oDewarper.SetInterpolationType(INTERPOLATION_LINEAR);
+    CEngineDewarper oDewarper(eEngine, nWidth, nHeight);
+    oDewarper->SetInterpolationType(INTERPOLATION_LINEAR);
     CTestFrame oFrame(RenderFisheye(RoomColour, 419, 512, 512, eMount), IMAGE_FORMAT_RGB24);
     EXPECT_TRUE(oDewarper.Apply(s, oFrame));
     return oDewarper.Picture();
 }
 
-TEST(RoomSides, TheCameraStandsUprightOnEveryMount)
+TEST_P(RoomSides, TheCameraStandsUprightOnEveryMount)
 {
     // A ceiling camera that looks up to the horizon sees the wall above the floor.
-    STestImage sPicture = ShowRoom(VIEW_VCAM, MOUNT_CEILING, 90, 55, 140, 320, 240);
+    STestImage sPicture = ShowRoom(GetParam(), VIEW_VCAM, MOUNT_CEILING, 90, 55, 140, 320, 240);
     EXPECT_EQ(SideOf(sPicture, 0.3, 0.3), 'N');
     EXPECT_EQ(SideOf(sPicture, 0.52, 0.75), 'f');
     // A floor camera sees the ceiling above the wall.
-    sPicture = ShowRoom(VIEW_VCAM, MOUNT_FLOOR, 90, 125, 140, 320, 240);
+    sPicture = ShowRoom(GetParam(), VIEW_VCAM, MOUNT_FLOOR, 90, 125, 140, 320, 240);
     EXPECT_EQ(SideOf(sPicture, 0.52, 0.25), 'c');
     EXPECT_EQ(SideOf(sPicture, 0.3, 0.7), 'S');
     // A wall camera sees ceiling, wall and floor.
-    sPicture = ShowRoom(VIEW_VCAM, MOUNT_WALL, 90, 90, 180, 320, 240);
+    sPicture = ShowRoom(GetParam(), VIEW_VCAM, MOUNT_WALL, 90, 90, 180, 320, 240);
     EXPECT_EQ(SideOf(sPicture, 0.52, 0.13), 'c');
     EXPECT_EQ(SideOf(sPicture, 0.42, 0.52), 'N');
     EXPECT_EQ(SideOf(sPicture, 0.52, 0.87), 'f');
@@ -162,12 +164,12 @@ TEST(RoomSides, TheCameraStandsUprightOnEveryMount)
     EXPECT_EQ(SideOf(sPicture, 0.97, 0.52), 'E');
 }
 
-TEST(RoomSides, ThePanoramasShowTheBearingsClockwise)
+TEST_P(RoomSides, ThePanoramasShowTheBearingsClockwise)
 {
     for (const EMountType eMount : {MOUNT_CEILING, MOUNT_FLOOR}) {
         SCOPED_TRACE(eMount == MOUNT_FLOOR ? "floor" : "ceiling");
         const bool bFloor = eMount == MOUNT_FLOOR;
-        const STestImage sPicture = ShowRoom(VIEW_PANORAMA_FULL, eMount, 0, 0, 180, 800, 112);
+        const STestImage sPicture = ShowRoom(GetParam(), VIEW_PANORAMA_FULL, eMount, 0, 0, 180, 800, 112);
         // Just beside the letters, at the wall's height.
         const double fWall = bFloor ? 0.75 : 0.25;
         std::string strSides;
@@ -178,11 +180,11 @@ TEST(RoomSides, ThePanoramasShowTheBearingsClockwise)
     }
 }
 
-TEST(RoomSides, TheQuarterPanoramaGoesOnInItsLowerHalf)
+TEST_P(RoomSides, TheQuarterPanoramaGoesOnInItsLowerHalf)
 {
     for (const EMountType eMount : {MOUNT_CEILING, MOUNT_FLOOR}) {
         SCOPED_TRACE(eMount == MOUNT_FLOOR ? "floor" : "ceiling");
-        const STestImage sPicture = ShowRoom(VIEW_PANORAMA_QUARTER, eMount, 0, 0, 180, 400, 224);
+        const STestImage sPicture = ShowRoom(GetParam(), VIEW_PANORAMA_QUARTER, eMount, 0, 0, 180, 400, 224);
         const double fWall = eMount == MOUNT_FLOOR ? 0.375 : 0.125;
         EXPECT_EQ(SideOf(sPicture, 0.12, fWall), 'W');
         EXPECT_EQ(SideOf(sPicture, 0.4, fWall), 'N');
@@ -193,10 +195,10 @@ TEST(RoomSides, TheQuarterPanoramaGoesOnInItsLowerHalf)
     }
 }
 
-TEST(RoomSides, TheQuartersOfTheQuadViewStandInTheirPlaces)
+TEST_P(RoomSides, TheQuartersOfTheQuadViewStandInTheirPlaces)
 {
     // The camera looks north; each further quarter is turned by 90 degrees, and the last is the unturned one.
-    const STestImage sPicture = ShowRoom(VIEW_VCAM_QUAD, MOUNT_CEILING, 90, 55, 140, 320, 320);
+    const STestImage sPicture = ShowRoom(GetParam(), VIEW_VCAM_QUAD, MOUNT_CEILING, 90, 55, 140, 320, 320);
     EXPECT_EQ(SideOf(sPicture, 0.15, 0.15), 'W');
     EXPECT_EQ(SideOf(sPicture, 0.65, 0.15), 'S');
     EXPECT_EQ(SideOf(sPicture, 0.65, 0.65), 'E');
@@ -205,3 +207,5 @@ TEST(RoomSides, TheQuartersOfTheQuadViewStandInTheirPlaces)
         for (const double y : {0.38, 0.88})
             EXPECT_EQ(SideOf(sPicture, x, y), 'f') << "upright: the floor is below";
 }
+
+INSTANTIATE_ENGINES(RoomSides);

@@ -1,6 +1,6 @@
 // Hands on the view: a drag or a turn of the wheel ends in the picture of the position it leads to, and the
 // field of view is what zoom and eye distance say.
-#include "tests/support/TestDewarper.h"
+#include "tests/support/EngineDewarper.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -33,13 +33,13 @@ static const SHandCase HANDS[] = {
     {"wall", VIEW_PANORAMA_FULL, MOUNT_WALL, {20, 16}, {9.0f, 9.0f, 0.0f}},
 };
 
-class Hands : public testing::TestWithParam<SHandCase>
+class Hands : public testing::TestWithParam<SEngineCase<SHandCase>>
 {
 };
 
 TEST_P(Hands, LeadToThePictureOfTheirPosition)
 {
-    const SHandCase& sCase = GetParam();
+    const SHandCase& sCase = GetParam().sCase;
     SReferenceSetup s;
     s.eView = sCase.eView;
     s.eMount = sCase.eMount;
@@ -53,37 +53,33 @@ TEST_P(Hands, LeadToThePictureOfTheirPosition)
     s.fTilt = bCamera ? (s.eMount == MOUNT_FLOOR ? 140.0 : 40.0) : 0.0;
     s.fZoom = bZooms ? 120.0 : 180.0;
     CTestFrame oFrame(TexelFrame(256, 256), IMAGE_FORMAT_RGB24);
-    CTestDewarper oDragged(320, 200);
+    CEngineDewarper oDragged(GetParam().eEngine, 320, 200);
     ASSERT_TRUE(oDragged.Apply(s, oFrame));
     const STestImage sBefore = oDragged.Picture();
-    oDragged.OnMouseDown(100, 90);
-    oDragged.OnMouseMove(100 + sCase.anDrag[0], 90 + sCase.anDrag[1], false, false);
-    oDragged.OnMouseUp();
-    oDragged.OnMouseWheel(120.0);
-    ASSERT_TRUE(oDragged.DrawGLScene(false));
-    EXPECT_NEAR(oDragged.pParams->fPan, s.fPan + sCase.afMove[0], 1e-3);
-    EXPECT_NEAR(oDragged.pParams->fTilt, s.fTilt + sCase.afMove[1], 1e-3);
-    EXPECT_NEAR(oDragged.pParams->fZoom, s.fZoom + sCase.afMove[2], 1e-3);
+    oDragged->OnMouseDown(100, 90);
+    oDragged->OnMouseMove(100 + sCase.anDrag[0], 90 + sCase.anDrag[1], false, false);
+    oDragged->OnMouseUp();
+    oDragged->OnMouseWheel(120.0);
+    ASSERT_TRUE(oDragged->DrawGLScene(false));
+    EXPECT_NEAR(std::remainder(oDragged.Pan() - s.fPan - sCase.afMove[0], 360.0), 0.0, 1e-3);
+    EXPECT_NEAR(oDragged.Tilt(), s.fTilt + sCase.afMove[1], 1e-3);
+    EXPECT_NEAR(oDragged.Zoom(), s.fZoom + sCase.afMove[2], 1e-3);
 
-    CTestDewarper oPlaced(320, 200);
+    CEngineDewarper oPlaced(GetParam().eEngine, 320, 200);
     ASSERT_TRUE(oPlaced.Apply(s, oFrame));
-    oPlaced.AbsolutePTZ(oDragged.pParams->fPan, oDragged.pParams->fTilt, oDragged.pParams->fZoom);
+    oPlaced->AbsolutePTZ(oDragged.Pan(), oDragged.Tilt(), oDragged.Zoom());
     ASSERT_TRUE(oPlaced.DrawFrame(oFrame));
     EXPECT_EQ(CompareImages(oDragged.Picture(), oPlaced.Picture()).nMax, 0);
     EXPECT_GT(CompareImages(oDragged.Picture(), sBefore).fMean, 3.0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Views, Hands, testing::ValuesIn(HANDS), [](const auto& oInfo) {
-    std::string strName = oInfo.param.pName;
-    for (char& cLetter : strName)
-        if (cLetter == ' ' || cLetter == ',')
-            cLetter = '_';
-    return strName;
-});
+INSTANTIATE_TEST_SUITE_P(Views, Hands, testing::ValuesIn(WithBothEngines(HANDS)), SEngineCaseName());
+
+using FieldOfView = CEngineTest;
 
 /// Field angle, in degrees off the axis, at the middle of the picture's top edge of a camera that looks along
 /// the optical axis through an equidistant lens.
-static double HalfField(float fZoom, float fEyeDistance)
+static double HalfField(EDewarpEngine eEngine, float fZoom, float fEyeDistance)
 {
     SReferenceSetup s;
     s.eView = VIEW_VCAM;
@@ -95,7 +91,7 @@ static double HalfField(float fZoom, float fEyeDistance)
     s.fPan = 90.0;
     s.fZoom = static_cast<double>(fZoom);
     s.fEyeDistance = static_cast<double>(fEyeDistance);
-    CTestDewarper oDewarper(300, 300);
+    CEngineDewarper oDewarper(eEngine, 300, 300);
     CTestFrame oFrame(TexelFrame(720, 720), IMAGE_FORMAT_RGB24);
     EXPECT_TRUE(oDewarper.Apply(s, oFrame));
     const STestImage sPicture = oDewarper.Picture();
@@ -109,24 +105,25 @@ static double HalfField(float fZoom, float fEyeDistance)
     return (360.0 - fEdge) / 360.0 * 90.0;
 }
 
-TEST(FieldOfView, FollowsZoomAndEyeDistance)
+TEST_P(FieldOfView, FollowsZoomAndEyeDistance)
 {
     for (const float fZoom : {60.0f, 120.0f, 170.0f}) {
         SCOPED_TRACE(fZoom);
         const double fQuarter = static_cast<double>(fZoom) / 4.0;
-        EXPECT_NEAR(HalfField(fZoom, 0.0f), fQuarter, 0.3)
+        EXPECT_NEAR(HalfField(GetParam(), fZoom, 0.0f), fQuarter, 0.3)
             << "rectilinear: half the zoom angle from edge to edge";
-        EXPECT_NEAR(HalfField(fZoom, 1.0f), 2.0 * fQuarter, 0.3) << "stereographic: the zoom angle";
+        EXPECT_NEAR(HalfField(GetParam(), fZoom, 1.0f), 2.0 * fQuarter, 0.3)
+            << "stereographic: the zoom angle";
         // In between: the angle whose sine, seen from half a radius behind the centre, has the same tangent.
         const double fTangent = std::tan(fQuarter * 3.14159265358979 / 180.0);
         double fAngle = 0.0;
         while (std::sin(fAngle) < fTangent * (0.5 + std::cos(fAngle)))
             fAngle += 1e-4;
-        EXPECT_NEAR(HalfField(fZoom, 0.5f), fAngle * 180.0 / 3.14159265358979, 0.3);
+        EXPECT_NEAR(HalfField(GetParam(), fZoom, 0.5f), fAngle * 180.0 / 3.14159265358979, 0.3);
     }
 }
 
-TEST(FieldOfView, TheWholeHalfSphereIsInViewAtAnEyeDistanceOfOne)
+TEST_P(FieldOfView, TheWholeHalfSphereIsInViewAtAnEyeDistanceOfOne)
 {
     SReferenceSetup s;
     s.eView = VIEW_VCAM;
@@ -135,7 +132,7 @@ TEST(FieldOfView, TheWholeHalfSphereIsInViewAtAnEyeDistanceOfOne)
     s.nTargetWidth = s.nTargetHeight = 201;
     s.fPan = 90.0;
     s.fEyeDistance = 1.0;
-    CTestDewarper oDewarper(201, 201);
+    CEngineDewarper oDewarper(GetParam(), 201, 201);
     CTestFrame oFrame(TexelFrame(256, 256), IMAGE_FORMAT_RGB24);
     ASSERT_TRUE(oDewarper.Apply(s, oFrame));
     const STestImage sPicture = oDewarper.Picture();
@@ -148,3 +145,5 @@ TEST(FieldOfView, TheWholeHalfSphereIsInViewAtAnEyeDistanceOfOne)
     EXPECT_EQ(sPicture.At(2, 2)[3], 0) << "the circle is whole: the corners are empty";
     EXPECT_NEAR(sPicture.At(100, 1)[1], 1, 2) << "the rim of the circle stands at the picture's edge";
 }
+
+INSTANTIATE_ENGINES(FieldOfView);

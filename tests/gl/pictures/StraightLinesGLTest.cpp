@@ -1,5 +1,5 @@
 // Straight lines of space must be straight in the virtual camera, and lie where a pinhole camera puts them.
-#include "tests/support/TestDewarper.h"
+#include "tests/support/EngineDewarper.h"
 
 #include <algorithm>
 #include <cmath>
@@ -112,13 +112,13 @@ static double FewestTexels(const CReferenceView& oView)
     return fFewest;
 }
 
-class StraightLines : public testing::TestWithParam<SLineCase>
+class StraightLines : public testing::TestWithParam<SEngineCase<SLineCase>>
 {
 };
 
 TEST_P(StraightLines, AreStraightAndInTheirPlaces)
 {
-    const SLineCase& sCase = GetParam();
+    const SLineCase& sCase = GetParam().sCase;
     SReferenceSetup s;
     s.eView = VIEW_VCAM;
     s.eMount = sCase.eMount;
@@ -144,15 +144,19 @@ TEST_P(StraightLines, AreStraightAndInTheirPlaces)
         sLine.fHalfWidth = 0.012;
         vLines.push_back(sLine);
     }
-    CTestDewarper oDewarper(s.nTargetWidth, s.nTargetHeight);
+    CEngineDewarper oDewarper(GetParam().eEngine, s.nTargetWidth, s.nTargetHeight);
     ASSERT_TRUE(oDewarper.Started());
-    oDewarper.SetInterpolationType(INTERPOLATION_LINEAR);
-    CTestFrame oFrame(
-        RenderFisheye(LinesScene(vLines), s.nLensType, s.nImageWidth, s.nImageHeight, s.eMount, 0.0, 3),
-        IMAGE_FORMAT_RGB24);
+    oDewarper->SetInterpolationType(INTERPOLATION_LINEAR);
+    static CLastPicture oInputs;
+    CTestFrame oFrame(oInputs.Of(sCase.pName,
+                                 [&] {
+                                     return RenderFisheye(LinesScene(vLines), s.nLensType, s.nImageWidth,
+                                                          s.nImageHeight, s.eMount, 0.0, 3);
+                                 }),
+                      IMAGE_FORMAT_RGB24);
     ASSERT_TRUE(oDewarper.Apply(s, oFrame));
     const STestImage sPicture = oDewarper.Picture();
-    WritePicture(std::string("lines ") + sCase.pName, sPicture);
+    WritePicture("lines " + EngineName(GetParam().eEngine) + " " + sCase.pName, sPicture);
     // The mesh takes texels one pixel nearer to the vertical axis than they lie: so much, enlarged, may a
     // line be away from its place.
     const double fTexels = FewestTexels(oView);
@@ -177,10 +181,4 @@ TEST_P(StraightLines, AreStraightAndInTheirPlaces)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Camera, StraightLines, testing::ValuesIn(CASES), [](const auto& oInfo) {
-    std::string strName = oInfo.param.pName;
-    for (char& cLetter : strName)
-        if (cLetter == ' ' || cLetter == ',')
-            cLetter = '_';
-    return strName;
-});
+INSTANTIATE_TEST_SUITE_P(Camera, StraightLines, testing::ValuesIn(WithBothEngines(CASES)), SEngineCaseName());

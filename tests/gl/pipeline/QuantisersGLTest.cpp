@@ -1,4 +1,5 @@
 // Side information of a frame: without macroblock types every block shows its picture.
+#include "tests/support/EngineDewarper.h"
 #include "tests/support/TestDewarper.h"
 
 #include <cstddef>
@@ -27,31 +28,31 @@ struct SQuantisers : SQPInfo
     }
 };
 
-class Quantisers : public testing::Test
+class Quantisers : public CEngineTest
 {
 protected:
     void SetUp() override
     {
         ASSERT_TRUE(oDewarper.Started());
-        oDewarper.SetViewType(VIEW_FISHEYE);
+        oDewarper->SetViewType(VIEW_FISHEYE);
         ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
         sPlain = oDewarper.Picture();
     }
     STestImage Draw(SQPInfo* pQP)
     {
-        EXPECT_TRUE(oDewarper.SetTexture(oFrame.Image(), false, pQP, 0));
-        EXPECT_TRUE(oDewarper.DrawGLScene(false));
+        EXPECT_TRUE(oDewarper->SetTexture(oFrame.Image(), false, pQP, 0));
+        EXPECT_TRUE(oDewarper->DrawGLScene(false));
         return oDewarper.Picture();
     }
 
     CTestFrame oFrame{AsymmetricPicture(64, 48), IMAGE_FORMAT_YUV420P};
-    CTestDewarper oDewarper{64, 48};
+    CEngineDewarper oDewarper{GetParam(), 64, 48};
     STestImage sPlain;
 };
 
 } // namespace
 
-TEST_F(Quantisers, WithoutTypesChangeNothing)
+TEST_P(Quantisers, WithoutTypesChangeNothing)
 {
     SQuantisers sInfo(4, 3, -1);
     for (int i = 0; i < 3; ++i)
@@ -60,7 +61,7 @@ TEST_F(Quantisers, WithoutTypesChangeNothing)
     EXPECT_NO_GL_ERROR();
 }
 
-TEST_F(Quantisers, WithoutTypesChangeNothingAfterThereWereTypes)
+TEST_P(Quantisers, WithoutTypesChangeNothingAfterThereWereTypes)
 {
     SQuantisers sTyped(4, 3, 255);
     SQuantisers sBare(4, 3, -1);
@@ -80,8 +81,19 @@ TEST_F(Quantisers, WithoutTypesChangeNothingAfterThereWereTypes)
     EXPECT_NO_GL_ERROR();
 }
 
-TEST_F(Quantisers, WithoutTypesChangeNothingAfterARestart)
+INSTANTIATE_ENGINES(Quantisers);
+
+TEST(QuantisersOverARestart, WithoutTypesChangeNothing)
 {
+    CTestFrame oFrame(AsymmetricPicture(64, 48), IMAGE_FORMAT_YUV420P);
+    CTestDewarper oDewarper(64, 48);
+    oDewarper.SetViewType(VIEW_FISHEYE);
+    const auto Draw = [&](SQPInfo* pQP) {
+        EXPECT_TRUE(oDewarper.SetTexture(oFrame.Image(), false, pQP, 0));
+        EXPECT_TRUE(oDewarper.DrawGLScene(false));
+        return oDewarper.Picture();
+    };
+    const STestImage sPlain = Draw(nullptr);
     SQuantisers sTyped(4, 3, 255);
     SQuantisers sBare(4, 3, -1);
     Draw(&sTyped);
