@@ -89,6 +89,12 @@ struct SCellKernels
     /// Pixels of 4 bytes.
     void (*pPixels)(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
                     std::ptrdiff_t nStride) = nullptr;
+    // One cell of positions of its own, all of which lie inside the frame as those of smooth cells do; packed
+    // frames of 3 bytes: not in its last two rows.
+    void (*pLumaAt)(const SCellJob& rJob, const SGridPoint* pPoints, unsigned char* pLuma) = nullptr;
+    /// 16 places; U and V in turns.
+    void (*pChromaAt)(const SCellJob& rJob, const SGridPoint* pPlaces, unsigned char* pPairs) = nullptr;
+    void (*pPixelsAt)(const SCellJob& rJob, const SGridPoint* pPoints, std::uint32_t* pPixels) = nullptr;
 };
 
 /// The plain code alone.

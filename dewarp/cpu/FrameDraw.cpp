@@ -43,6 +43,21 @@ SGridPoint PlaceOf(const SGridPoint* pPoints, std::uint64_t nCovered, int n)
     return {NOWHERE, NOWHERE};
 }
 
+/// Whether one of the four pixels of a chroma place is covered.
+bool HasPlace(std::uint64_t nCovered, int nPlace)
+{
+    return (nCovered >> (nPlace / 4 * 2 * CELL_SIDE + nPlace % 4 * 2) & (3U | 3U << CELL_SIDE)) != 0;
+}
+
+/// Gives points that are not covered the position of one that is.
+template <int POINTS = CELL_PIXELS>
+void FillGaps(const SGridPoint* pPoints, std::uint64_t nCovered, SGridPoint* pFilled)
+{
+    const SGridPoint sAny = pPoints[std::countr_zero(nCovered)];
+    for (int n = 0; n < POINTS; ++n)
+        pFilled[n] = (nCovered >> n & 1) != 0 ? pPoints[n] : sAny;
+}
+
 } // namespace
 
 struct CFrameDraw::SSpan
@@ -229,6 +244,15 @@ void CFrameDraw::DrawCell(const SPartGrid& rGrid, int nRow, int nCol, const SExa
 void CFrameDraw::DrawPixels(const SSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const
 {
     std::uint32_t anPixels[CELL_PIXELS] = {};
+    if (nCovered != 0 && m_rJob.pKernels->pPixelsAt != nullptr && AreInside(pPoints, nCovered)) {
+        SGridPoint aPoints[CELL_PIXELS];
+        FillGaps(pPoints, nCovered, aPoints);
+        m_rJob.pKernels->pPixelsAt(m_rCells, aPoints, anPixels);
+        for (int n = 0; n < CELL_PIXELS; ++n)
+            anPixels[n] = (nCovered >> n & 1) != 0 ? anPixels[n] : 0;
+        PutPixels(rSpan, anPixels);
+        return;
+    }
     const bool bFine = m_rJob.pColours->sFine.bUsed;
     for (; nCovered != 0; nCovered &= nCovered - 1) {
         const int n = std::countr_zero(nCovered);
@@ -246,6 +270,10 @@ void CFrameDraw::DrawYUV(const SSpan& rSpan, const SGridPoint* pPoints, const SG
     unsigned char anChroma[CELL_PIXELS / 4][2];
     std::memset(anLuma, m_nBlack, sizeof anLuma);
     std::memset(anChroma, NEUTRAL, sizeof anChroma);
+    if (nCovered != 0 && m_rJob.pKernels->pLumaAt != nullptr && AreInside(pPoints, nCovered)) {
+        DrawInside(rSpan, pPoints, pPlaces, nCovered);
+        return;
+    }
     const bool bFine = m_rJob.pColours->sFine.bUsed;
     for (std::uint64_t n64 = nCovered; n64 != 0; n64 &= n64 - 1) {
         const int n = std::countr_zero(n64);
@@ -256,8 +284,7 @@ void CFrameDraw::DrawYUV(const SSpan& rSpan, const SGridPoint* pPoints, const SG
     }
     PutLuma(rSpan, anLuma);
     for (int n = 0; n < CELL_PIXELS / 4 && m_rCells.eSource != SOURCE_GRAY; ++n) {
-        const int nFirst = n / 4 * 2 * CELL_SIDE + n % 4 * 2;
-        if ((nCovered >> nFirst & (3U | 3U << CELL_SIDE)) == 0)
+        if (!HasPlace(nCovered, n))
             continue;
         if (bFine) {
             const std::uint32_t nYUV = FineYUV(*m_rJob.pColours, pPlaces[n]);
@@ -270,6 +297,53 @@ void CFrameDraw::DrawYUV(const SSpan& rSpan, const SGridPoint* pPoints, const SG
         anChroma[n][1] = static_cast<unsigned char>(SampleByte(s.v));
     }
     PutChroma(rSpan, anChroma);
+}
+
+/// As DrawYUV, by a kernel.
+void CFrameDraw::DrawInside(const SSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
+                            std::uint64_t nCovered) const
+{
+    SGridPoint aPoints[CELL_PIXELS];
+    unsigned char anLuma[CELL_PIXELS];
+    unsigned char anChroma[CELL_PIXELS / 4][2];
+    FillGaps(pPoints, nCovered, aPoints);
+    m_rJob.pKernels->pLumaAt(m_rCells, aPoints, anLuma);
+    for (int n = 0; n < CELL_PIXELS; ++n)
+        anLuma[n] = (nCovered >> n & 1) != 0 ? anLuma[n] : m_nBlack;
+    PutLuma(rSpan, anLuma);
+    std::memset(anChroma, NEUTRAL, sizeof anChroma);
+    if (m_rCells.eSource != SOURCE_GRAY) {
+        SGridPoint aPlaces[CELL_PIXELS / 4];
+        std::uint64_t nPlaces = 0;
+        for (int n = 0; n < CELL_PIXELS / 4; ++n)
+            nPlaces |= std::uint64_t{HasPlace(nCovered, n)} << n;
+        FillGaps<CELL_PIXELS / 4>(pPlaces, nPlaces, aPlaces);
+        m_rJob.pKernels->pChromaAt(m_rCells, aPlaces, anChroma[0]);
+        for (int n = 0; n < CELL_PIXELS / 4; ++n) {
+            if ((nPlaces >> n & 1) == 0)
+                std::memset(anChroma[n], NEUTRAL, sizeof anChroma[n]);
+        }
+    }
+    PutChroma(rSpan, anChroma);
+}
+
+/// Whether a kernel may sample some positions.
+bool CFrameDraw::AreInside(const SGridPoint* pPoints, std::uint64_t nCovered) const
+{
+    if (!m_bKernels || (m_rCells.eSource == SOURCE_PACKED && !m_rCells.bLinear))
+        return false;
+    // Half a pixel to spare, for chroma; three bytes a pixel are fetched by eight.
+    const int nHalf = POSITION_ONE / 2;
+    const int nRows = m_rCells.nFrameHeight - (m_rCells.aPlanes[0].nPixelBytes == 3 ? 2 : 1);
+    const int nRight = (m_rCells.nFrameWidth - 1) * POSITION_ONE - nHalf;
+    const int nBottom = nRows * POSITION_ONE - nHalf;
+    bool bInside = true;
+    for (int n = 0; n < CELL_PIXELS; ++n) {
+        const SGridPoint& p = pPoints[n];
+        const bool bHere = p.x >= nHalf && p.x < nRight && p.y >= nHalf && p.y < nBottom;
+        bInside = bInside && (bHere || (nCovered >> n & 1) == 0);
+    }
+    return bInside;
 }
 
 void CFrameDraw::PutPixels(const SSpan& s, const std::uint32_t* pPixels) const

@@ -39,6 +39,9 @@ private:
     void DrawPixels(const SSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const;
     void DrawYUV(const SSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
                  std::uint64_t nCovered) const;
+    void DrawInside(const SSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
+                    std::uint64_t nCovered) const;
+    bool AreInside(const SGridPoint* pPoints, std::uint64_t nCovered) const;
     void PutPixels(const SSpan& rSpan, const std::uint32_t* pPixels) const;
     void PutLuma(const SSpan& rSpan, const unsigned char* pLuma) const;
     void PutChroma(const SSpan& rSpan, const unsigned char (*pChroma)[2]) const;
