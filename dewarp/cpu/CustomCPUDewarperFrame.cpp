@@ -33,6 +33,14 @@ bool CCustomCPUDewarper::InitTarget(int nWidth, int nHeight)
     return true;
 }
 
+bool CCustomCPUDewarper::GetTargetSize(int& nWidth, int& nHeight)
+{
+    const CCPULock oLock(pState->oMutex);
+    nWidth = pState->nTargetWidth;
+    nHeight = pState->nTargetHeight;
+    return nWidth > 0;
+}
+
 bool CCustomCPUDewarper::DrawGLScene(bool /*bExchangeBuffers*/)
 {
     const CCPULock oLock(pState->oMutex);
