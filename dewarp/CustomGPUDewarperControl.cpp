@@ -2,6 +2,7 @@
 
 #include "dewarp/CustomGPUDewarper.h"
 
+#include "dewarp/Dewarper.h"
 #include "dewarp/LockScope.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/gl/PictureRequests.h"
@@ -265,45 +266,26 @@ SPTZLimits CCustomGPUDewarper::GetViewLimits(EViewType eView, EMountType eMount)
 void CCustomGPUDewarper::GetDefaultPTZ(EViewType eView, EMountType eMount, float& fPan, float& fTilt,
                                        float& fZoom)
 {
-    const SPTZ sPTZ = FindView(eView, eMount).DefaultPTZ(eMount);
-    fPan = sPTZ.fPan;
-    fTilt = sPTZ.fTilt;
-    fZoom = sPTZ.fZoom;
+    CDewarper::GetDefaultPTZ(eView, eMount, fPan, fTilt, fZoom);
 }
 
 void CCustomGPUDewarper::GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
                                         int& nWidth, int& nHeight)
 {
-    SDewarpParams sParams;
-    sParams.eViewType = eView;
-    sParams.eMountType = eMount;
-    sParams.nImageWidth = nInputWidth;
-    sParams.nImageHeight = nInputHeight;
-    FindView(eView, eMount).DefaultSize(sParams, nWidth, nHeight);
+    CDewarper::GetDefaultSize(eView, eMount, nInputWidth, nInputHeight, nWidth, nHeight);
 }
 
 const char* CCustomGPUDewarper::GetViewName(EViewType eView)
 {
-    for (const SViewEntry& rEntry : ListViews()) {
-        if (rEntry.eType == eView)
-            return rEntry.pName;
-    }
-    return nullptr;
+    return CDewarper::GetViewName(eView);
 }
 
 EViewType CCustomGPUDewarper::FindViewType(const std::string& strName)
 {
-    for (const SViewEntry& rEntry : ListViews()) {
-        if (strName == rEntry.pName)
-            return rEntry.eType;
-    }
-    return VIEW_UNSET;
+    return CDewarper::FindViewType(strName);
 }
 
 std::vector<std::string> CCustomGPUDewarper::ListViewNames()
 {
-    std::vector<std::string> vNames;
-    for (const SViewEntry& rEntry : ListViews())
-        vNames.emplace_back(rEntry.pName);
-    return vNames;
+    return CDewarper::ListViewNames();
 }

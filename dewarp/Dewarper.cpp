@@ -1,5 +1,7 @@
 #include "dewarp/Dewarper.h"
 
+#include "dewarp/views/ViewList.h"
+
 #include <cstddef>
 
 bool CDewarper::GetTargetSize(int& nWidth, int& nHeight)
@@ -7,6 +9,8 @@ bool CDewarper::GetTargetSize(int& nWidth, int& nHeight)
     nWidth = nHeight = 0;
     return false;
 }
+
+void CDewarper::SetDriverLog(bool /*bErrors*/, bool /*bShaderTexts*/) {}
 
 bool CDewarper::DrawTo(void* pTarget, int nStride, EImageFormat eFormat)
 {
@@ -32,4 +36,49 @@ bool CDewarper::DrawTo(void* pTarget, int nStride, EImageFormat eFormat)
         }
     }
     return DrawTo(sTarget);
+}
+
+void CDewarper::GetDefaultPTZ(EViewType eView, EMountType eMount, float& fPan, float& fTilt, float& fZoom)
+{
+    const SPTZ sPTZ = FindView(eView, eMount).DefaultPTZ(eMount);
+    fPan = sPTZ.fPan;
+    fTilt = sPTZ.fTilt;
+    fZoom = sPTZ.fZoom;
+}
+
+void CDewarper::GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
+                               int& nWidth, int& nHeight)
+{
+    SDewarpParams sParams;
+    sParams.eViewType = eView;
+    sParams.eMountType = eMount;
+    sParams.nImageWidth = nInputWidth;
+    sParams.nImageHeight = nInputHeight;
+    FindView(eView, eMount).DefaultSize(sParams, nWidth, nHeight);
+}
+
+const char* CDewarper::GetViewName(EViewType eView)
+{
+    for (const SViewEntry& rEntry : ListViews()) {
+        if (rEntry.eType == eView)
+            return rEntry.pName;
+    }
+    return nullptr;
+}
+
+EViewType CDewarper::FindViewType(const std::string& strName)
+{
+    for (const SViewEntry& rEntry : ListViews()) {
+        if (strName == rEntry.pName)
+            return rEntry.eType;
+    }
+    return VIEW_UNSET;
+}
+
+std::vector<std::string> CDewarper::ListViewNames()
+{
+    std::vector<std::string> vNames;
+    for (const SViewEntry& rEntry : ListViews())
+        vNames.emplace_back(rEntry.pName);
+    return vNames;
 }

@@ -125,6 +125,21 @@ public:
 
     /// Size of the pictures, as InitTarget has taken it; 0 and 0 and false before.
     virtual bool GetTargetSize(int& nWidth, int& nHeight);
+    /// Logs what the driver finds wrong, and the texts of the shaders that it gets. ENGINE_CPU has neither.
+    virtual void SetDriverLog(bool bErrors, bool bShaderTexts);
+
+    // What a host would have to guess.
+    /// Where a view starts on a mount.
+    static void GetDefaultPTZ(EViewType eView, EMountType eMount, float& fPan, float& fTilt, float& fZoom);
+    /// A size in which a view shows all it has, without bars, for frames of an input size; width to height is
+    /// the aspect the view prefers.
+    static void GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
+                               int& nWidth, int& nHeight);
+    /// Views by name, as command lines and files write them: null and VIEW_UNSET for those there are not.
+    static const char* GetViewName(EViewType eView);
+    static EViewType FindViewType(const std::string& strName);
+    /// Names of all views, in the order in which people list them.
+    static std::vector<std::string> ListViewNames();
 };
 
 /// A dewarper for pictures of a size. ENGINE_AUTO gives one of ENGINE_GL where a hardware driver is, of

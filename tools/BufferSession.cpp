@@ -1,9 +1,12 @@
 #include "BufferSession.h"
 
 #include "BufferFrames.h"
-#include "ToolError.h"
+#include "SessionOf.h"
 
+#include "dewarp/android/CustomGPUDewarperVela.h"
 #include "dewarp/records/YUVColour.h"
+
+#include <ui/GraphicBuffer.h>
 
 #include <cstdlib>
 
@@ -41,22 +44,42 @@ void ConvertPixels(std::optional<SFrame>& oImage, EYUVSpace eSpace, EYUVRange eR
     }
 }
 
-} // namespace
+class CBufferSession : public CSessionOf<CCustomGPUDewarperVela>
+{
+public:
+    CBufferSession(const SToolOptions& sOptions, SSize sSize);
+    ~CBufferSession() override { m_oDewarper.StopGL(); }
+
+    SPicture ReadBack() override;
+    EDewarpEngine GetEngine() override { return ENGINE_GL; }
+    std::string GetEngineText() override { return "OpenGL ES, graphic buffers"; }
+
+protected:
+    CCustomGPUDewarperVela& GetDewarper() override { return m_oDewarper; }
+    void GiveFrame(SFrame& sFrame) override;
+    void DrawGiven() override;
+    void PrepareOverlays(const SFrame& sFrame, SOverlays& sOverlays) override;
+
+private:
+    CCustomGPUDewarperVela m_oDewarper;
+    std::unique_ptr<GraphicBuffer> m_pInput; ///< made for the first frame
+    GraphicBuffer m_oOutput;
+    std::vector<unsigned char> m_vPixels;
+    EYUVSpace m_eSpace = YUV_SPACE_BT601; ///< of the YUV in both buffers
+    EYUVRange m_eRange = YUV_RANGE_FULL;
+};
 
 CBufferSession::CBufferSession(const SToolOptions& sOptions, SSize sSize)
-    : CDewarpSession(sOptions),
+    : CSessionOf<CCustomGPUDewarperVela>(sOptions),
       m_oOutput(static_cast<uint32_t>(sSize.nWidth), static_cast<uint32_t>(sSize.nHeight),
                 HAL_PIXEL_FORMAT_YCBCR_420_888, 1, USAGE, "lumor-dewarp")
 {
     ChooseDisplay();
+    m_oDewarper.SetLogGLErrors(sOptions.bVerbose);
+    m_oDewarper.SetLogShaderCode(sOptions.bVerbose);
     m_oDewarper.InitGL(sSize.nWidth, sSize.nHeight);
     if (m_oOutput.initCheck() != 0 || !m_oDewarper.StartGL())
-        ThrowUnstarted();
-}
-
-CBufferSession::~CBufferSession()
-{
-    m_oDewarper.StopGL();
+        ThrowNoDriver(m_oDewarper.GetLastErrorText(), "leave out --buffers");
 }
 
 void CBufferSession::PrepareOverlays(const SFrame& sFrame, SOverlays& sOverlays)
@@ -89,7 +112,7 @@ void CBufferSession::GiveFrame(SFrame& sFrame)
 
 void CBufferSession::DrawGiven()
 {
-    CDewarpSession::DrawGiven();
+    CSessionOf<CCustomGPUDewarperVela>::DrawGiven();
     m_oDewarper.DestroyImage();
 }
 
@@ -102,4 +125,11 @@ SPicture CBufferSession::ReadBack()
     sPicture.nHeight = static_cast<int>(m_oOutput.getHeight());
     sPicture.nStride = sPicture.nWidth * 4;
     return sPicture;
+}
+
+} // namespace
+
+CDewarpSession* lumor_tool_make_buffer_session(const SToolOptions& sOptions, SSize sSize)
+{
+    return std::make_unique<CBufferSession>(sOptions, sSize).release();
 }

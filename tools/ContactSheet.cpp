@@ -80,7 +80,8 @@ void DrawSheet(const std::vector<STile>& vTiles, const std::string& strOutput)
     }
 
     const CToolLog oLog(false);
-    const std::unique_ptr<CDewarpSession> pSession = StartSession(sOptions, {sSheet.nWidth, sSheet.nHeight});
+    const std::unique_ptr<CDewarpSession> pSession =
+        StartSession(sOptions, {sSheet.nWidth, sSheet.nHeight}, oLog);
     pSession->DrawFirst(sSheet, sOverlays);
     const std::vector<unsigned char> vBytes = EncodePicture(pSession->ReadBack(), GetOutputKind(strOutput));
     WriteFile(strOutput, vBytes.data(), vBytes.size());

@@ -3,7 +3,8 @@
 const char* const HELP_TEXT =
     R"(Usage: lumor-dewarp [options] INPUT OUTPUT
 
-Draws a corrected view of a fisheye picture on the GPU.
+Draws a corrected view of a fisheye picture, on the GPU or on the processor.
+Tells on stdout what was written and who drew it.
 
 INPUT    a PNG or JPEG picture (or another still format FFmpeg reads), or bare
          pixels with --raw. The lens circle lies in the middle and touches the
@@ -71,14 +72,20 @@ of OUTPUT)
                         or right; top (default), middle or bottom
   --strings-file FILE   texts in the library's byte form
 
-The way of a camera's frame
+Who draws
+  --engine NAME         auto (default: OpenGL ES where a GPU is, otherwise the
+                        processor), cpu or gl (OpenGL ES, by a software driver
+                        too)
+  --threads N           processor: 1..1024 threads draw; 0 (default): one a core
   --buffers             draws from graphic buffer to graphic buffer, NV12 in and
-                        out, as the library does on Android. The picture stays
-                        YUV; --interpolation, --flip and --gain have no effect
+                        out, as the library does on Android, with OpenGL ES. The
+                        picture stays YUV; --interpolation, --flip and --gain
+                        have no effect
 
 Reports
   --stats               milliseconds spent in each stage; one more frame is drawn to
-                        tell the cost of a frame from that of the first
+                        tell the cost of a frame from that of the first. The line
+                        above them names engine and threads
   --verbose             what the library and FFmpeg log, shader texts included, on
                         stderr
   --version

@@ -19,14 +19,18 @@
 namespace
 {
 
-/// One line on stderr, whatever bytes file names and texts hold.
-void PrintLine(const char* pKind, const std::string& strLine)
+/// One line, whatever bytes file names and texts hold.
+std::string Clean(std::string strLine)
 {
-    std::string strClean = strLine;
-    for (char& nChar : strClean)
+    for (char& nChar : strLine)
         if (static_cast<unsigned char>(nChar) < 32 || static_cast<unsigned char>(nChar) == 127)
             nChar = '?';
-    std::fprintf(stderr, "lumor-dewarp: %s%s\n", pKind, strClean.c_str());
+    return strLine;
+}
+
+void PrintLine(const char* pKind, const std::string& strLine)
+{
+    std::fprintf(stderr, "lumor-dewarp: %s%s\n", pKind, Clean(strLine).c_str());
 }
 
 void PrintNotes(const std::vector<std::string>& vNotes)
@@ -45,9 +49,20 @@ SPicture MeasureFrame(CDewarpSession& oSession, SFrame& sFrame, CStats& oStats)
     const double fDrawAndRead = oStats.Lap();
     const SPicture sPicture = oSession.ReadBack();
     const double fRead = oStats.Lap();
+    if (oSession.GetEngine() == ENGINE_CPU) {
+        oStats.AddStage("draw", fDrawAndRead - fRead);
+        return sPicture;
+    }
     oStats.AddStage("upload and draw", fDrawAndRead - fRead);
     oStats.AddStage("read back", fRead);
     return sPicture;
+}
+
+/// What was written, how large it is and who drew it.
+void PrintResult(const SToolOptions& sOptions, const SPicture& sPicture, const std::string& strEngine)
+{
+    std::printf("%s: %dx%d, %s\n", Clean(sOptions.strOutput).c_str(), sPicture.nWidth, sPicture.nHeight,
+                Clean(strEngine).c_str());
 }
 
 void Dewarp(const SToolOptions& sOptions)
@@ -65,9 +80,10 @@ void Dewarp(const SToolOptions& sOptions)
     PrintNotes(ListIgnoredOptions(sOptions, sFrame.nFormat));
     PrintNotes(ListUndrawableTexts(sOverlays.vTexts));
 
-    const std::unique_ptr<CDewarpSession> pSession = StartSession(sOptions, {sFrame.nWidth, sFrame.nHeight});
+    const std::unique_ptr<CDewarpSession> pSession =
+        StartSession(sOptions, {sFrame.nWidth, sFrame.nHeight}, oLog);
     CDewarpSession& oSession = *pSession;
-    oStats.EndStage("set up: context");
+    oStats.EndStage("set up: engine");
     oSession.DrawFirst(sFrame, sOverlays);
     SPicture sPicture = oSession.ReadBack();
     oStats.EndStage("set up: first frame");
@@ -79,6 +95,7 @@ void Dewarp(const SToolOptions& sOptions)
     oStats.EndStage("encode");
     WriteFile(sOptions.strOutput, vBytes.data(), vBytes.size());
     oStats.EndStage("write");
+    PrintResult(sOptions, sPicture, oSession.GetEngineText());
     if (sOptions.bStats)
         std::fputs(oStats.Format().c_str(), stdout);
 }

@@ -2,8 +2,6 @@
 
 #include "ToolError.h"
 
-#include "dewarp/CustomGPUDewarper.h"
-
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -43,6 +41,8 @@ const SName RAW_FORMAT_NAMES[] = {
     {"bgra", IMAGE_FORMAT_BGRA32}, {"gray", IMAGE_FORMAT_GRAY8},
 };
 
+const SName ENGINE_NAMES[] = {{"auto", ENGINE_AUTO}, {"cpu", ENGINE_CPU}, {"gl", ENGINE_GL}};
+
 [[noreturn]] void ThrowUnknown(const char* pOption, const std::string& strText,
                                const std::vector<std::string>& vNames)
 {
@@ -72,9 +72,9 @@ EViewType ReadView(const std::string& strText)
     // Views are also known by their numbers, 1 to 9.
     if (strText.size() == 1 && strText[0] >= '1' && strText[0] <= '9')
         return static_cast<EViewType>(strText[0] - '0');
-    const EViewType eView = CCustomGPUDewarper::FindViewType(strText);
+    const EViewType eView = CDewarper::FindViewType(strText);
     if (eView == VIEW_UNSET)
-        ThrowUnknown("--view", strText, CCustomGPUDewarper::ListViewNames());
+        ThrowUnknown("--view", strText, CDewarper::ListViewNames());
     return eView;
 }
 
@@ -101,6 +101,11 @@ EYUVSpace ReadYUVSpace(const std::string& strText)
 EYUVRange ReadYUVRange(const std::string& strText)
 {
     return static_cast<EYUVRange>(ReadName("--yuv-range", strText, YUV_RANGE_NAMES));
+}
+
+EDewarpEngine ReadEngine(const std::string& strText)
+{
+    return static_cast<EDewarpEngine>(ReadName("--engine", strText, ENGINE_NAMES));
 }
 
 int ReadRawFormat(const std::string& strText)

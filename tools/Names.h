@@ -2,7 +2,7 @@
 /// Names of the library's values on the command line.
 #pragma once
 
-#include "dewarp/records/Enumerations.h"
+#include "dewarp/Dewarper.h"
 
 #include <string>
 
@@ -13,4 +13,5 @@ ELensType ReadLens(const std::string& strText);
 EInterpolationType ReadInterpolation(const std::string& strText);
 EYUVSpace ReadYUVSpace(const std::string& strText);
 EYUVRange ReadYUVRange(const std::string& strText);
+EDewarpEngine ReadEngine(const std::string& strText);
 int ReadRawFormat(const std::string& strText); ///< EImageFormat

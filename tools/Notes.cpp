@@ -1,6 +1,6 @@
 #include "Notes.h"
 
-#include "dewarp/CustomGPUDewarper.h"
+#include "dewarp/cpu/CustomCPUDewarper.h"
 
 #include <cmath>
 #include <cstdio>
@@ -17,7 +17,7 @@ bool IsYUVFormat(int nFormat)
 /// Those of the view itself, whatever the mount's tilt makes of them.
 SPTZLimits GetLimits(const SToolOptions& sOptions)
 {
-    return CCustomGPUDewarper().GetViewLimits(sOptions.eView, sOptions.eMount);
+    return CCustomCPUDewarper().GetViewLimits(sOptions.eView, sOptions.eMount);
 }
 
 bool IsMovable(const SPTZRange& sRange)
@@ -68,7 +68,7 @@ bool IsFlatView(EViewType eView)
 
 std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nInputFormat)
 {
-    const std::string strView = CCustomGPUDewarper::GetViewName(sOptions.eView);
+    const std::string strView = CDewarper::GetViewName(sOptions.eView);
     const bool bWallStrip = IsStripView(sOptions.eView) && sOptions.eMount == MOUNT_WALL;
     std::vector<std::string> vNotes;
     auto Note = [&](bool bGiven, const char* pOption, const std::string& strWhy) {

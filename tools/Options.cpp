@@ -20,6 +20,7 @@ struct SOptionTexts
     TText oView, oMount, oLens, oPan, oTilt, oZoom, oMountTilt, oProjection, oSize;
     TText oInterpolation, oYUVSpace, oYUVRange, oGain, oFlip, oRotation;
     TText oInputOverlay, oOutputOverlay, oMaskFile, oStringsFile;
+    TText oEngine, oThreads;
     TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns;
     bool bNoStrictTilt = false;
     bool bBuffers = false;
@@ -62,6 +63,8 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
         {"--output-overlay", &sTexts.oOutputOverlay},
         {"--mask-file", &sTexts.oMaskFile},
         {"--strings-file", &sTexts.oStringsFile},
+        {"--engine", &sTexts.oEngine},
+        {"--threads", &sTexts.oThreads},
     };
     for (const auto& [pName, pText] : aSingle)
         oApp.add_option(pName, *pText)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -187,6 +190,17 @@ void ReadOverlayOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
     ReadTexts(sTexts, sOptions);
 }
 
+void ReadEngineOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
+{
+    if (sTexts.oEngine)
+        sOptions.eEngine = ReadEngine(*sTexts.oEngine);
+    if (sTexts.oThreads)
+        sOptions.oThreads = ReadInt("--threads", *sTexts.oThreads, 0, 1024, "threads");
+    sOptions.bBuffers = sTexts.bBuffers;
+    if (sOptions.bBuffers && sOptions.eEngine == ENGINE_CPU)
+        ThrowUsage("--engine: 'cpu' does not draw graphic buffers; leave out --buffers or give gl");
+}
+
 } // namespace
 
 SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
@@ -209,7 +223,7 @@ SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
     ReadViewOptions(sTexts, sLine.sOptions);
     ReadPictureOptions(sTexts, sLine.sOptions);
     ReadOverlayOptions(sTexts, sLine.sOptions);
-    sLine.sOptions.bBuffers = sTexts.bBuffers;
+    ReadEngineOptions(sTexts, sLine.sOptions);
     sLine.sOptions.bStats = sTexts.bStats;
     sLine.sOptions.bVerbose = sTexts.bVerbose;
     return sLine;

@@ -2,6 +2,7 @@
 /// What the command line asks for.
 #pragma once
 
+#include "dewarp/Dewarper.h"
 #include "dewarp/overlays/SGPUString.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SGRect.h"
@@ -63,7 +64,9 @@ struct SToolOptions
     std::vector<SGPolygon> vMasks;
     std::vector<SGPUString> vTexts;
 
-    bool bBuffers = false; ///< through graphic buffers
+    EDewarpEngine eEngine = ENGINE_AUTO;
+    std::optional<int> oThreads; ///< that draw; 0: one a core
+    bool bBuffers = false;       ///< through graphic buffers
     bool bStats = false;
     bool bVerbose = false;
 };

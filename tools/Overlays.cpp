@@ -4,7 +4,6 @@
 #include "ImageReader.h"
 #include "ToolError.h"
 
-#include "dewarp/CustomGPUDewarper.h"
 #include "dewarp/overlays/MaskPolygonFormat.h"
 #include "dewarp/overlays/StringFormat.h"
 
@@ -50,22 +49,4 @@ SOverlays LoadOverlays(const SToolOptions& sOptions)
         sOverlays.vTexts = ReadList(sOptions.strStringsFile, ParseStrings, BuildStrings);
     Append(sOverlays.vTexts, sOptions.vTexts);
     return sOverlays;
-}
-
-void ApplyOverlays(CCustomGPUDewarper& oDewarper, SOverlays& sOverlays)
-{
-    if (sOverlays.oInput) {
-        SFrame& sFrame = *sOverlays.oInput;
-        if (oDewarper.SetInputOverlay(sFrame.avPlanes[0].data(), sFrame.nWidth, sFrame.nHeight, 0) != 1)
-            ThrowFailure("the input overlay was refused; --verbose shows why");
-    }
-    if (sOverlays.oOutput) {
-        SFrame& sFrame = *sOverlays.oOutput;
-        if (oDewarper.SetOutputOverlay(sFrame.avPlanes[0].data(), sFrame.nWidth, sFrame.nHeight, 0) != 1)
-            ThrowFailure("the output overlay was refused; --verbose shows why");
-    }
-    if (!sOverlays.vMasks.empty())
-        oDewarper.SetMaskPolygons(sOverlays.vMasks);
-    if (!sOverlays.vTexts.empty())
-        oDewarper.SetStrings(sOverlays.vTexts);
 }

@@ -8,8 +8,6 @@
 #include <optional>
 #include <vector>
 
-class CCustomGPUDewarper;
-
 /// What is laid over the picture, read and understood.
 struct SOverlays
 {
@@ -22,6 +20,3 @@ struct SOverlays
 /// Reads the files the options name. Fails: throws CToolError; a list with an incomplete record is refused,
 /// for a mask must not be missing unnoticed.
 SOverlays LoadOverlays(const SToolOptions& sOptions);
-
-/// Hands everything to the dewarper, which copies it. Fails: throws CToolError.
-void ApplyOverlays(CCustomGPUDewarper& oDewarper, SOverlays& sOverlays);

@@ -7,11 +7,11 @@
 #include "Options.h"
 #include "Overlays.h"
 
-#include "dewarp/CustomGPUDewarper.h"
-
 #include <memory>
 #include <string>
 #include <vector>
+
+class CToolLog;
 
 /// The output's size when none is asked for: one in which the view has no bars.
 SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput);
@@ -20,40 +20,29 @@ SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput);
 class CDewarpSession
 {
 public:
+    CDewarpSession() = default;
     virtual ~CDewarpSession() = default;
     CDewarpSession(const CDewarpSession&) = delete;
     CDewarpSession& operator=(const CDewarpSession&) = delete;
 
     /// Hands over everything that was asked for and draws the first frame.
-    void DrawFirst(SFrame& sFrame, SOverlays& sOverlays);
-    /// Uploads and draws once more.
-    void Draw(SFrame& sFrame);
+    virtual void DrawFirst(SFrame& sFrame, SOverlays& sOverlays) = 0;
+    /// Hands over and draws once more.
+    virtual void Draw(SFrame& sFrame) = 0;
     /// The picture belongs to the session and lasts until the next call.
     virtual SPicture ReadBack() = 0;
-    /// Limits that the view put on pan, tilt and zoom; after Draw.
-    std::vector<std::string> GetNotes();
-
-protected:
-    explicit CDewarpSession(const SToolOptions& sOptions) : m_sOptions(sOptions) {}
-    virtual CCustomGPUDewarper& GetDewarper() = 0;
-    /// Hands the frame to the dewarper.
-    virtual void GiveFrame(SFrame& sFrame) = 0;
-    /// Draws the frame that was handed over last.
-    virtual void DrawGiven();
-    /// Brings colours into the form that the dewarper mixes.
-    virtual void PrepareOverlays(const SFrame& /*sFrame*/, SOverlays& /*sOverlays*/) {}
-    /// " (what went wrong last)", or nothing when nothing has.
-    std::string GetReason();
-    [[noreturn]] void ThrowUnstarted();
-    [[noreturn]] void ThrowUndrawn();
-
-    const SToolOptions& m_sOptions;
-
-private:
-    void ApplyView();
-    void ApplyPTZ();
+    /// What the engine and the view's limits left of what was asked for; after Draw.
+    virtual std::vector<std::string> GetNotes() = 0;
+    /// Who draws: never ENGINE_AUTO.
+    virtual EDewarpEngine GetEngine() = 0;
+    /// The same, and what it runs on, for a line of text.
+    virtual std::string GetEngineText() = 0;
 };
 
-/// Makes context and target for frames of the given size: planes in, pixels out, or buffers in and out where
-/// the options ask for them. The options must outlive the session.
-std::unique_ptr<CDewarpSession> StartSession(const SToolOptions& sOptions, SSize sInput);
+/// Makes engine and target for frames of the given size: planes in, pixels out, or buffers in and out where
+/// the options ask for them. The options must outlive the session. The log tells why there is no engine.
+std::unique_ptr<CDewarpSession> StartSession(const SToolOptions& sOptions, SSize sInput,
+                                             const CToolLog& rLog);
+
+/// There is no OpenGL ES, for this reason if one is known. What else may be done: "leave out --buffers".
+[[noreturn]] void ThrowNoDriver(const std::string& strReason, const char* pElse);

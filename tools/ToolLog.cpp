@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+static const int ERROR_PRIORITY = 6;
+
 CToolLog::CToolLog(bool bVerbose) : m_bVerbose(bVerbose)
 {
     SetLogSink(Receive, this);
@@ -14,8 +16,19 @@ CToolLog::~CToolLog()
     SetLogSink(nullptr, nullptr);
 }
 
-void CToolLog::Receive(int /*nPriority*/, const char* pTag, const char* pLine, void* pUser)
+std::string CToolLog::GetLastError() const
 {
-    if (static_cast<CToolLog*>(pUser)->m_bVerbose)
+    const std::lock_guard<std::mutex> oLock(m_oMutex);
+    return m_strLastError;
+}
+
+void CToolLog::Receive(int nPriority, const char* pTag, const char* pLine, void* pUser)
+{
+    CToolLog& rLog = *static_cast<CToolLog*>(pUser);
+    if (nPriority >= ERROR_PRIORITY) {
+        const std::lock_guard<std::mutex> oLock(rLog.m_oMutex);
+        rLog.m_strLastError = pLine;
+    }
+    if (rLog.m_bVerbose)
         std::fprintf(stderr, "%s: %s\n", pTag, pLine);
 }

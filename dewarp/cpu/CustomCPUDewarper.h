@@ -77,6 +77,7 @@ public:
     int GetThreadCount() override;
     void SetExactGeometry(bool bExact) override;
     bool GetExactGeometry() override;
+    bool GetTargetSize(int& nWidth, int& nHeight) override;
     using CDewarper::DrawTo;
 
 private:

@@ -111,6 +111,12 @@ bool CGLDewarper::GetTargetSize(int& nWidth, int& nHeight)
     return nWidth > 0 && nHeight > 0;
 }
 
+void CGLDewarper::SetDriverLog(bool bErrors, bool bShaderTexts)
+{
+    pState->oEngine.SetLogGLErrors(bErrors);
+    pState->oEngine.SetLogShaderCode(bShaderTexts);
+}
+
 bool CGLDewarper::DrawTo(const SFrameTarget& rTarget)
 {
     // One lock for all: nobody gets between the check, the frame and its pixels.

@@ -18,6 +18,7 @@ public:
     std::string GetEngineText() override;
     bool InitTarget(int nWidth, int nHeight) override;
     bool GetTargetSize(int& nWidth, int& nHeight) override;
+    void SetDriverLog(bool bErrors, bool bShaderTexts) override;
     bool SetTexture(SImageProperties* pImage, bool bGain, SQPInfo* pQP,
                     unsigned long long nTimestamp) override;
     bool DrawGLScene(bool bExchangeBuffers) override;

@@ -48,4 +48,8 @@ done
     c++ -std=c++20 -Wall -Wextra -Wpedantic -Werror -fsyntax-only $(pkg-config --cflags lumor_dewarp) -x c++ -
 if [ -x "$sWork/tree/bin/lumor-dewarp" ]; then
     "$sWork/tree/bin/lumor-dewarp" --version
+    # Both engines and the part that is loaded for buffers are found where they were installed.
+    for sWay in --engine=cpu --engine=gl --buffers; do
+        "$sWork/tree/bin/lumor-dewarp" "$sWay" --size 64x64 "$sHere/../../samples/overlay-1280x720.png" "$sWork/view.png"
+    done
 fi

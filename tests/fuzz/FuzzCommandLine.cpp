@@ -96,7 +96,11 @@ static const char* const WORDS[] = {"--raw",
                                     "nan",
                                     "inf",
                                     "16384",
-                                    "99999999999999999999"};
+                                    "99999999999999999999",
+                                    "--engine",
+                                    "--threads",
+                                    "cpu",
+                                    "gl"};
 
 /// Bytes are characters but for the upper half, which are words; 0 ends an argument, 255 lets the next byte
 /// be a character whatever it is.
@@ -145,6 +149,8 @@ static void CheckOptions(const SToolOptions& rOptions)
                 (std::isfinite(rOptions.oGains->fLuma) && std::isfinite(rOptions.oGains->fChroma)),
             "gains");
     Require(!rOptions.oRotation || *rOptions.oRotation % 90 == 0, "a rotation");
+    Require(!rOptions.oThreads || (*rOptions.oThreads >= 0 && *rOptions.oThreads <= 1024), "threads");
+    Require(!rOptions.bBuffers || rOptions.eEngine != ENGINE_CPU, "an engine that draws buffers");
     Require(!rOptions.oRaw || rOptions.oRaw->nStride >= rOptions.oRaw->sSize.nWidth, "a raw frame");
     for (const SGPolygon& rMask : rOptions.vMasks)
         Require(rMask.vPoints.size() >= 3, "masks have corners");

@@ -3,7 +3,7 @@
 #include "Names.h"
 #include "ToolError.h"
 
-#include "dewarp/CustomGPUDewarper.h"
+#include "dewarp/Dewarper.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -138,14 +138,22 @@ TEST(OptionValues, ViewsHaveNamesAndNumbers)
     for (int nView = 1; nView <= 9; nView++) {
         const EViewType eView = ReadView(std::to_string(nView));
         EXPECT_EQ(eView, nView);
-        EXPECT_EQ(ReadView(CCustomGPUDewarper::GetViewName(eView)), eView);
+        EXPECT_EQ(ReadView(CDewarper::GetViewName(eView)), eView);
     }
     for (const char* pText : {"", "0", "10", "Vcam", "cam"})
         EXPECT_NE(GetRefusal([&] { ReadView(pText); }), "") << pText;
 }
 
+TEST(OptionValues, EnginesHaveNames)
+{
+    EXPECT_EQ(ReadEngine("auto"), ENGINE_AUTO);
+    EXPECT_EQ(ReadEngine("cpu"), ENGINE_CPU);
+    EXPECT_EQ(ReadEngine("gl"), ENGINE_GL);
+}
+
 TEST(OptionValues, UnknownNamesAreAnsweredWithTheKnownOnes)
 {
+    EXPECT_EQ(GetRefusal([] { ReadEngine("GL"); }), "--engine: 'GL' is not known; give auto, cpu or gl");
     EXPECT_EQ(GetRefusal([] { ReadMount("roof"); }),
               "--mount: 'roof' is not known; give ceiling, floor or wall");
 }

@@ -62,6 +62,8 @@ const std::pair<const char*, const char*> OPTIONS[] = {
     {"--text-height", "20"},
     {"--text-color", "#FF0000"},
     {"--text-align", "center"},
+    {"--engine", "gl"},
+    {"--threads", "3"},
     {"--buffers", nullptr},
     {"--stats", nullptr},
     {"--verbose", nullptr},
@@ -105,6 +107,8 @@ TEST(Options, EveryOptionIsTakenAndExplained)
     EXPECT_EQ(sOptions.strStringsFile, "s");
     EXPECT_EQ(sOptions.vMasks.size(), 1u);
     EXPECT_EQ(sOptions.vTexts.size(), 1u);
+    EXPECT_EQ(sOptions.eEngine, ENGINE_GL);
+    EXPECT_EQ(*sOptions.oThreads, 3);
     EXPECT_TRUE(sOptions.bBuffers && sOptions.bStats && sOptions.bVerbose);
 }
 
@@ -132,7 +136,9 @@ TEST(Options, NothingIsAskedForByDefault)
     EXPECT_EQ(sOptions.eMount, MOUNT_CEILING);
     EXPECT_EQ(sOptions.eLens, LENS_AUTO);
     EXPECT_EQ(sOptions.eInterpolation, INTERPOLATION_LINEAR);
+    EXPECT_EQ(sOptions.eEngine, ENGINE_AUTO);
     EXPECT_TRUE(sOptions.bStrictTilt);
+    EXPECT_FALSE(sOptions.oThreads);
     EXPECT_FALSE(sOptions.oPan || sOptions.oTilt || sOptions.oZoom || sOptions.oSize || sOptions.oRaw ||
                  sOptions.oGains || sOptions.oRotation || sOptions.oEyeDistance);
 }
@@ -197,6 +203,10 @@ TEST(Options, CommandLinesThatCannotBeFollowedAreRefused)
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--flip", "x"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--view="}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--stats=maybe"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--engine", "opengl"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--threads", "-1"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--threads", "1025"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--buffers", "--engine", "cpu"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--mask-file", ""}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text-at", "1,1"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text", "a", "--text-height", "9", "--text-height", "9"}));

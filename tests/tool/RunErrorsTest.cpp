@@ -35,6 +35,9 @@ TEST_F(RunErrors, UsageErrorsEndWithStatus2)
     ExpectRefusal({"--nonsense", m_strInput, m_strOutput}, 2, "--nonsense");
     ExpectRefusal({"--zoom", "nan", m_strInput, m_strOutput}, 2, "--zoom: 'nan'");
     ExpectRefusal({"--size", "0x0", m_strInput, m_strOutput}, 2, "from 2 to 16384");
+    ExpectRefusal({"--engine", "opengl", m_strInput, m_strOutput}, 2, "auto, cpu or gl");
+    ExpectRefusal({"--threads", "none", m_strInput, m_strOutput}, 2, "--threads: 'none'");
+    ExpectRefusal({"--buffers", "--engine", "cpu", m_strInput, m_strOutput}, 2, "leave out --buffers");
     ExpectRefusal({m_strInput, m_oFolder.Path("out.jpg")}, 2, ".png or .raw");
     ExpectRefusal({m_strInput, m_strInput}, 2, "input file itself");
     EXPECT_FALSE(std::filesystem::exists(m_strOutput));

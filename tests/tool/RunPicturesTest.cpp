@@ -202,20 +202,36 @@ TEST_F(RunPictures, TheLimitedRangeIsStretched)
 
 TEST_F(RunPictures, StatsNameTheStages)
 {
-    const SToolRun sRun = RunTool({"--stats", "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
-    EXPECT_EQ(sRun.nStatus, 0);
-    for (const char* pStage : {"decode", "set up", "upload and draw", "read back", "encode", "total"})
-        EXPECT_NE(sRun.strOutput.find(pStage), std::string::npos) << pStage;
-    EXPECT_EQ(sRun.strErrors, "");
+    const std::pair<const char*, std::vector<const char*>> aEngines[] = {
+        {"cpu", {"decode", "set up", "draw", "encode", "total"}},
+        {"gl", {"decode", "set up", "upload and draw", "read back", "encode", "total"}},
+    };
+    for (const auto& [pEngine, vStages] : aEngines) {
+        const SToolRun sRun = RunTool(
+            {"--stats", "--engine", pEngine, "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+        EXPECT_EQ(sRun.nStatus, 0);
+        for (const char* pStage : vStages)
+            EXPECT_NE(sRun.strOutput.find(std::string("\n") + pStage), std::string::npos) << pStage;
+        EXPECT_EQ(sRun.strErrors, "");
+    }
 }
 
 TEST_F(RunPictures, TheLogIsShownOnlyOnDemand)
 {
-    const SToolRun sQuiet = RunTool({"--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
-    EXPECT_EQ(sQuiet.strErrors + sQuiet.strOutput, "");
+    // What GL is given shows only there.
+    for (const auto& [pEngine, bShaders] : {std::pair{"cpu", false}, {"gl", true}}) {
+        const SToolRun sQuiet =
+            RunTool({"--engine", pEngine, "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+        EXPECT_EQ(sQuiet.strErrors, "");
+        EXPECT_EQ(CountLines(sQuiet.strOutput), 1);
+        const SToolRun sVerbose = RunTool(
+            {"--verbose", "--engine", pEngine, "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+        EXPECT_EQ(sVerbose.nStatus, 0);
+        EXPECT_EQ(sVerbose.strErrors.find("gl_Position") != std::string::npos, bShaders) << pEngine;
+    }
+    // The library itself has something to say.
     const SToolRun sVerbose =
-        RunTool({"--verbose", "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
-    EXPECT_EQ(sVerbose.nStatus, 0);
+        RunTool({"--verbose", "--engine", "gl", "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
     EXPECT_NE(sVerbose.strErrors.find("LUMORVIDEOMANAGER_DEWRAP"), std::string::npos);
 }
 

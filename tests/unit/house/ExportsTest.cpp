@@ -132,3 +132,15 @@ TEST(Exports, TheCoreNeedsNoLibraryThatDraws)
     for (const char* pNeeded : {"libEGL.so", "libGLESv2.so", "liblumor_dewarp_core.so"})
         EXPECT_NE(strLibrary.find(pNeeded), std::string::npos) << pNeeded;
 }
+
+#ifdef TOOL_PATH
+TEST(Exports, TheToolStartsWithoutLibrariesThatDraw)
+{
+    const std::string strTool = NeededBy(TOOL_PATH);
+    if (strTool.empty())
+        GTEST_SKIP() << "no readelf here";
+    EXPECT_NE(strTool.find("liblumor_dewarp_core.so"), std::string::npos) << strTool;
+    for (const char* pOther : {"EGL", "GLES", "libGL.", "liblumor_dewarp.so"})
+        EXPECT_EQ(strTool.find(pOther), std::string::npos) << pOther;
+}
+#endif

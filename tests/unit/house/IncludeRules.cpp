@@ -84,7 +84,10 @@ const std::vector<SRoomRule>& HouseRules()
          PLAIN,
          {}},
         // The interface of both engines, and the one that needs no GL.
-        {"dewarp/Dewarper.", {"dewarp/Dewarper.h", "dewarp/records/", "dewarp/overlays/", EXPORT}, PLAIN, {}},
+        {"dewarp/Dewarper.",
+         {"dewarp/Dewarper.h", "dewarp/records/", "dewarp/overlays/", "dewarp/views/", EXPORT},
+         PLAIN,
+         {}},
         {"dewarp/cpu/", CARRYING, TELLING, {}},
         // The files that are written for one set of instructions.
         {"dewarp/cpu/CellAVX", CARRYING, TELLING | HEADER_OTHER, {}},

@@ -1,0 +1,146 @@
+/// \file
+/// What sessions share whose dewarpers have the same operations under one name, but no common base.
+#pragma once
+
+#include "Notes.h"
+#include "Session.h"
+#include "ToolError.h"
+
+#include "dewarp/Dewarper.h"
+
+/// A session of one kind of dewarper. The options must outlive it.
+template <class TDewarper>
+class CSessionOf : public CDewarpSession
+{
+public:
+    void DrawFirst(SFrame& sFrame, SOverlays& sOverlays) final;
+    void Draw(SFrame& sFrame) final;
+    std::vector<std::string> GetNotes() override;
+
+protected:
+    explicit CSessionOf(const SToolOptions& sOptions) : m_sOptions(sOptions) {}
+    virtual TDewarper& GetDewarper() = 0;
+    /// Hands the frame to the dewarper.
+    virtual void GiveFrame(SFrame& sFrame) = 0;
+    /// Draws the frame that was handed over last.
+    virtual void DrawGiven();
+    /// Brings colours into the form that the dewarper mixes.
+    virtual void PrepareOverlays(const SFrame& /*sFrame*/, SOverlays& /*sOverlays*/) {}
+    /// " (what went wrong last)", or nothing when nothing has.
+    std::string GetReason();
+    [[noreturn]] void ThrowUndrawn();
+
+    const SToolOptions& m_sOptions;
+
+private:
+    void ApplyView();
+    void ApplyPTZ();
+    void ApplyOverlays(SOverlays& sOverlays);
+};
+
+template <class TDewarper>
+std::string CSessionOf<TDewarper>::GetReason()
+{
+    const std::string strError = GetDewarper().GetLastErrorText();
+    return strError.empty() ? "" : " (" + strError + ")";
+}
+
+template <class TDewarper>
+void CSessionOf<TDewarper>::ThrowUndrawn()
+{
+    ThrowFailure("the frame could not be drawn" + GetReason() + "; --verbose shows the whole log");
+}
+
+template <class TDewarper>
+void CSessionOf<TDewarper>::ApplyView()
+{
+    TDewarper& rDewarper = GetDewarper();
+    rDewarper.SetViewType(m_sOptions.eView);
+    rDewarper.SetMountType(m_sOptions.eMount);
+    rDewarper.SetLensType(m_sOptions.eLens);
+    rDewarper.SetInterpolationType(m_sOptions.eInterpolation);
+    rDewarper.SetYUVparams(m_sOptions.oYUVSpace.value_or(YUV_SPACE_AUTO),
+                           m_sOptions.oYUVRange.value_or(YUV_RANGE_AUTO));
+    rDewarper.SetFlip(m_sOptions.bFlipHorizontal, m_sOptions.bFlipVertical);
+    rDewarper.SetStrictTiltLimits(m_sOptions.bStrictTilt);
+    rDewarper.SetMountTilt(m_sOptions.oMountTilt.value_or(0.0f));
+    if (m_sOptions.oRotation && IsFlatView(m_sOptions.eView))
+        rDewarper.SetRotation(*m_sOptions.oRotation);
+    if (m_sOptions.oGains)
+        rDewarper.SetGains(m_sOptions.oGains->fLuma, m_sOptions.oGains->fChroma);
+    if (m_sOptions.oEyeDistance)
+        rDewarper.SetEyeDistance(*m_sOptions.oEyeDistance);
+}
+
+/// Where the view starts, unless the options say otherwise.
+template <class TDewarper>
+void CSessionOf<TDewarper>::ApplyPTZ()
+{
+    float fPan = 0.0f;
+    float fTilt = 0.0f;
+    float fZoom = 0.0f;
+    CDewarper::GetDefaultPTZ(m_sOptions.eView, m_sOptions.eMount, fPan, fTilt, fZoom);
+    GetDewarper().AbsolutePTZ(m_sOptions.oPan.value_or(fPan), m_sOptions.oTilt.value_or(fTilt),
+                              m_sOptions.oZoom.value_or(fZoom));
+}
+
+/// Hands everything to the dewarper, which copies it.
+template <class TDewarper>
+void CSessionOf<TDewarper>::ApplyOverlays(SOverlays& sOverlays)
+{
+    TDewarper& rDewarper = GetDewarper();
+    if (sOverlays.oInput) {
+        SFrame& sFrame = *sOverlays.oInput;
+        if (rDewarper.SetInputOverlay(sFrame.avPlanes[0].data(), sFrame.nWidth, sFrame.nHeight, 0) != 1)
+            ThrowFailure("the input overlay was refused; --verbose shows why");
+    }
+    if (sOverlays.oOutput) {
+        SFrame& sFrame = *sOverlays.oOutput;
+        if (rDewarper.SetOutputOverlay(sFrame.avPlanes[0].data(), sFrame.nWidth, sFrame.nHeight, 0, {}) != 1)
+            ThrowFailure("the output overlay was refused; --verbose shows why");
+    }
+    if (!sOverlays.vMasks.empty())
+        rDewarper.SetMaskPolygons(sOverlays.vMasks);
+    if (!sOverlays.vTexts.empty())
+        rDewarper.SetStrings(sOverlays.vTexts);
+}
+
+template <class TDewarper>
+void CSessionOf<TDewarper>::DrawFirst(SFrame& sFrame, SOverlays& sOverlays)
+{
+    ApplyView();
+    PrepareOverlays(sFrame, sOverlays);
+    ApplyOverlays(sOverlays);
+    GiveFrame(sFrame);
+    // Only now: a frame of a new size puts the view back to where it starts. Given before the first drawing
+    // the position needs no second one, for the library tells every view's start without having drawn it.
+    ApplyPTZ();
+    DrawGiven();
+}
+
+template <class TDewarper>
+void CSessionOf<TDewarper>::Draw(SFrame& sFrame)
+{
+    GiveFrame(sFrame);
+    DrawGiven();
+}
+
+template <class TDewarper>
+void CSessionOf<TDewarper>::DrawGiven()
+{
+    if (!GetDewarper().DrawGLScene(true))
+        ThrowUndrawn();
+}
+
+template <class TDewarper>
+std::vector<std::string> CSessionOf<TDewarper>::GetNotes()
+{
+    float fPan = 0.0f;
+    float fTilt = 0.0f;
+    float fZoom = 0.0f;
+    GetDewarper().GetPTZ(fPan, fTilt, fZoom);
+    std::vector<std::string> vNotes = ListLimitedPTZ(m_sOptions, fPan, fTilt, fZoom);
+    if (m_sOptions.oThreads && GetEngine() == ENGINE_GL)
+        vNotes.emplace_back("--threads has no effect: OpenGL ES draws");
+    return vNotes;
+}
