@@ -149,7 +149,7 @@ SStateCall TargetCall(CFuzzBytes& rBytes)
     const int nWidth = anSize[0];
     const int nHeight = anSize[1];
     return MakeCall("InitGL(" + std::to_string(nWidth) + ", " + std::to_string(nHeight) + ")",
-                    [=](CStatePlayer& rPlayer) { rPlayer.Dewarper().InitGL(nWidth, nHeight); });
+                    [=](CStatePlayer& rPlayer) { rPlayer.SetTarget(nWidth, nHeight); });
 }
 
 SStateCall RestartCall(CFuzzBytes& rBytes)

@@ -6,6 +6,7 @@
 // LUMOR_STATE_WITHOUT=A|B leaves out calls that read like A or B, to look behind a fault that is known.
 #include "tests/fuzz/GLWatch.h"
 #include "tests/gl/state/StateCalls.h"
+#include "tests/support/EngineDewarper.h"
 #include "tests/support/LogCapture.h"
 
 #include <cstdio>
@@ -48,11 +49,12 @@ static std::vector<SStateCall> CallsOfSeed(unsigned int nSeed)
     return vCalls;
 }
 
-static std::string FaultOf(const std::vector<SStateCall>& vCalls, int* pCompared = nullptr)
+static std::string FaultOf(EDewarpEngine eEngine, const std::vector<SStateCall>& vCalls,
+                           int* pCompared = nullptr)
 {
     CLogCapture oLog;
     TakeGLErrors();
-    CStatePlayer oPlayer;
+    CStatePlayer oPlayer(eEngine);
     std::string strFault = oPlayer.Play(vCalls);
     if (pCompared != nullptr)
         *pCompared += oPlayer.Compared();
@@ -68,7 +70,8 @@ static std::string KindOf(const std::string& strFault)
 }
 
 /// Leaves calls out, many at once first, as long as a fault of the same kind remains.
-static std::vector<SStateCall> Shrunk(std::vector<SStateCall> vCalls, const std::string& strFault)
+static std::vector<SStateCall> Shrunk(EDewarpEngine eEngine, std::vector<SStateCall> vCalls,
+                                      const std::string& strFault)
 {
     const std::string strKind = KindOf(strFault);
     for (std::size_t nPart = vCalls.size() / 2; nPart > 0;) {
@@ -77,7 +80,7 @@ static std::vector<SStateCall> Shrunk(std::vector<SStateCall> vCalls, const std:
             std::vector<SStateCall> vLess = vCalls;
             const auto oBegin = vLess.begin() + static_cast<std::ptrdiff_t>(nAt);
             vLess.erase(oBegin, oBegin + static_cast<std::ptrdiff_t>(nPart));
-            if (KindOf(FaultOf(vLess)) == strKind) {
+            if (KindOf(FaultOf(eEngine, vLess)) == strKind) {
                 vCalls = vLess;
                 bShorter = true;
             } else {
@@ -98,7 +101,9 @@ static std::string Words(const std::vector<SStateCall>& vCalls)
     return strWords;
 }
 
-TEST(State, APictureIsThatOfAFreshDewarperInTheSameState)
+using State = CEngineTest;
+
+TEST_P(State, APictureIsThatOfAFreshDewarperInTheSameState)
 {
     const int nSequences = Setting("LUMOR_STATE_SEQUENCES", SEQUENCES);
     const unsigned int nFirst = static_cast<unsigned int>(Setting("LUMOR_STATE_SEED", 1));
@@ -107,14 +112,16 @@ TEST(State, APictureIsThatOfAFreshDewarperInTheSameState)
     int nFaults = 0;
     for (unsigned int i = 0; i < static_cast<unsigned int>(nSequences) && nFaults < nMostFaults; ++i) {
         const std::vector<SStateCall> vCalls = CallsOfSeed(nFirst + i);
-        const std::string strFault = FaultOf(vCalls, &nCompared);
+        const std::string strFault = FaultOf(GetParam(), vCalls, &nCompared);
         if (strFault.empty())
             continue;
         ++nFaults;
-        const std::vector<SStateCall> vShrunk = Shrunk(vCalls, strFault);
-        ADD_FAILURE() << "seed " << nFirst + i << ": " << FaultOf(vShrunk) << "\n"
+        const std::vector<SStateCall> vShrunk = Shrunk(GetParam(), vCalls, strFault);
+        ADD_FAILURE() << "seed " << nFirst + i << ": " << FaultOf(GetParam(), vShrunk) << "\n"
                       << Words(vShrunk) << "  shrunk from " << vCalls.size() << " calls";
     }
     std::printf("  %d pictures compared\n", nCompared);
     EXPECT_GT(nCompared, 0);
 }
+
+INSTANTIATE_ENGINES(State);

@@ -31,14 +31,16 @@ SStateCall InputOverlayCall(CFuzzBytes& rBytes)
 {
     if (rBytes.Byte() % 4 == 3)
         return MakeCall("SetInputOverlay(null)", [](CStatePlayer& rPlayer) {
-            rPlayer.Dewarper().SetInputOverlay(nullptr, 0, 0, 0);
+            rPlayer.With([&](auto& d) { return d.SetInputOverlay(nullptr, 0, 0, 0); });
             rPlayer.TakeInput(SOverlayImage());
         });
     std::string strWords;
     const SOverlayImage sImage = ReadOverlay(rBytes, strWords);
     return MakeCall("SetInputOverlay(" + strWords + ")", [=](CStatePlayer& rPlayer) {
         SOverlayImage sGiven = sImage;
-        if (rPlayer.Dewarper().SetInputOverlay(sGiven.vPixels.data(), sGiven.nWidth, sGiven.nHeight, 0) == 1)
+        if (rPlayer.With([&](auto& d) {
+                return d.SetInputOverlay(sGiven.vPixels.data(), sGiven.nWidth, sGiven.nHeight, 0);
+            }) == 1)
             rPlayer.TakeInput(sImage);
     });
 }
@@ -67,7 +69,7 @@ SStateCall OutputOverlayCall(CFuzzBytes& rBytes)
 {
     if (rBytes.Byte() % 4 == 3)
         return MakeCall("SetOutputOverlay(null)", [](CStatePlayer& rPlayer) {
-            rPlayer.Dewarper().SetOutputOverlay(nullptr, 0, 0, 0);
+            rPlayer.With([&](auto& d) { return d.SetOutputOverlay(nullptr, 0, 0, 0, {}); });
             rPlayer.Given().sOutput = SOverlayImage();
         });
     std::string strWords;
@@ -82,8 +84,9 @@ SStateCall OutputOverlayCall(CFuzzBytes& rBytes)
     return MakeCall("SetOutputOverlay(" + strWords + ")", [=](CStatePlayer& rPlayer) {
         SOverlayImage sGiven = sImage;
         SOverlayImage& rOld = rPlayer.Given().sOutput;
-        if (rPlayer.Dewarper().SetOutputOverlay(sGiven.vPixels.data(), sGiven.nWidth, sGiven.nHeight, 0,
-                                                vRects) == 1)
+        if (rPlayer.With([&](auto& d) {
+                return d.SetOutputOverlay(sGiven.vPixels.data(), sGiven.nWidth, sGiven.nHeight, 0, vRects);
+            }) == 1)
             rOld = Combined(rOld, sImage, vRects);
     });
 }
@@ -106,16 +109,18 @@ SStateCall MaskCall(CFuzzBytes& rBytes)
         strWords += "}";
     }
     const bool bBytes = rBytes.Byte() % 4 == 3;
-    return MakeCall(
-        "SetMaskPolygons(" + strWords + " )" + (bBytes ? " as bytes" : ""), [=](CStatePlayer& rPlayer) {
-            std::vector<unsigned char> vBytes = BuildMaskPolygons(vMasks);
-            if (bBytes)
-                rPlayer.Dewarper().SetMaskPolygons(vBytes.data(), static_cast<int>(vBytes.size()));
-            else
-                rPlayer.Dewarper().SetMaskPolygons(vMasks);
-            rPlayer.Given().vMasks = vMasks;
-            rPlayer.Given().bMasksChanged = true;
-        });
+    return MakeCall("SetMaskPolygons(" + strWords + " )" + (bBytes ? " as bytes" : ""),
+                    [=](CStatePlayer& rPlayer) {
+                        std::vector<unsigned char> vBytes = BuildMaskPolygons(vMasks);
+                        if (bBytes)
+                            rPlayer.With([&](auto& d) {
+                                return d.SetMaskPolygons(vBytes.data(), static_cast<int>(vBytes.size()));
+                            });
+                        else
+                            rPlayer.With([&](auto& d) { return d.SetMaskPolygons(vMasks); });
+                        rPlayer.Given().vMasks = vMasks;
+                        rPlayer.Given().bMasksChanged = true;
+                    });
 }
 
 static SGPUString ReadString(CFuzzBytes& rBytes, std::string& strWords)
@@ -152,9 +157,11 @@ SStateCall StringCall(CFuzzBytes& rBytes)
                     [=](CStatePlayer& rPlayer) {
                         std::vector<unsigned char> vBytes = BuildStrings(vStrings);
                         if (bBytes)
-                            rPlayer.Dewarper().SetStrings(vBytes.data(), static_cast<int>(vBytes.size()));
+                            rPlayer.With([&](auto& d) {
+                                return d.SetStrings(vBytes.data(), static_cast<int>(vBytes.size()));
+                            });
                         else
-                            rPlayer.Dewarper().SetStrings(vStrings);
+                            rPlayer.With([&](auto& d) { return d.SetStrings(vStrings); });
                         rPlayer.Given().vStrings = vStrings;
                     });
 }

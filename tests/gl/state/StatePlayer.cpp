@@ -9,10 +9,12 @@
 static const int FIRST_WIDTH = 64;
 static const int FIRST_HEIGHT = 48;
 
-CStatePlayer::CStatePlayer()
+CStatePlayer::CStatePlayer(EDewarpEngine eEngine)
 {
     m_oDewarper.InitGL(FIRST_WIDTH, FIRST_HEIGHT);
     Start();
+    if (eEngine == ENGINE_CPU)
+        m_pProcessor = CreateDewarper(ENGINE_CPU, FIRST_WIDTH, FIRST_HEIGHT);
 }
 
 std::string CStatePlayer::Play(const std::vector<SStateCall>& vCalls)
@@ -31,8 +33,17 @@ void CStatePlayer::Fail(const std::string& strFault)
         m_strFault = strFault;
 }
 
+void CStatePlayer::SetTarget(int nWidth, int nHeight)
+{
+    const bool bTaken = m_oDewarper.InitGL(nWidth, nHeight);
+    if (m_pProcessor != nullptr && m_pProcessor->InitTarget(nWidth, nHeight) != bTaken)
+        Fail("the engines answer differently");
+}
+
 void CStatePlayer::Start()
 {
+    if (m_pProcessor != nullptr)
+        return;
     m_bStarted = m_oDewarper.StartGL();
     m_bUploaded = false;
     if (!m_bStarted)
@@ -41,6 +52,8 @@ void CStatePlayer::Start()
 
 void CStatePlayer::Stop()
 {
+    if (m_pProcessor != nullptr)
+        return;
     m_oDewarper.StopGL();
     m_bStarted = false;
     m_bUploaded = false;
@@ -48,7 +61,7 @@ void CStatePlayer::Stop()
 
 void CStatePlayer::FreeObjects(bool bReinitialize)
 {
-    if (!m_bStarted)
+    if (!m_bStarted || m_pProcessor != nullptr)
         return;
     m_bUploaded = false;
     // A comparison leaves no context current.
@@ -63,7 +76,7 @@ void CStatePlayer::FreeObjects(bool bReinitialize)
 void CStatePlayer::GiveFrame(const std::shared_ptr<CFuzzFrame>& pFrame, const std::shared_ptr<SQPInfo>& pQP,
                              bool bGain, bool bGood)
 {
-    const bool bTaken = m_oDewarper.SetTexture(&pFrame->sImage, bGain, pQP.get(), 1);
+    const bool bTaken = With([&](auto& d) { return d.SetTexture(&pFrame->sImage, bGain, pQP.get(), 1); });
     if (bTaken != bGood)
         Fail(bGood ? "a good frame is refused" : "a bad frame is taken");
     if (!bTaken)
@@ -97,7 +110,7 @@ void CStatePlayer::FollowMasks()
 void CStatePlayer::Draw(bool bCompare)
 {
     const bool bWanted = m_bStarted && (m_bWaiting || m_bUploaded);
-    const bool bDrawn = m_oDewarper.DrawGLScene(false);
+    const bool bDrawn = With([](auto& d) { return d.DrawGLScene(false); });
     FollowMasks();
     const std::string strErrors = TakeGLErrors();
     if (!strErrors.empty())
@@ -109,11 +122,13 @@ void CStatePlayer::Draw(bool bCompare)
     m_bWaiting = false;
     m_bUploaded = true;
     // A view that was taken back shows the flat picture for one frame, and then what a fresh dewarper shows.
-    if (m_oDewarper.pParams->eViewType == VIEW_UNSET && !m_oDewarper.DrawGLScene(false))
+    if (m_oDewarper.pParams->eViewType == VIEW_UNSET && !With([](auto& d) { return d.DrawGLScene(false); }))
         Fail("a frame is not drawn");
     const SDewarpParams& rParams = *m_oDewarper.pParams;
     if (!std::isfinite(rParams.fPan) || !std::isfinite(rParams.fTilt) || !std::isfinite(rParams.fZoom))
         Fail("the position in force is no number: " + StateWords());
+    else if (bCompare && m_pProcessor != nullptr)
+        CompareProcessor();
     else if (bCompare)
         Compare();
 }
@@ -131,7 +146,8 @@ std::string CStatePlayer::StateWords()
 }
 
 /// The drawn picture's rows; empty: none.
-static std::vector<unsigned char> PictureOf(CCustomGPUDewarperOffscreen& rDewarper, int& nWidth)
+template <class D>
+static std::vector<unsigned char> PictureOf(D& rDewarper, int& nWidth)
 {
     int nSize = 0;
     int nHeight = 0;
@@ -143,7 +159,8 @@ static std::vector<unsigned char> PictureOf(CCustomGPUDewarperOffscreen& rDewarp
     return std::vector<unsigned char>(pRows, pRows + nSize);
 }
 
-static void CopySettings(CCustomGPUDewarperOffscreen& rFrom, CCustomGPUDewarperOffscreen& rTo)
+template <class D>
+static void CopySettings(CCustomGPUDewarperOffscreen& rFrom, D& rTo)
 {
     rTo.SetViewType(rFrom.GetViewType());
     // A mount that was asked for may be "unset": then the one in force stays.
@@ -170,13 +187,9 @@ static void CopySettings(CCustomGPUDewarperOffscreen& rFrom, CCustomGPUDewarperO
 }
 
 /// True when the fresh dewarper has drawn the frame in force.
-bool CStatePlayer::BringIntoState(CCustomGPUDewarperOffscreen& rFresh)
+template <class D>
+bool CStatePlayer::BringIntoState(D& rFresh)
 {
-    int nWidth = 0;
-    int nHeight = 0;
-    m_oDewarper.GetTargetWidthHeight(nWidth, nHeight);
-    if (!rFresh.InitGL(nWidth, nHeight) || !rFresh.StartGL())
-        return false;
     CopySettings(m_oDewarper, rFresh);
     rFresh.SetYUVparams(m_sGiven.eSpace, m_sGiven.eRange);
     rFresh.SetStrings(m_sGiven.vStrings);
@@ -187,7 +200,7 @@ bool CStatePlayer::BringIntoState(CCustomGPUDewarperOffscreen& rFresh)
         rFresh.SetInputOverlay(sInput.vPixels.data(), sInput.nWidth, sInput.nHeight, 0);
     SOverlayImage sOutput = m_sGiven.sOutput;
     if (sOutput.IsThere())
-        rFresh.SetOutputOverlay(sOutput.vPixels.data(), sOutput.nWidth, sOutput.nHeight, 0);
+        rFresh.SetOutputOverlay(sOutput.vPixels.data(), sOutput.nWidth, sOutput.nHeight, 0, {});
     // The first frame brings the view's own position; ours comes after it.
     const auto DrawFrame = [&] {
         return rFresh.SetTexture(&m_sGiven.pFrame->sImage, m_sGiven.bGain, m_sGiven.pQP.get(), 1) &&
@@ -204,9 +217,11 @@ void CStatePlayer::Compare()
 {
     ++m_nCompared;
     int nWidth = 0;
+    int nHeight = 0;
     const std::vector<unsigned char> vOurs = PictureOf(m_oDewarper, nWidth);
     CCustomGPUDewarperOffscreen oFresh;
-    if (!BringIntoState(oFresh)) {
+    m_oDewarper.GetTargetWidthHeight(nWidth, nHeight);
+    if (!oFresh.InitGL(nWidth, nHeight) || !oFresh.StartGL() || !BringIntoState(oFresh)) {
         Fail("a fresh dewarper does not draw the frame: " + StateWords());
         return;
     }
@@ -220,6 +235,15 @@ void CStatePlayer::Compare()
                            oFresh.sMainShader.strFragmentShader == m_oDewarper.sMainShader.strFragmentShader;
     oFresh.StopGL();
     TakeGLErrors();
+    ComparePictures(vOurs, vTheirs, nWidth, strFresh);
+    if (!bSameText)
+        Fail("the program differs from a fresh one's, the picture does not: " + StateWords() + strFresh);
+}
+
+void CStatePlayer::ComparePictures(const std::vector<unsigned char>& vOurs,
+                                   const std::vector<unsigned char>& vTheirs, int nWidth,
+                                   const std::string& strFresh)
+{
     if (vOurs.size() != vTheirs.size())
         return Fail("the pictures differ in size: " + StateWords());
     int nDiffering = 0;
@@ -233,6 +257,37 @@ void CStatePlayer::Compare()
              std::to_string(vOurs.size() / 4) + " pixels, first at " +
              std::to_string(nFirst % static_cast<std::size_t>(nWidth)) + ", " +
              std::to_string(nFirst / static_cast<std::size_t>(nWidth)) + ": " + StateWords() + strFresh);
-    else if (!bSameText)
-        Fail("the program differs from a fresh one's, the picture does not: " + StateWords() + strFresh);
+}
+
+/// What getters of both engines say.
+void CStatePlayer::CompareAnswers()
+{
+    const auto Same = [&](auto fAsk) {
+        float afGL[3] = {};
+        float afProcessor[3] = {};
+        fAsk(m_oDewarper, afGL);
+        fAsk(*m_pProcessor, afProcessor);
+        return std::equal(afGL, afGL + 3, afProcessor);
+    };
+    if (!Same([](auto& d, float* p) { d.GetPTZ(p[0], p[1], p[2]); }) ||
+        !Same([](auto& d, float* p) { d.GetPTZAnalog(p[0], p[1], p[2]); }) ||
+        !Same([](auto& d, float* p) { p[0] = static_cast<float>(d.GetLensInForce()); }) ||
+        !Same([](auto& d, float* p) { p[0] = d.IsDrawRequired() ? 1.0f : 0.0f; }))
+        Fail("the engines answer differently: " + StateWords());
+}
+
+void CStatePlayer::CompareProcessor()
+{
+    ++m_nCompared;
+    CompareAnswers();
+    int nWidth = 0;
+    int nHeight = 0;
+    m_oDewarper.GetTargetWidthHeight(nWidth, nHeight);
+    const std::unique_ptr<CDewarper> pFresh = CreateDewarper(ENGINE_CPU, nWidth, nHeight);
+    if (pFresh == nullptr || !BringIntoState(*pFresh))
+        return Fail("a fresh dewarper does not draw the frame: " + StateWords());
+    const std::vector<unsigned char> vTheirs = PictureOf(*pFresh, nWidth);
+    ComparePictures(PictureOf(*m_pProcessor, nWidth), vTheirs, nWidth, "");
+    if (m_fLook && m_strFault.empty())
+        m_fLook(*this);
 }

@@ -1,12 +1,17 @@
 /// \file
-/// Plays calls to a dewarper, and holds its pictures against those of a fresh one in the same state.
+/// Plays calls to a dewarper, and holds its pictures against those of a fresh one in the same state; with the
+/// processor engine, to one of either engine.
 #pragma once
 
 #include "dewarp/offscreen/CustomGPUDewarperOffscreen.h"
 #include "tests/fuzz/FuzzScene.h"
 
+#include "dewarp/Dewarper.h"
+
+#include <functional>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 /// RGBA pixels of an overlay; no size: there is none.
@@ -47,11 +52,13 @@ struct SStateCall
     std::shared_ptr<const void> pArguments;
 };
 
-/// A started dewarper with a small target, what it was given, and the first fault it showed.
+/// A started dewarper with a small target, what it was given, and the first fault it showed. With ENGINE_CPU
+/// one of the processor engine is given the same: its pictures are compared then, and it has to answer as the
+/// other one does, which tells what is in force. GL is not stopped in the middle then.
 class CStatePlayer
 {
 public:
-    CStatePlayer();
+    explicit CStatePlayer(EDewarpEngine eEngine = ENGINE_GL);
     CStatePlayer(const CStatePlayer&) = delete;
     CStatePlayer& operator=(const CStatePlayer&) = delete;
 
@@ -60,8 +67,29 @@ public:
     /// Frames compared so far.
     int Compared() const { return m_nCompared; }
 
+    /// Who looks at frames that are compared, beside the comparison with a fresh dewarper.
+    void SetLook(std::function<void(CStatePlayer&)> fLook) { m_fLook = std::move(fLook); }
+
     // For the calls.
     CCustomGPUDewarperOffscreen& Dewarper() { return m_oDewarper; }
+    /// The processor engine's; null without.
+    CDewarper* Processor() { return m_pProcessor.get(); }
+    /// An operation of each dewarper there is; gives what GL's gives.
+    template <class F>
+    auto With(F fCall)
+    {
+        if constexpr (std::is_void_v<decltype(fCall(m_oDewarper))>) {
+            if (m_pProcessor != nullptr)
+                fCall(*m_pProcessor);
+            fCall(m_oDewarper);
+        } else {
+            const auto Result = fCall(m_oDewarper);
+            if (m_pProcessor != nullptr && fCall(*m_pProcessor) != Result)
+                Fail("the engines answer differently");
+            return Result;
+        }
+    }
+    void SetTarget(int nWidth, int nHeight);
     SGiven& Given() { return m_sGiven; }
     bool IsStarted() const { return m_bStarted; }
     /// Hands a frame over; a good one must be taken, a bad one refused.
@@ -78,10 +106,17 @@ public:
 private:
     void FollowMasks();
     void Compare();
-    bool BringIntoState(CCustomGPUDewarperOffscreen& rFresh);
+    void CompareProcessor();
+    void CompareAnswers();
+    void ComparePictures(const std::vector<unsigned char>& vOurs, const std::vector<unsigned char>& vTheirs,
+                         int nWidth, const std::string& strFresh);
+    template <class D>
+    bool BringIntoState(D& rFresh);
     std::string StateWords();
 
     CCustomGPUDewarperOffscreen m_oDewarper;
+    std::unique_ptr<CDewarper> m_pProcessor;
+    std::function<void(CStatePlayer&)> m_fLook;
     SGiven m_sGiven;
     std::string m_strFault;
     bool m_bStarted = false;
