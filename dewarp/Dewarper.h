@@ -119,9 +119,6 @@ public:
     /// log line.
     virtual void SetThreadCount(int nThreads) = 0;
     virtual int GetThreadCount() = 0;
-    /// True computes what a pixel shows from the view's rule itself instead of its mesh.
-    virtual void SetExactGeometry(bool bExact) = 0;
-    virtual bool GetExactGeometry() = 0;
 
     /// Size of the pictures, as InitTarget has taken it; 0 and 0 and false before.
     virtual bool GetTargetSize(int& nWidth, int& nHeight);

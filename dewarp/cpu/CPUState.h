@@ -49,7 +49,6 @@ struct CCustomCPUDewarper::SState
     int nTargetWidth = 0;
     int nTargetHeight = 0;
     int nThreads = 0; ///< as asked for
-    bool bExact = false;
 
     SImageProperties sImage;
     SQPInfo sQP;

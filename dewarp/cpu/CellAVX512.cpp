@@ -3,7 +3,7 @@
 
 #include "dewarp/cpu/CellTargets.h"
 
-#if defined(__x86_64__)
+#if defined(__AVX512VBMI__)
 
 #include <immintrin.h>
 

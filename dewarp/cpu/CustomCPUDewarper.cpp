@@ -276,16 +276,3 @@ int CCustomCPUDewarper::GetThreadCount()
     const CCPULock oLock(pState->oMutex);
     return pState->nThreads;
 }
-
-void CCustomCPUDewarper::SetExactGeometry(bool bExact)
-{
-    const CCPULock oLock(pState->oMutex);
-    pState->bExact = bExact;
-    pState->RequestFrame();
-}
-
-bool CCustomCPUDewarper::GetExactGeometry()
-{
-    const CCPULock oLock(pState->oMutex);
-    return pState->bExact;
-}

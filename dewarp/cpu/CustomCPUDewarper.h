@@ -75,9 +75,6 @@ public:
     SPTZLimits GetViewLimits(EViewType eView, EMountType eMount) override;
     void SetThreadCount(int nThreads) override;
     int GetThreadCount() override;
-    void SetExactGeometry(bool bExact) override;
-    bool GetExactGeometry() override;
-    bool GetTargetSize(int& nWidth, int& nHeight) override;
     using CDewarper::DrawTo;
 
 private:

@@ -38,7 +38,6 @@ struct CGLDewarper::SState
     bool bStarted = false;
     std::string strRenderer;
     int nThreads = 0;
-    bool bExactGeometry = false;
 
     bool Start()
     {
@@ -137,18 +136,6 @@ int CGLDewarper::GetThreadCount()
 {
     CLockScope oScope(pState->oEngine);
     return pState->nThreads;
-}
-
-void CGLDewarper::SetExactGeometry(bool bExact)
-{
-    CLockScope oScope(pState->oEngine);
-    pState->bExactGeometry = bExact;
-}
-
-bool CGLDewarper::GetExactGeometry()
-{
-    CLockScope oScope(pState->oEngine);
-    return pState->bExactGeometry;
 }
 
 bool CGLDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInfo* pQP,

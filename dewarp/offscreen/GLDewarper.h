@@ -73,8 +73,6 @@ public:
     SPTZLimits GetViewLimits(EViewType eView, EMountType eMount) override;
     void SetThreadCount(int nThreads) override;
     int GetThreadCount() override;
-    void SetExactGeometry(bool bExact) override;
-    bool GetExactGeometry() override;
     using CDewarper::DrawTo;
 
     /// What the driver calls its renderer; empty before InitTarget.

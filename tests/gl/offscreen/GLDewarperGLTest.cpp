@@ -285,11 +285,8 @@ TEST(GLDewarper, KeepsWhatTheProcessorEngineHas)
     const std::unique_ptr<CDewarper> pDewarper = Make();
     ASSERT_NE(pDewarper, nullptr);
     EXPECT_EQ(pDewarper->GetThreadCount(), 0);
-    EXPECT_FALSE(pDewarper->GetExactGeometry());
     pDewarper->SetThreadCount(3);
-    pDewarper->SetExactGeometry(true);
     EXPECT_EQ(pDewarper->GetThreadCount(), 3);
-    EXPECT_TRUE(pDewarper->GetExactGeometry());
     const CLogCapture oLog;
     pDewarper->SetThreadCount(-2);
     EXPECT_EQ(pDewarper->GetThreadCount(), 3);
