@@ -33,10 +33,10 @@ if(NOT ANDROID)
 endif()
 
 if(LUMOR_BUILD_TOOLS)
-    # The tool finds the library beside its own folder, and what it loads in a folder there, wherever all are moved to.
+    # The tool finds the library beside its own folder, and what it loads in a folder there (tools/), wherever all are
+    # moved to.
     file(RELATIVE_PATH sToLibrary ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(lumor-dewarp PROPERTIES
-        INSTALL_RPATH "$ORIGIN/${sToLibrary};$ORIGIN/${sToLibrary}/lumor_dewarp")
+    set_target_properties(lumor-dewarp PROPERTIES INSTALL_RPATH "$ORIGIN/${sToLibrary}")
     install(TARGETS lumor-dewarp RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     if(TARGET lumor_dewarp_buffers)
         set_target_properties(lumor_dewarp_buffers PROPERTIES INSTALL_RPATH "$ORIGIN/..")
