@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs FFmpeg's, OpenCV's and GStreamer's packages where they are missing (as root), builds the comparison
 # and runs it: bench/peers/run.sh [--rounds N] [--patience SECONDS] [--threads N] [--only TEXT] [--json FILE]
-# LUMOR_CPU_TARGET=plain|sse4|avx2|avx512 in the environment chooses the processor engine's instructions; without it the
+# LUMOR_CPU_TARGET=plain|baseline|AVX2|AVX-512 in the environment chooses the processor engine's instructions; without it the
 # best there are. The first line of the report tells which were taken.
 set -eu
 sHere=$PWD

@@ -12,15 +12,15 @@
 namespace
 {
 
-#include "dewarp/cpu/CellPlaces.h"
+#include "dewarp/cpu/CellPlaces.inc"
 
-#include "dewarp/cpu/CellFar.h"
+#include "dewarp/cpu/CellFar.inc"
 
-#include "dewarp/cpu/CellColours.h"
+#include "dewarp/cpu/CellColours.inc"
 
-#include "dewarp/cpu/CellNearPlaces.h"
+#include "dewarp/cpu/CellNearPlaces.inc"
 
-#include "dewarp/cpu/CellNear.h"
+#include "dewarp/cpu/CellNear.inc"
 
 inline SCellPoints Next(const SCellPoints& p, int nCell)
 {

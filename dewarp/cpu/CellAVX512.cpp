@@ -10,7 +10,7 @@
 namespace
 {
 
-#include "dewarp/cpu/CellPermute.h"
+#include "dewarp/cpu/CellPermute.inc"
 
 template <int STEP, bool LINEAR>
 inline void LumaCell(const SCellJob& rJob, const SCellPoints& rPoints, const SBlock& b, unsigned char* p,
