@@ -23,7 +23,8 @@ public:
         DescribeInput(rFrame);
         DescribeOutput();
         SetUp();
-        CEnginePeer::Frame();
+        for (int i = 0; i < rCase.nBuffers; ++i)
+            CEnginePeer::Frame(); // every piece of memory was written once
     }
 
     std::string Name() const override

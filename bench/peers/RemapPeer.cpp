@@ -44,7 +44,8 @@ public:
             AddPlane(oSize / 2, CV_8UC2, 2);
         }
         CRemapPeer::SetPan(PEER_FIRST_PAN);
-        CRemapPeer::Frame();
+        for (int i = 0; i < rCase.nBuffers; ++i)
+            CRemapPeer::Frame(); // every piece of memory was written once
     }
 
     std::string Name() const override { return "OpenCV"; }

@@ -53,7 +53,8 @@ public:
         BuildGraph(rFrame);
         if (rCase.eView == PEER_PANORAMA)
             CV360Peer::SetPan(PEER_FIRST_PAN);
-        CV360Peer::Frame();
+        for (int i = 0; i < rCase.nBuffers; ++i)
+            CV360Peer::Frame(); // every piece of memory was written once
     }
 
     std::string Name() const override { return m_bPixels ? "v360 + swscale" : "v360"; }
