@@ -22,6 +22,8 @@ namespace
 
 #include "dewarp/cpu/CellNear.inc"
 
+#include "dewarp/cpu/CellNearPacked.inc"
+
 inline SCellPoints Next(const SCellPoints& p, int nCell)
 {
     return {p.pFirst + nCell * (CELL_SIDE / p.nStep), p.nRow, p.nStep};
@@ -127,8 +129,14 @@ void PackedCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, u
                  std::ptrdiff_t nStride)
 {
     const SPackedOrders sOrders = OrdersOf(rJob);
+    const bool bNear = HasNearPixels(rJob);
     for (int n = 0; n < nCells; ++n) {
         const SCellPoints sPoints = Next(rPoints, n);
+        const SBlock<STEP> b(sPoints);
+        if (bNear && b.bNear) {
+            NearPackedCell(rJob, sOrders, b, pTarget + std::ptrdiff_t{n} * 32, nStride);
+            continue;
+        }
         // Three bytes a pixel are fetched by eight: not at the frame's very end.
         if (rJob.aPlanes[0].nPixelBytes == 3 && LowestRow(sPoints) >= (rJob.nFrameHeight - 2)
                                                                           << POSITION_BITS)
