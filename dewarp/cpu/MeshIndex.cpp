@@ -44,6 +44,7 @@ void CMeshIndex::Build(const CCustomGPUGeometry& rGeometry, bool bFan)
         TakeValues(rGeometry);
         return;
     }
+    m_bWhole = false;
     vTriangles.clear();
     vBorders.clear();
     m_bFan = bFan;
@@ -51,13 +52,14 @@ void CMeshIndex::Build(const CCustomGPUGeometry& rGeometry, bool bFan)
     TakeValues(rGeometry);
     ListTriangles(bFan);
     FindBorders();
+    m_bWhole = true;
 }
 
 /// Vertices that differ now were one before? Then the mesh is another. Vertices that were two before and
 /// agree now may stay two.
 bool CMeshIndex::HasSameTopology(const CCustomGPUGeometry& rGeometry, int nVertices) const
 {
-    if (vTriangles.empty() || m_vMerged.size() != static_cast<std::size_t>(nVertices))
+    if (!m_bWhole || m_vMerged.size() != static_cast<std::size_t>(nVertices))
         return false;
     for (std::size_t n = 0; n < m_vMerged.size(); ++n) {
         const std::size_t nFirst = m_vFirst[m_vMerged[n]];

@@ -10,7 +10,7 @@ class CCustomGPUGeometry;
 /// Vertices that agree in position and texture coordinate are one. A border is an edge that belongs to one
 /// triangle only: the mesh ends there, or goes on with other texture coordinates.
 /// Owns: its arrays; they grow, never shrink. Thread: any, serialised by the host. Fails: Build throws for
-/// lack of memory, and leaves a mesh without triangles then.
+/// lack of memory; what there is then is no mesh until another one is built.
 class CMeshIndex
 {
 public:
@@ -37,4 +37,5 @@ private:
     std::vector<std::uint32_t> m_vTable;  ///< scratch: hash table
     std::vector<std::uint64_t> m_vEdges;  ///< scratch
     bool m_bFan = false;
+    bool m_bWhole = false; ///< the last one was built to its end
 };
