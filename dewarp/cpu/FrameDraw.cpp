@@ -98,7 +98,6 @@ CFrameDraw::CFrameDraw(const SFrameJob& rJob)
 
 void CFrameDraw::Clear(const SGRect& rRect) const
 {
-    const SFrameTarget& t = m_rJob.sTarget;
     const std::size_t nWidth = static_cast<std::size_t>(rRect.width);
     for (int y = rRect.y; y < rRect.y + rRect.height; ++y) {
         if (!m_bYUV)
@@ -106,9 +105,14 @@ void CFrameDraw::Clear(const SGRect& rRect) const
         else
             std::memset(Row(m_rJob, 0, y) + rRect.x, m_nBlack, nWidth);
     }
-    if (!m_bYUV)
-        return;
     // Places that are shared with a part are drawn over by it later.
+    if (m_bYUV)
+        ClearChroma(rRect);
+}
+
+void CFrameDraw::ClearChroma(const SGRect& rRect) const
+{
+    const SFrameTarget& t = m_rJob.sTarget;
     const int nFirst = rRect.x / 2;
     const std::size_t nPlaces = static_cast<std::size_t>((rRect.x + rRect.width + 1) / 2 - nFirst);
     for (int y = rRect.y / 2; y < (rRect.y + rRect.height + 1) / 2; ++y) {
@@ -183,6 +187,10 @@ void CFrameDraw::DrawRun(const SPartGrid& rGrid, int nRow, int nCol, int nCells)
     k.pLuma(m_rCells, sPoints, nCells, Row(m_rJob, 0, y) + x, t.anStrides[0]);
     unsigned char* const apTargets[2] = {Row(m_rJob, 1, y / 2) + (bNV ? x : x / 2),
                                          bNV ? nullptr : Row(m_rJob, 2, y / 2) + x / 2};
+    if (m_rCells.eSource == SOURCE_GRAY) {
+        ClearChroma({x, y, nCells * CELL_SIDE, CELL_SIDE});
+        return;
+    }
     const std::ptrdiff_t anStrides[2] = {t.anStrides[1], t.anStrides[2]};
     k.pChroma(m_rCells, sPoints, nCells, apTargets, anStrides);
 }
@@ -204,7 +212,10 @@ bool CFrameDraw::DrawByKernel(const SSpan& rSpan, const SCellPoints& rPoints) co
     unsigned char* const apTargets[2] = {anChroma[0], nullptr};
     const std::ptrdiff_t anStrides[2] = {CELL_SIDE, 0};
     k.pLuma(m_rCells, rPoints, 1, anLuma, CELL_SIDE);
-    k.pChroma(m_rCells, rPoints, 1, apTargets, anStrides);
+    if (m_rCells.eSource == SOURCE_GRAY)
+        std::memset(anChroma, NEUTRAL, sizeof anChroma);
+    else
+        k.pChroma(m_rCells, rPoints, 1, apTargets, anStrides);
     PutLuma(rSpan, anLuma);
     PutChroma(rSpan, anChroma);
     return true;

@@ -34,6 +34,7 @@ private:
     struct SSpan; ///< the pixels of one cell that lie inside its part
 
     bool IsYUV() const { return m_bYUV; }
+    void ClearChroma(const SGRect& rRect) const;
     void DrawRun(const SPartGrid& rGrid, int nRow, int nCol, int nCells) const;
     void DrawCell(const SPartGrid& rGrid, int nRow, int nCol, const SExactCell* pExact) const;
     void DrawPixels(const SSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const;

@@ -186,24 +186,23 @@ static void CopySettings(CCustomGPUDewarperOffscreen& rFrom, D& rTo)
     rTo.SetYUVLevels(nLumaMin, nLumaMax, nChromaMin);
 }
 
-/// True when the fresh dewarper has drawn the frame in force.
 template <class D>
-bool CStatePlayer::BringIntoState(D& rFresh)
+bool CStatePlayer::DrawFresh(D& rFresh, const SGiven& rGiven)
 {
     CopySettings(m_oDewarper, rFresh);
-    rFresh.SetYUVparams(m_sGiven.eSpace, m_sGiven.eRange);
-    rFresh.SetStrings(m_sGiven.vStrings);
-    if (!m_sGiven.vMasks.empty())
-        rFresh.SetMaskPolygons(m_sGiven.vMasks);
-    SOverlayImage sInput = m_sGiven.sInput;
+    rFresh.SetYUVparams(rGiven.eSpace, rGiven.eRange);
+    rFresh.SetStrings(rGiven.vStrings);
+    if (!rGiven.vMasks.empty())
+        rFresh.SetMaskPolygons(rGiven.vMasks);
+    SOverlayImage sInput = rGiven.sInput;
     if (sInput.IsThere())
         rFresh.SetInputOverlay(sInput.vPixels.data(), sInput.nWidth, sInput.nHeight, 0);
-    SOverlayImage sOutput = m_sGiven.sOutput;
+    SOverlayImage sOutput = rGiven.sOutput;
     if (sOutput.IsThere())
         rFresh.SetOutputOverlay(sOutput.vPixels.data(), sOutput.nWidth, sOutput.nHeight, 0, {});
     // The first frame brings the view's own position; ours comes after it.
     const auto DrawFrame = [&] {
-        return rFresh.SetTexture(&m_sGiven.pFrame->sImage, m_sGiven.bGain, m_sGiven.pQP.get(), 1) &&
+        return rFresh.SetTexture(&rGiven.pFrame->sImage, rGiven.bGain, rGiven.pQP.get(), 1) &&
                rFresh.DrawGLScene(false);
     };
     if (!DrawFrame())
@@ -213,6 +212,9 @@ bool CStatePlayer::BringIntoState(D& rFresh)
     return DrawFrame();
 }
 
+template bool CStatePlayer::DrawFresh(CCustomGPUDewarperOffscreen& rFresh, const SGiven& rGiven);
+template bool CStatePlayer::DrawFresh(CDewarper& rFresh, const SGiven& rGiven);
+
 void CStatePlayer::Compare()
 {
     ++m_nCompared;
@@ -221,7 +223,7 @@ void CStatePlayer::Compare()
     const std::vector<unsigned char> vOurs = PictureOf(m_oDewarper, nWidth);
     CCustomGPUDewarperOffscreen oFresh;
     m_oDewarper.GetTargetWidthHeight(nWidth, nHeight);
-    if (!oFresh.InitGL(nWidth, nHeight) || !oFresh.StartGL() || !BringIntoState(oFresh)) {
+    if (!oFresh.InitGL(nWidth, nHeight) || !oFresh.StartGL() || !DrawFresh(oFresh, m_sGiven)) {
         Fail("a fresh dewarper does not draw the frame: " + StateWords());
         return;
     }
@@ -284,7 +286,7 @@ void CStatePlayer::CompareProcessor()
     int nHeight = 0;
     m_oDewarper.GetTargetWidthHeight(nWidth, nHeight);
     const std::unique_ptr<CDewarper> pFresh = CreateDewarper(ENGINE_CPU, nWidth, nHeight);
-    if (pFresh == nullptr || !BringIntoState(*pFresh))
+    if (pFresh == nullptr || !DrawFresh(*pFresh, m_sGiven))
         return Fail("a fresh dewarper does not draw the frame: " + StateWords());
     const std::vector<unsigned char> vTheirs = PictureOf(*pFresh, nWidth);
     ComparePictures(PictureOf(*m_pProcessor, nWidth), vTheirs, nWidth, "");

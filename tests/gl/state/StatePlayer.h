@@ -90,6 +90,12 @@ public:
         }
     }
     void SetTarget(int nWidth, int nHeight);
+    /// Brings a fresh dewarper, started and with the target's size, into the state in force but for what is
+    /// given; true when it has drawn the frame.
+    template <class D>
+    bool DrawFresh(D& rFresh, const SGiven& rGiven);
+    /// The state in force in words.
+    std::string StateWords();
     SGiven& Given() { return m_sGiven; }
     bool IsStarted() const { return m_bStarted; }
     /// Hands a frame over; a good one must be taken, a bad one refused.
@@ -110,9 +116,6 @@ private:
     void CompareAnswers();
     void ComparePictures(const std::vector<unsigned char>& vOurs, const std::vector<unsigned char>& vTheirs,
                          int nWidth, const std::string& strFresh);
-    template <class D>
-    bool BringIntoState(D& rFresh);
-    std::string StateWords();
 
     CCustomGPUDewarperOffscreen m_oDewarper;
     std::unique_ptr<CDewarper> m_pProcessor;
