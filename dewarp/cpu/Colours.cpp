@@ -134,7 +134,7 @@ SYUV FullYUV(const SFrameColours& rColours, const SGridPoint& rPoint)
 
 std::uint32_t Byte(float fValue)
 {
-    return static_cast<std::uint32_t>(std::clamp(fValue, 0.0f, 1.0f) * 255.0f + 0.5f);
+    return static_cast<std::uint32_t>(std::lround(std::clamp(fValue, 0.0f, 1.0f) * 255.0f));
 }
 
 std::uint32_t ToPixel(const SYUV& s, const SColourMatrix& m)

@@ -87,7 +87,7 @@ ELayerClass COverlayImage::Classify(int x0, int y0, int x1, int y1, std::uint32_
 
 void COverlayImage::Read(int x0, int y0, int x1, int y1, std::uint32_t* pTexels) const
 {
-    const auto nWidth = static_cast<std::size_t>(x1 - x0 + 1);
+    const auto nWidth = static_cast<std::size_t>(x1) - static_cast<std::size_t>(x0) + 1;
     for (int y = y0; y <= y1; ++y, pTexels += nWidth)
         std::memcpy(pTexels, Texel(x0, y), nWidth * 4);
 }

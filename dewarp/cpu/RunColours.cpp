@@ -13,7 +13,7 @@ const float CHROMA_MIDDLE = 127.5f;
 
 unsigned char ToByte(float f)
 {
-    return static_cast<unsigned char>(std::clamp(f, 0.0f, 255.0f) + 0.5f);
+    return static_cast<unsigned char>(std::lround(std::clamp(f, 0.0f, 255.0f)));
 }
 
 } // namespace

@@ -68,8 +68,8 @@ void CRunLayer::Begin(const SLayerFormat& rFormat)
     m_vV.clear();
     m_vChromaAlpha.clear();
     for (int i = 0; i < 2; ++i) {
-        m_asSource[i].Clear();
-        m_avSource[i].clear();
+        m_asSource[static_cast<std::size_t>(i)].Clear();
+        m_avSource[static_cast<std::size_t>(i)].clear();
     }
     m_nSourcePair = -1;
 }
@@ -106,7 +106,7 @@ void CRunLayer::AddRun(int y, int x, int nPixels, std::uint32_t nRGBA)
         return;
     if (m_sFormat.bYUV) {
         SRunRows& rSource = SourceRow(y);
-        std::vector<std::uint32_t>& rValues = m_avSource[y & 1];
+        std::vector<std::uint32_t>& rValues = m_avSource[static_cast<std::size_t>(y & 1)];
         rSource.Add(y, x, nPixels, rValues.size(), true);
         rValues.push_back(nRGBA);
     }
@@ -125,7 +125,7 @@ void CRunLayer::AddPixels(int y, int x, const std::uint32_t* pRGBA, int nPixels)
 {
     if (m_sFormat.bYUV) {
         SRunRows& rSource = SourceRow(y);
-        std::vector<std::uint32_t>& rValues = m_avSource[y & 1];
+        std::vector<std::uint32_t>& rValues = m_avSource[static_cast<std::size_t>(y & 1)];
         rSource.Add(y, x, nPixels, rValues.size(), false);
         rValues.insert(rValues.end(), pRGBA, pRGBA + nPixels);
     }
@@ -163,7 +163,7 @@ SRunRows& CRunLayer::SourceRow(int y)
         AddChroma();
         m_nSourcePair = y / 2;
     }
-    return m_asSource[y & 1];
+    return m_asSource[static_cast<std::size_t>(y & 1)];
 }
 
 void CRunLayer::Finish()
@@ -176,8 +176,9 @@ void CRunLayer::AddChroma()
     SCursor asRows[2];
     int nFirst = std::numeric_limits<int>::max();
     for (int i = 0; i < 2; ++i) {
-        const std::vector<SLayerRun>& rRuns = m_asSource[i].vRuns;
-        asRows[i] = {rRuns.data(), rRuns.data() + rRuns.size(), m_avSource[i].data()};
+        const std::vector<SLayerRun>& rRuns = m_asSource[static_cast<std::size_t>(i)].vRuns;
+        asRows[i] = {rRuns.data(), rRuns.data() + rRuns.size(),
+                     m_avSource[static_cast<std::size_t>(i)].data()};
         if (!rRuns.empty())
             nFirst = std::min(nFirst, rRuns[0].x);
     }
@@ -198,8 +199,8 @@ void CRunLayer::AddChroma()
         x += 2 * nPlaces;
     }
     for (int i = 0; i < 2; ++i) {
-        m_asSource[i].Clear();
-        m_avSource[i].clear();
+        m_asSource[static_cast<std::size_t>(i)].Clear();
+        m_avSource[static_cast<std::size_t>(i)].clear();
     }
 }
 

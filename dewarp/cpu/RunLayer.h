@@ -6,6 +6,7 @@
 #include "dewarp/cpu/RunColours.h"
 #include "dewarp/cpu/RunRows.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -66,7 +67,7 @@ private:
     std::vector<unsigned char> m_vV;
     std::vector<unsigned char> m_vChromaAlpha;
     // While rows are added: the two that share chroma, as they came.
-    SRunRows m_asSource[2];
-    std::vector<std::uint32_t> m_avSource[2];
+    std::array<SRunRows, 2> m_asSource;
+    std::array<std::vector<std::uint32_t>, 2> m_avSource;
     int m_nSourcePair = -1;
 };

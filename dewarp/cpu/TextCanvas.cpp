@@ -3,6 +3,7 @@
 #include "dewarp/tables/GPUFont.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace
@@ -24,7 +25,7 @@ STextColour FromPixel(std::uint32_t n)
 
 std::uint32_t ToByte(float f)
 {
-    return static_cast<std::uint32_t>(f * 255.0f + 0.5f);
+    return static_cast<std::uint32_t>(std::lround(f * 255.0f));
 }
 
 /// A sample over what is there, by the higher of their alphas; 8 bits a channel.
