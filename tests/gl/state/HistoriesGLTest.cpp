@@ -1,5 +1,6 @@
 // Histories that once left their mark on a picture, as short as they can be.
 #include "tests/gl/state/StateCalls.h"
+#include "tests/support/EngineDewarper.h"
 #include "tests/support/LogCapture.h"
 
 #include "tests/fuzz/GLWatch.h"
@@ -9,9 +10,16 @@
 #include <gtest/gtest.h>
 
 /// A dewarper with a frame, and calls to it in a row.
-class CHistory : public testing::Test
+class CHistory : public CEngineTest
 {
 protected:
+    /// An operation of the dewarper.
+    template <class F>
+    auto D(F fCall)
+    {
+        return m_oPlayer.With(fCall);
+    }
+
     CHistory() { UseFrame(100); }
     ~CHistory() override
     {
@@ -33,8 +41,8 @@ protected:
     void Draw() { m_oPlayer.Draw(false); }
     void Show(EViewType eView, EMountType eMount)
     {
-        D().SetViewType(eView);
-        D().SetMountType(eMount);
+        D([&](auto& d) { return d.SetViewType(eView); });
+        D([&](auto& d) { return d.SetMountType(eMount); });
         Draw();
     }
     void Restart()
@@ -43,7 +51,6 @@ protected:
         m_oPlayer.Start();
         Frame();
     }
-    CCustomGPUDewarperOffscreen& D() { return m_oPlayer.Dewarper(); }
     /// The fault of all calls and of a last frame, which is compared; empty: none.
     std::string Fault()
     {
@@ -52,218 +59,220 @@ protected:
     }
 
     CLogCapture m_oLog;
-    CStatePlayer m_oPlayer;
+    CStatePlayer m_oPlayer{GetParam()};
     SStateCall m_sFrame;
     std::string m_strFault;
 };
 
 using Histories = CHistory;
 
-TEST_F(Histories, AWallPanoramaFollowsAMountTiltThatChangedBehindAnotherView)
+TEST_P(Histories, AWallPanoramaFollowsAMountTiltThatChangedBehindAnotherView)
 {
     Show(VIEW_PANORAMA_FULL, MOUNT_WALL);
     Show(VIEW_FISHEYE, MOUNT_WALL);
-    D().SetMountTilt(20.0f);
+    D([&](auto& d) { return d.SetMountTilt(20.0f); });
     Draw();
-    D().SetViewType(VIEW_PANORAMA_FULL);
+    D([&](auto& d) { return d.SetViewType(VIEW_PANORAMA_FULL); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AWallPanoramaFollowsAMountTiltThatChangedOverARestart)
+TEST_P(Histories, AWallPanoramaFollowsAMountTiltThatChangedOverARestart)
 {
-    D().SetMountTilt(20.0f);
+    D([&](auto& d) { return d.SetMountTilt(20.0f); });
     Show(VIEW_PANORAMA_FULL, MOUNT_WALL);
     Restart();
     Draw();
     Show(VIEW_FISHEYE, MOUNT_WALL);
-    D().SetMountTilt(-10.0f);
+    D([&](auto& d) { return d.SetMountTilt(-10.0f); });
     Restart();
     Draw();
-    D().SetViewType(VIEW_PANORAMA_FULL);
+    D([&](auto& d) { return d.SetViewType(VIEW_PANORAMA_FULL); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AWallPanoramaIsRolledAfterARestartAsItWasBefore)
+TEST_P(Histories, AWallPanoramaIsRolledAfterARestartAsItWasBefore)
 {
     Show(VIEW_PANORAMA_FULL, MOUNT_WALL);
-    D().AbsolutePTZ(40.0f, 0.0f, 180.0f);
+    D([&](auto& d) { return d.AbsolutePTZ(40.0f, 0.0f, 180.0f); });
     Draw();
     Restart();
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AWallPanoramaIsRolledAfterItsObjectsWereFreedAsItsPositionSays)
+TEST_P(Histories, AWallPanoramaIsRolledAfterItsObjectsWereFreedAsItsPositionSays)
 {
     Show(VIEW_PANORAMA_FULL, MOUNT_WALL);
-    D().AbsolutePTZ(40.0f, 0.0f, 180.0f);
+    D([&](auto& d) { return d.AbsolutePTZ(40.0f, 0.0f, 180.0f); });
     Draw();
     m_oPlayer.FreeObjects(false);
     Frame();
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AWallPanoramaFollowsAPanThatChangedBehindAnotherView)
+TEST_P(Histories, AWallPanoramaFollowsAPanThatChangedBehindAnotherView)
 {
     Show(VIEW_PANORAMA_FULL, MOUNT_WALL);
-    D().AbsolutePTZ(40.0f, 0.0f, 180.0f);
+    D([&](auto& d) { return d.AbsolutePTZ(40.0f, 0.0f, 180.0f); });
     Draw();
     Show(VIEW_FISHEYE, MOUNT_WALL);
-    D().SetViewType(VIEW_PANORAMA_FULL);
+    D([&](auto& d) { return d.SetViewType(VIEW_PANORAMA_FULL); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AWallPanoramaFollowsStrictLimitsThatChangedBehindAnotherView)
+TEST_P(Histories, AWallPanoramaFollowsStrictLimitsThatChangedBehindAnotherView)
 {
-    D().SetMountTilt(20.0f);
+    D([&](auto& d) { return d.SetMountTilt(20.0f); });
     Show(VIEW_PANORAMA_FULL, MOUNT_WALL);
     Show(VIEW_FISHEYE, MOUNT_WALL);
-    D().SetStrictTiltLimits(false);
+    D([&](auto& d) { return d.SetStrictTiltLimits(false); });
     Draw();
-    D().SetViewType(VIEW_PANORAMA_FULL);
+    D([&](auto& d) { return d.SetViewType(VIEW_PANORAMA_FULL); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AWallPanoramaFollowsStrictLimitsThatChangedWithAnotherMount)
+TEST_P(Histories, AWallPanoramaFollowsStrictLimitsThatChangedWithAnotherMount)
 {
-    D().SetMountTilt(20.0f);
+    D([&](auto& d) { return d.SetMountTilt(20.0f); });
     Show(VIEW_PANORAMA_HALF, MOUNT_WALL);
     Show(VIEW_PANORAMA_HALF, MOUNT_CEILING);
-    D().SetStrictTiltLimits(false);
+    D([&](auto& d) { return d.SetStrictTiltLimits(false); });
     Draw();
-    D().SetMountType(MOUNT_WALL);
+    D([&](auto& d) { return d.SetMountType(MOUNT_WALL); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AFlatViewKeepsAllRowsAfterAPanoramaOfAWideLens)
+TEST_P(Histories, AFlatViewKeepsAllRowsAfterAPanoramaOfAWideLens)
 {
     UseFrame(0);
-    D().SetLensType(LENS_DSL215);
+    D([&](auto& d) { return d.SetLensType(LENS_DSL215); });
     Show(VIEW_PANORAMA_FULL, MOUNT_CEILING);
-    D().SetViewType(VIEW_FISHEYE_CIRCULAR);
+    D([&](auto& d) { return d.SetViewType(VIEW_FISHEYE_CIRCULAR); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, ACameraKeepsAllRowsAfterAPanoramaOfAWideLens)
+TEST_P(Histories, ACameraKeepsAllRowsAfterAPanoramaOfAWideLens)
 {
     UseFrame(2);
-    D().SetLensType(LENS_DSL239);
+    D([&](auto& d) { return d.SetLensType(LENS_DSL239); });
     Show(VIEW_PANORAMA_DUAL, MOUNT_CEILING);
-    D().SetViewType(VIEW_VCAM);
+    D([&](auto& d) { return d.SetViewType(VIEW_VCAM); });
     Draw();
-    D().AbsolutePTZ(90.0f, 90.0f, 120.0f);
+    D([&](auto& d) { return d.AbsolutePTZ(90.0f, 90.0f, 120.0f); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AWideLensKeepsToTheFrameInAPanoramaThatShowedAnotherLens)
+TEST_P(Histories, AWideLensKeepsToTheFrameInAPanoramaThatShowedAnotherLens)
 {
     UseFrame(0);
-    D().SetLensType(LENS_DSL419);
+    D([&](auto& d) { return d.SetLensType(LENS_DSL419); });
     Show(VIEW_PANORAMA_FULL, MOUNT_CEILING);
-    D().SetLensType(LENS_DSL215);
+    D([&](auto& d) { return d.SetLensType(LENS_DSL215); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AFlatViewHasNoDepthLimitAfterAnInclinedWallPanorama)
+TEST_P(Histories, AFlatViewHasNoDepthLimitAfterAnInclinedWallPanorama)
 {
-    D().SetMountTilt(20.0f);
+    D([&](auto& d) { return d.SetMountTilt(20.0f); });
     Show(VIEW_PANORAMA_FULL, MOUNT_WALL);
     Show(VIEW_PANORAMA_FULL, MOUNT_CEILING);
-    D().SetViewType(VIEW_PANORAMA_DUAL);
+    D([&](auto& d) { return d.SetViewType(VIEW_PANORAMA_DUAL); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, APanoramaPannedBeyondItsRangeIsWhereItsPositionSays)
+TEST_P(Histories, APanoramaPannedBeyondItsRangeIsWhereItsPositionSays)
 {
     for (const float fPan : {180.0f, 200.0f, 400.0f, 540.0f, -540.0f, 1000.0f}) {
         Show(VIEW_PANORAMA_FULL, MOUNT_CEILING);
-        D().AbsolutePTZ(fPan, 0.0f, 180.0f);
+        D([&](auto& d) { return d.AbsolutePTZ(fPan, 0.0f, 180.0f); });
         EXPECT_EQ(Fault(), "") << fPan;
     }
 }
 
-TEST_F(Histories, ADualPanoramaPannedBeyondItsRangeIsWhereItsPositionSays)
+TEST_P(Histories, ADualPanoramaPannedBeyondItsRangeIsWhereItsPositionSays)
 {
     for (const float fPan : {180.0f, 200.0f, 400.0f, 540.0f, -540.0f, 1000.0f}) {
         Show(VIEW_PANORAMA_DUAL, MOUNT_CEILING);
-        D().AbsolutePTZ(fPan, 0.0f, 180.0f);
+        D([&](auto& d) { return d.AbsolutePTZ(fPan, 0.0f, 180.0f); });
         EXPECT_EQ(Fault(), "") << fPan;
     }
 }
 
-TEST_F(Histories, APositionThatIsNoNumberIsRefused)
+TEST_P(Histories, APositionThatIsNoNumberIsRefused)
 {
     Show(VIEW_VCAM, MOUNT_CEILING);
-    D().AbsolutePTZ(NAN, 20.0f, 90.0f);
+    D([&](auto& d) { return d.AbsolutePTZ(NAN, 20.0f, 90.0f); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AStepThatIsNoNumberIsRefused)
+TEST_P(Histories, AStepThatIsNoNumberIsRefused)
 {
     Show(VIEW_VCAM, MOUNT_CEILING);
-    D().RelativePTZ(INFINITY, 20.0f, 0.0f);
+    D([&](auto& d) { return d.RelativePTZ(INFINITY, 20.0f, 0.0f); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, ARefusedInputOverlayLeavesThePictureAlone)
+TEST_P(Histories, ARefusedInputOverlayLeavesThePictureAlone)
 {
     unsigned char anPixel[4] = {9, 9, 9, 255};
     Draw();
-    EXPECT_EQ(D().SetInputOverlay(anPixel, -1, 1, 0), 0);
+    EXPECT_EQ(D([&](auto& d) { return d.SetInputOverlay(anPixel, -1, 1, 0); }), 0);
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, ARefusedInputOverlayLeavesTheOverlayThereIs)
+TEST_P(Histories, ARefusedInputOverlayLeavesTheOverlayThereIs)
 {
     SOverlayImage sImage(16, 12, 3);
-    EXPECT_EQ(D().SetInputOverlay(sImage.vPixels.data(), 16, 12, 0), 1);
+    EXPECT_EQ(D([&](auto& d) { return d.SetInputOverlay(sImage.vPixels.data(), 16, 12, 0); }), 1);
     m_oPlayer.Given().sInput = sImage;
     Draw();
-    EXPECT_EQ(D().SetInputOverlay(sImage.vPixels.data(), 16385, 1, 0), 0);
+    EXPECT_EQ(D([&](auto& d) { return d.SetInputOverlay(sImage.vPixels.data(), 16385, 1, 0); }), 0);
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, ARefusedOutputOverlayLeavesTheOverlayThereIs)
+TEST_P(Histories, ARefusedOutputOverlayLeavesTheOverlayThereIs)
 {
     SOverlayImage sImage(16, 12, 3);
-    EXPECT_EQ(D().SetOutputOverlay(sImage.vPixels.data(), 16, 12, 0), 1);
+    EXPECT_EQ(D([&](auto& d) { return d.SetOutputOverlay(sImage.vPixels.data(), 16, 12, 0, {}); }), 1);
     m_oPlayer.Given().sOutput = sImage;
     Draw();
-    EXPECT_EQ(D().SetOutputOverlay(sImage.vPixels.data(), 16, 0, 0), 0);
+    EXPECT_EQ(D([&](auto& d) { return d.SetOutputOverlay(sImage.vPixels.data(), 16, 0, 0, {}); }), 0);
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, AViewThatIsTakenBackShowsWhatADewarperWithoutAViewShowsAfterOneFrame)
+TEST_P(Histories, AViewThatIsTakenBackShowsWhatADewarperWithoutAViewShowsAfterOneFrame)
 {
     Show(VIEW_FISHEYE, MOUNT_CEILING);
-    D().SetViewType(VIEW_UNSET);
+    D([&](auto& d) { return d.SetViewType(VIEW_UNSET); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, ALensThatIsTakenBackOverARestartIsTheLensInForce)
+TEST_P(Histories, ALensThatIsTakenBackOverARestartIsTheLensInForce)
 {
-    D().SetLensType(LENS_DSL418);
+    D([&](auto& d) { return d.SetLensType(LENS_DSL418); });
     Show(VIEW_VCAM, MOUNT_CEILING);
-    D().SetLensType(LENS_UNSET);
+    D([&](auto& d) { return d.SetLensType(LENS_UNSET); });
     Restart();
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, ALensThatIsTakenBackBeforeAMoveIsTheLensInForce)
+TEST_P(Histories, ALensThatIsTakenBackBeforeAMoveIsTheLensInForce)
 {
-    D().SetLensType(LENS_DSL418);
+    D([&](auto& d) { return d.SetLensType(LENS_DSL418); });
     Show(VIEW_VCAM, MOUNT_CEILING);
-    D().SetLensType(LENS_UNSET);
-    D().AbsolutePTZ(90.0f, 40.0f, 120.0f);
+    D([&](auto& d) { return d.SetLensType(LENS_UNSET); });
+    D([&](auto& d) { return d.AbsolutePTZ(90.0f, 40.0f, 120.0f); });
     EXPECT_EQ(Fault(), "");
 }
 
-TEST_F(Histories, LevelsThatLeaveNoRangeGiveTheSamePictureTwice)
+TEST_P(Histories, LevelsThatLeaveNoRangeGiveTheSamePictureTwice)
 {
-    D().SetYUVparams(YUV_SPACE_BT601, YUV_RANGE_LIMITED);
+    D([&](auto& d) { return d.SetYUVparams(YUV_SPACE_BT601, YUV_RANGE_LIMITED); });
     m_oPlayer.Given().eSpace = YUV_SPACE_BT601;
     m_oPlayer.Given().eRange = YUV_RANGE_LIMITED;
-    D().SetYUVLevels(16, 16, 16);
+    D([&](auto& d) { return d.SetYUVLevels(16, 16, 16); });
     Draw();
     Draw();
     EXPECT_EQ(Fault(), "");
 }
+
+INSTANTIATE_ENGINES(Histories);
