@@ -5,19 +5,28 @@
 #include "FuzzBytes.h"
 #include "FuzzScene.h"
 
+#include "dewarp/Dewarper.h"
 #include "dewarp/offscreen/CustomGPUDewarperOffscreen.h"
 
 #include <memory>
 
-/// A dewarper, what it was given, and what must hold for it. Every operation reads its arguments from the
-/// input.
+/// A dewarper of either engine, what it was given, and what must hold for it. Every operation reads its
+/// arguments from the input.
 class CPlayer
 {
 public:
-    explicit CPlayer(CFuzzBytes& rBytes) : m_rBytes(rBytes) {}
+    explicit CPlayer(CFuzzBytes& rBytes, EDewarpEngine eEngine = ENGINE_GL);
     void Play();
 
 private:
+    /// An operation of the dewarper that is played with.
+    template <class F>
+    auto With(F fCall)
+    {
+        return m_pProcessor != nullptr ? fCall(*m_pProcessor) : fCall(m_oDewarper);
+    }
+    void PlayCalls();
+    void DrawTo();
     using FCall = void (CPlayer::*)();
     void NewFrame();
     void BadFrame();
@@ -44,8 +53,9 @@ private:
     void Getters();
 
     CFuzzBytes& m_rBytes;
-    CCustomGPUDewarperOffscreen m_oDewarper;
-    /// Its planes live until they have been drawn.
+    CCustomGPUDewarperOffscreen m_oDewarper; ///< never started where there is the other one
+    std::unique_ptr<CDewarper> m_pProcessor; ///< with ENGINE_CPU
+    /// Its planes live until they have been drawn; with the processor engine until the next frame comes.
     std::unique_ptr<CFuzzFrame> m_pFrame;
     bool m_bStarted = false;
     bool m_bWaiting = false;  ///< a frame waits to be drawn

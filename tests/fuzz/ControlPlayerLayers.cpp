@@ -49,7 +49,8 @@ static std::unique_ptr<unsigned char[]> MakeImage(int nWidth, int nHeight, unsig
 void CPlayer::InputOverlay()
 {
     if (m_rBytes.Byte() % 4 == 3) {
-        Require(m_oDewarper.SetInputOverlay(nullptr, m_rBytes.Int(), 1, 0) == 1, "an overlay can be removed");
+        Require(With([&](auto& d) { return d.SetInputOverlay(nullptr, m_rBytes.Int(), 1, 0); }) == 1,
+                "an overlay can be removed");
         return;
     }
     int nWidth = 0;
@@ -57,14 +58,16 @@ void CPlayer::InputOverlay()
     ImageSize(m_rBytes, nWidth, nHeight);
     const auto pImage = MakeImage(nWidth, nHeight, m_rBytes.Byte());
     const unsigned int nLines = nLogLines;
-    const int nResult = m_oDewarper.SetInputOverlay(pImage.get(), nWidth, nHeight, m_rBytes.Int());
+    const int nResult =
+        With([&](auto& d) { return d.SetInputOverlay(pImage.get(), nWidth, nHeight, m_rBytes.Int()); });
     Require(nResult == 1 || nLogLines == nLines + 1, "an overlay is refused with one log line");
 }
 
 void CPlayer::OutputOverlay()
 {
     if (m_rBytes.Byte() % 4 == 3) {
-        Require(m_oDewarper.SetOutputOverlay(nullptr, 0, 0, 0) == 1, "an overlay can be removed");
+        Require(With([&](auto& d) { return d.SetOutputOverlay(nullptr, 0, 0, 0, {}); }) == 1,
+                "an overlay can be removed");
         return;
     }
     int nWidth = 0;
@@ -75,7 +78,8 @@ void CPlayer::OutputOverlay()
     for (SGRect& rRect : vRects)
         rRect = {m_rBytes.Int(), m_rBytes.Int(), m_rBytes.Int(), m_rBytes.Int()};
     const unsigned int nLines = nLogLines;
-    const int nResult = m_oDewarper.SetOutputOverlay(pImage.get(), nWidth, nHeight, 0, std::move(vRects));
+    const int nResult = With(
+        [&](auto& d) { return d.SetOutputOverlay(pImage.get(), nWidth, nHeight, 0, std::move(vRects)); });
     Require(nResult == 1 || nLogLines == nLines + 1, "an overlay is refused with one log line");
 }
 
@@ -88,14 +92,15 @@ void CPlayer::MaskList()
         for (SGPoint& rPoint : rMask.vPoints)
             rPoint = {m_rBytes.Int(), m_rBytes.Int()};
     }
-    m_oDewarper.SetMaskPolygons(std::move(vMasks));
+    With([&](auto& d) { return d.SetMaskPolygons(std::move(vMasks)); });
 }
 
 void CPlayer::MaskBytes()
 {
     std::vector<unsigned char> vBlock = m_rBytes.Block(60);
     const int nSize = static_cast<int>(vBlock.size());
-    m_oDewarper.SetMaskPolygons(vBlock.data(), m_rBytes.Byte() % 8 == 7 ? -nSize : nSize);
+    With(
+        [&](auto& d) { return d.SetMaskPolygons(vBlock.data(), m_rBytes.Byte() % 8 == 7 ? -nSize : nSize); });
 }
 
 void CPlayer::StringList()
@@ -111,12 +116,12 @@ void CPlayer::StringList()
         for (int* pChoice : {&rString.nHAlign, &rString.nVAlign, &rString.nHRef, &rString.nVRef})
             *pChoice = m_rBytes.Between(0, 3);
     }
-    m_oDewarper.SetStrings(std::move(vStrings));
+    With([&](auto& d) { return d.SetStrings(std::move(vStrings)); });
 }
 
 void CPlayer::StringBytes()
 {
     std::vector<unsigned char> vBlock = m_rBytes.Block(60);
     const int nSize = static_cast<int>(vBlock.size());
-    m_oDewarper.SetStrings(vBlock.data(), m_rBytes.Byte() % 8 == 7 ? -nSize : nSize);
+    With([&](auto& d) { return d.SetStrings(vBlock.data(), m_rBytes.Byte() % 8 == 7 ? -nSize : nSize); });
 }

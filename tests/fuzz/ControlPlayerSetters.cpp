@@ -10,13 +10,13 @@ void CPlayer::Choices()
     static const int LENSES[] = {-2, -1, 0, 215, 239, 418, 419};
     switch (m_rBytes.Byte() % 4) {
     case 0:
-        m_oDewarper.SetMountType(m_rBytes.OneOf<EMountType>(MOUNTS));
+        With([&](auto& d) { return d.SetMountType(m_rBytes.OneOf<EMountType>(MOUNTS)); });
         break;
     case 1:
-        m_oDewarper.SetLensType(m_rBytes.OneOf<ELensType>(LENSES));
+        With([&](auto& d) { return d.SetLensType(m_rBytes.OneOf<ELensType>(LENSES)); });
         break;
     default:
-        m_oDewarper.SetViewType(m_rBytes.OneOf<EViewType>(VIEWS));
+        With([&](auto& d) { return d.SetViewType(m_rBytes.OneOf<EViewType>(VIEWS)); });
         break;
     }
 }
@@ -28,18 +28,22 @@ void CPlayer::Colours()
     switch (m_rBytes.Byte() % 3) {
     case 0: {
         const EYUVSpace eSpace = m_rBytes.OneOf<EYUVSpace>(SPACES);
-        m_oDewarper.SetYUVparams(eSpace, m_rBytes.OneOf<EYUVRange>(RANGES));
+        With([&](auto& d) { return d.SetYUVparams(eSpace, m_rBytes.OneOf<EYUVRange>(RANGES)); });
         break;
     }
     case 1: {
         const int nLumaMin = m_rBytes.Few<int>({16, 0, 300}, &CFuzzBytes::Int);
         const int nLumaMax = m_rBytes.Few<int>({235, 16, -1}, &CFuzzBytes::Int);
-        m_oDewarper.SetYUVLevels(nLumaMin, nLumaMax, m_rBytes.Few<int>({16, 128}, &CFuzzBytes::Int));
+        With([&](auto& d) {
+            return d.SetYUVLevels(nLumaMin, nLumaMax, m_rBytes.Few<int>({16, 128}, &CFuzzBytes::Int));
+        });
         break;
     }
     default: {
         const float fLuma = m_rBytes.Few<float>({1.0f, 1e30f, 1.5f}, &CFuzzBytes::Float);
-        m_oDewarper.SetGains(fLuma, m_rBytes.Few<float>({2.0f, -1e-30f}, &CFuzzBytes::Float));
+        With([&](auto& d) {
+            return d.SetGains(fLuma, m_rBytes.Few<float>({2.0f, -1e-30f}, &CFuzzBytes::Float));
+        });
         break;
     }
     }
@@ -50,18 +54,18 @@ void CPlayer::Orientation()
     static const int ROTATIONS[] = {0, 90, 180, 270};
     switch (m_rBytes.Byte() % 4) {
     case 0:
-        m_oDewarper.SetRotation(m_rBytes.OneOf<int>(ROTATIONS));
+        With([&](auto& d) { return d.SetRotation(m_rBytes.OneOf<int>(ROTATIONS)); });
         break;
     case 1: {
         const unsigned int nFlips = m_rBytes.Byte();
-        m_oDewarper.SetFlip(nFlips % 2 != 0, nFlips / 2 % 2 != 0);
+        With([&](auto& d) { return d.SetFlip(nFlips % 2 != 0, nFlips / 2 % 2 != 0); });
         break;
     }
     case 2:
-        m_oDewarper.SetEyeDistance(m_rBytes.Float());
+        With([&](auto& d) { return d.SetEyeDistance(m_rBytes.Float()); });
         break;
     default:
-        m_oDewarper.SetMountTilt(m_rBytes.Float());
+        With([&](auto& d) { return d.SetMountTilt(m_rBytes.Float()); });
         break;
     }
 }
@@ -71,7 +75,7 @@ void CPlayer::Switches()
     static const int FILTERS[] = {0, 1};
     switch (m_rBytes.Byte() % 5) {
     case 0:
-        m_oDewarper.SetWireFrame(m_rBytes.Bool());
+        With([&](auto& d) { return d.SetWireFrame(m_rBytes.Bool()); });
         break;
     case 1:
         m_oDewarper.SetLogGLErrors(m_rBytes.Bool());
@@ -80,10 +84,10 @@ void CPlayer::Switches()
         m_oDewarper.SetLogShaderCode(m_rBytes.Bool());
         break;
     case 3:
-        m_oDewarper.SetStrictTiltLimits(m_rBytes.Bool());
+        With([&](auto& d) { return d.SetStrictTiltLimits(m_rBytes.Bool()); });
         break;
     default:
-        m_oDewarper.SetInterpolationType(m_rBytes.OneOf<EInterpolationType>(FILTERS));
+        With([&](auto& d) { return d.SetInterpolationType(m_rBytes.OneOf<EInterpolationType>(FILTERS)); });
         break;
     }
 }
@@ -92,21 +96,21 @@ void CPlayer::AbsoluteMove()
 {
     const float fPan = m_rBytes.Float();
     const float fTilt = m_rBytes.Float();
-    m_oDewarper.AbsolutePTZ(fPan, fTilt, m_rBytes.Float());
+    With([&](auto& d) { return d.AbsolutePTZ(fPan, fTilt, m_rBytes.Float()); });
 }
 
 void CPlayer::RelativeMove()
 {
     const float fPan = m_rBytes.Float();
     const float fTilt = m_rBytes.Float();
-    m_oDewarper.RelativePTZ(fPan, fTilt, m_rBytes.Float());
+    With([&](auto& d) { return d.RelativePTZ(fPan, fTilt, m_rBytes.Float()); });
 }
 
 void CPlayer::AnalogueMove()
 {
     const float fPan = m_rBytes.Float();
     const float fTilt = m_rBytes.Float();
-    m_oDewarper.AnaloguePTZ(fPan, fTilt, m_rBytes.Float());
+    With([&](auto& d) { return d.AnaloguePTZ(fPan, fTilt, m_rBytes.Float()); });
 }
 
 void CPlayer::MouseDrag()
@@ -114,46 +118,55 @@ void CPlayer::MouseDrag()
     const unsigned int nSteps = m_rBytes.Byte();
     if ((nSteps & 1) != 0) {
         const int x = m_rBytes.Int();
-        m_oDewarper.OnMouseDown(x, m_rBytes.Int());
+        With([&](auto& d) { return d.OnMouseDown(x, m_rBytes.Int()); });
     }
     if ((nSteps & 2) != 0) {
         const int x = m_rBytes.Int();
-        m_oDewarper.OnMouseMove(x, m_rBytes.Int(), (nSteps & 4) != 0, (nSteps & 8) != 0);
+        With([&](auto& d) { return d.OnMouseMove(x, m_rBytes.Int(), (nSteps & 4) != 0, (nSteps & 8) != 0); });
     }
     if ((nSteps & 16) != 0)
-        m_oDewarper.OnMouseUp();
+        With([&](auto& d) { return d.OnMouseUp(); });
 }
 
 void CPlayer::MouseWheel()
 {
-    m_oDewarper.OnMouseWheel(static_cast<double>(m_rBytes.Float()) * (m_rBytes.Bool() ? 1.0 : 1e300));
+    With([&](auto& d) {
+        return d.OnMouseWheel(static_cast<double>(m_rBytes.Float()) * (m_rBytes.Bool() ? 1.0 : 1e300));
+    });
 }
 
-void CPlayer::Getters()
+/// Asks a dewarper of either engine.
+template <class D>
+static void AskAll(D& d)
 {
     float afValues[3] = {};
     int anValues[4] = {};
     bool abValues[2] = {};
-    m_oDewarper.GetPTZ(afValues[0], afValues[1], afValues[2]);
-    m_oDewarper.GetPTZAnalog(afValues[0], afValues[1], afValues[2]);
-    m_oDewarper.GetFlip(abValues[0], abValues[1]);
-    m_oDewarper.GetGains(afValues[0], afValues[1]);
-    m_oDewarper.GetYUVLevels(anValues[0], anValues[1], anValues[2]);
-    m_oDewarper.GetDewarperVersion(anValues[0], anValues[1]);
-    const int nRotation = m_oDewarper.GetRotation();
+    d.GetPTZ(afValues[0], afValues[1], afValues[2]);
+    d.GetPTZAnalog(afValues[0], afValues[1], afValues[2]);
+    d.GetFlip(abValues[0], abValues[1]);
+    d.GetGains(afValues[0], afValues[1]);
+    d.GetYUVLevels(anValues[0], anValues[1], anValues[2]);
+    d.GetDewarperVersion(anValues[0], anValues[1]);
+    const int nRotation = d.GetRotation();
     Require(nRotation >= 0 && nRotation <= 270 && nRotation % 90 == 0, "quarter turns");
-    const float fDistance = m_oDewarper.GetEyeDistance();
+    const float fDistance = d.GetEyeDistance();
     Require(fDistance >= 0.0f && fDistance <= 1.0f, "the eye stays inside the sphere");
-    const float fTilt = m_oDewarper.GetMountTilt();
+    const float fTilt = d.GetMountTilt();
     Require(fTilt - fTilt == 0.0f, "a finite mount tilt");
-    static_cast<void>(m_oDewarper.GetViewType());
-    static_cast<void>(m_oDewarper.GetMountType());
-    static_cast<void>(m_oDewarper.GetLensType());
-    static_cast<void>(m_oDewarper.GetInterpolationType());
-    static_cast<void>(m_oDewarper.GetStrictTiltLimits());
+    static_cast<void>(d.GetViewType());
+    static_cast<void>(d.GetMountType());
+    static_cast<void>(d.GetLensType());
+    static_cast<void>(d.GetInterpolationType());
+    static_cast<void>(d.GetStrictTiltLimits());
+    static_cast<void>(d.GetLastDisplayedTextureTimestamp());
+    Require(d.GetFisheyeRadius() >= 0, "a radius");
+    d.GetImage(&anValues[0], &anValues[1], &anValues[2], &anValues[3]);
+}
+
+void CPlayer::Getters()
+{
+    With([](auto& d) { AskAll(d); });
     static_cast<void>(m_oDewarper.GetLogGLErrors());
     static_cast<void>(m_oDewarper.GetLogShaderCode());
-    static_cast<void>(m_oDewarper.GetLastDisplayedTextureTimestamp());
-    Require(m_oDewarper.GetFisheyeRadius() >= 0, "a radius");
-    m_oDewarper.GetImage(&anValues[0], &anValues[1], &anValues[2], &anValues[3]);
 }

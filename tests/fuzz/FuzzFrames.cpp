@@ -61,12 +61,42 @@ static bool IsGood(const SImageProperties& rImage)
     return true;
 }
 
+// First bytes from here on choose the processor engine; no input that was kept earlier begins with one.
+static const unsigned int FIRST_PROCESSOR_BYTE = 0xE8;
+static const unsigned int LAST_PROCESSOR_BYTE = 0xEF;
+
+/// The same frames to the processor engine, which reads their planes with every picture.
+static void PlayWithProcessor(CFuzzBytes& rBytes)
+{
+    const std::unique_ptr<CDewarper> pDewarper = CreateDewarper(ENGINE_CPU, 24, 16);
+    pDewarper->SetViewType(static_cast<EViewType>(rBytes.Byte() % 10));
+    pDewarper->SetInterpolationType(rBytes.Bool() ? INTERPOLATION_LINEAR : INTERPOLATION_NEAREST);
+    std::unique_ptr<CFuzzFrame> pFrame;
+    for (int i = 0; i < MOST_FRAMES && !rBytes.IsEmpty(); ++i) {
+        std::unique_ptr<CFuzzFrame> pNew = AnyFrame(rBytes);
+        const std::unique_ptr<SQPInfo> pInfo = MakeQPInfo(rBytes);
+        const unsigned int nLines = nLogLines;
+        const bool bTaken = pDewarper->SetTexture(&pNew->sImage, rBytes.Bool(), pInfo.get(), 1);
+        if (pInfo == nullptr)
+            Require(bTaken == IsGood(pNew->sImage), "good frames are taken, others are not");
+        Require(bTaken || nLogLines == nLines + 1, "a frame is refused with one log line");
+        if (bTaken)
+            pFrame = std::move(pNew);
+        DrawAndCheck(*pDewarper, true, pFrame != nullptr);
+        DrawAndCheck(*pDewarper, false, pFrame != nullptr);
+    }
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSize)
 {
     const CFuzzInput oInput;
     CFuzzBytes oBytes(pData, nSize);
     const unsigned int nStart = oBytes.Byte();
     BeginGLInput(nStart % 8 != 7);
+    if (nStart >= FIRST_PROCESSOR_BYTE && nStart <= LAST_PROCESSOR_BYTE) {
+        PlayWithProcessor(oBytes);
+        return 0;
+    }
     CCustomGPUDewarperOffscreen oDewarper;
     Require(oDewarper.InitGL(24, 16) && oDewarper.StartGL(), "a context");
     oDewarper.SetViewType((nStart & 16) != 0 ? static_cast<EViewType>(oBytes.Byte() % 10) : VIEW_FISHEYE);

@@ -96,7 +96,18 @@ std::unique_ptr<SQPInfo> MakeQPInfo(CFuzzBytes& rBytes)
     return pInfo;
 }
 
-bool DrawAndCheck(CCustomGPUDewarperOffscreen& rDewarper, bool bExchange, bool bWanted)
+static void TargetSize(CCustomGPUDewarperOffscreen& rDewarper, int& nWidth, int& nHeight)
+{
+    rDewarper.GetTargetWidthHeight(nWidth, nHeight);
+}
+
+static void TargetSize(CDewarper& rDewarper, int& nWidth, int& nHeight)
+{
+    rDewarper.GetTargetSize(nWidth, nHeight);
+}
+
+template <class D>
+static bool DrawAndLook(D& rDewarper, bool bExchange, bool bWanted)
 {
     const bool bDrawn = rDewarper.DrawGLScene(bExchange);
     RequireNothing(TakeGLErrors(), "GL errors while a frame was drawn");
@@ -111,7 +122,7 @@ bool DrawAndCheck(CCustomGPUDewarperOffscreen& rDewarper, bool bExchange, bool b
     RequireNothing(TakeGLErrors(), "GL errors while a frame was read back");
     int nTargetWidth = 0;
     int nTargetHeight = 0;
-    rDewarper.GetTargetWidthHeight(nTargetWidth, nTargetHeight);
+    TargetSize(rDewarper, nTargetWidth, nTargetHeight);
     Require(pImage != nullptr && nWidth == nTargetWidth && nHeight == nTargetHeight &&
                 nStride == 4 * nWidth && nSize == nStride * nHeight,
             "the picture has the size of the target");
@@ -121,4 +132,14 @@ bool DrawAndCheck(CCustomGPUDewarperOffscreen& rDewarper, bool bExchange, bool b
     const volatile unsigned char* pLast = pImage + nBefore + nSize - 1;
     static_cast<void>(*pLast);
     return true;
+}
+
+bool DrawAndCheck(CCustomGPUDewarperOffscreen& rDewarper, bool bExchange, bool bWanted)
+{
+    return DrawAndLook(rDewarper, bExchange, bWanted);
+}
+
+bool DrawAndCheck(CDewarper& rDewarper, bool bExchange, bool bWanted)
+{
+    return DrawAndLook(rDewarper, bExchange, bWanted);
 }

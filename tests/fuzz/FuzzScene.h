@@ -4,6 +4,7 @@
 
 #include "FuzzBytes.h"
 
+#include "dewarp/Dewarper.h"
 #include "dewarp/offscreen/CustomGPUDewarperOffscreen.h"
 
 #include <memory>
@@ -37,3 +38,4 @@ std::unique_ptr<SQPInfo> MakeQPInfo(CFuzzBytes& rBytes);
 /// Draws and looks for GL errors. Wanted: the frame must be drawn. Reads the picture back and looks at its
 /// size when it was drawn, and returns true.
 bool DrawAndCheck(CCustomGPUDewarperOffscreen& rDewarper, bool bExchange, bool bWanted);
+bool DrawAndCheck(CDewarper& rDewarper, bool bExchange, bool bWanted);
