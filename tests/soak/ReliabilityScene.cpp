@@ -55,7 +55,8 @@ int AnyInt(std::mt19937& oRandom, int nLow, int nHigh)
     return std::uniform_int_distribution<int>(nLow, nHigh)(oRandom);
 }
 
-void RandomSetting(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void RandomSetting(D& oDewarper, std::mt19937& oRandom)
 {
     static const int LENSES[] = {-2, -1, 0, 215, 239, 418, 419, 7};
     static const int MOUNTS[] = {0, 90, -90, 1000, 45};
@@ -95,7 +96,8 @@ void RandomSetting(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
     }
 }
 
-void RandomMove(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void RandomMove(D& oDewarper, std::mt19937& oRandom)
 {
     switch (oRandom() % 7) {
     case 0:
@@ -123,7 +125,8 @@ void RandomMove(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
     }
 }
 
-void RandomOverlay(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void RandomOverlay(D& oDewarper, std::mt19937& oRandom)
 {
     static unsigned char anPixels[64 * 64 * 4];
     switch (oRandom() % 5) {
@@ -163,9 +166,8 @@ void RandomOverlay(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
     }
 }
 
-} // namespace
-
-void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void AnyControlCall(D& oDewarper, std::mt19937& oRandom)
 {
     switch (oRandom() % 4) {
     case 0:
@@ -178,6 +180,18 @@ void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
         RandomMove(oDewarper, oRandom);
         break;
     }
+}
+
+} // namespace
+
+void RandomControlCall(CCustomGPUDewarper& rDewarper, std::mt19937& rRandom)
+{
+    AnyControlCall(rDewarper, rRandom);
+}
+
+void RandomControlCall(CDewarper& rDewarper, std::mt19937& rRandom)
+{
+    AnyControlCall(rDewarper, rRandom);
 }
 
 bool IsLongRun()
