@@ -3,7 +3,8 @@
 #include <cstdlib>
 #include <limits>
 
-void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTargetHeight)
+template <class D>
+void SwitchEverythingOn(D& oDewarper, int nTargetWidth, int nTargetHeight)
 {
     const std::size_t nPixels =
         static_cast<std::size_t>(nTargetWidth) * static_cast<std::size_t>(nTargetHeight);
@@ -12,7 +13,7 @@ void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTa
         vOverlay[4 * i] = 200;
         vOverlay[4 * i + 3] = 160;
     }
-    oDewarper.SetOutputOverlay(vOverlay.data(), nTargetWidth, nTargetHeight, 0);
+    oDewarper.SetOutputOverlay(vOverlay.data(), nTargetWidth, nTargetHeight, 0, {});
     SGPolygon sMask;
     sMask.vPoints = {{60, 60}, {200, 70}, {180, 190}, {70, 160}};
     sMask.nColor = 0x208040FF;
@@ -55,7 +56,8 @@ int AnyInt(std::mt19937& oRandom, int nLow, int nHigh)
     return std::uniform_int_distribution<int>(nLow, nHigh)(oRandom);
 }
 
-void RandomSetting(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void RandomSetting(D& oDewarper, std::mt19937& oRandom)
 {
     static const int LENSES[] = {-2, -1, 0, 215, 239, 418, 419, 7};
     static const int MOUNTS[] = {0, 90, -90, 1000, 45};
@@ -95,7 +97,8 @@ void RandomSetting(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
     }
 }
 
-void RandomMove(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void RandomMove(D& oDewarper, std::mt19937& oRandom)
 {
     switch (oRandom() % 7) {
     case 0:
@@ -123,7 +126,8 @@ void RandomMove(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
     }
 }
 
-void RandomOverlay(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void RandomOverlay(D& oDewarper, std::mt19937& oRandom)
 {
     static unsigned char anPixels[64 * 64 * 4];
     switch (oRandom() % 5) {
@@ -165,7 +169,8 @@ void RandomOverlay(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
 
 } // namespace
 
-void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+template <class D>
+void RandomControlCall(D& oDewarper, std::mt19937& oRandom)
 {
     switch (oRandom() % 4) {
     case 0:
@@ -179,6 +184,11 @@ void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
         break;
     }
 }
+
+template void SwitchEverythingOn(CCustomGPUDewarper&, int, int);
+template void SwitchEverythingOn(CDewarper&, int, int);
+template void RandomControlCall(CCustomGPUDewarper&, std::mt19937&);
+template void RandomControlCall(CDewarper&, std::mt19937&);
 
 bool IsLongRun()
 {
