@@ -4,7 +4,7 @@
 #include <limits>
 
 template <class D>
-void SwitchEverythingOn(D& oDewarper, int nTargetWidth, int nTargetHeight)
+static void SwitchOn(D& oDewarper, int nTargetWidth, int nTargetHeight)
 {
     const std::size_t nPixels =
         static_cast<std::size_t>(nTargetWidth) * static_cast<std::size_t>(nTargetHeight);
@@ -170,7 +170,7 @@ void RandomOverlay(D& oDewarper, std::mt19937& oRandom)
 } // namespace
 
 template <class D>
-void RandomControlCall(D& oDewarper, std::mt19937& oRandom)
+static void RandomCall(D& oDewarper, std::mt19937& oRandom)
 {
     switch (oRandom() % 4) {
     case 0:
@@ -185,10 +185,25 @@ void RandomControlCall(D& oDewarper, std::mt19937& oRandom)
     }
 }
 
-template void SwitchEverythingOn(CCustomGPUDewarper&, int, int);
-template void SwitchEverythingOn(CDewarper&, int, int);
-template void RandomControlCall(CCustomGPUDewarper&, std::mt19937&);
-template void RandomControlCall(CDewarper&, std::mt19937&);
+void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTargetHeight)
+{
+    SwitchOn(oDewarper, nTargetWidth, nTargetHeight);
+}
+
+void SwitchEverythingOn(CDewarper& oDewarper, int nTargetWidth, int nTargetHeight)
+{
+    SwitchOn(oDewarper, nTargetWidth, nTargetHeight);
+}
+
+void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+{
+    RandomCall(oDewarper, oRandom);
+}
+
+void RandomControlCall(CDewarper& oDewarper, std::mt19937& oRandom)
+{
+    RandomCall(oDewarper, oRandom);
+}
 
 bool IsLongRun()
 {
