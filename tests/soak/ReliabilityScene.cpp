@@ -3,7 +3,8 @@
 #include <cstdlib>
 #include <limits>
 
-void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTargetHeight)
+template <class D>
+static void SwitchOn(D& oDewarper, int nTargetWidth, int nTargetHeight)
 {
     const std::size_t nPixels =
         static_cast<std::size_t>(nTargetWidth) * static_cast<std::size_t>(nTargetHeight);
@@ -12,7 +13,7 @@ void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTa
         vOverlay[4 * i] = 200;
         vOverlay[4 * i + 3] = 160;
     }
-    oDewarper.SetOutputOverlay(vOverlay.data(), nTargetWidth, nTargetHeight, 0);
+    oDewarper.SetOutputOverlay(vOverlay.data(), nTargetWidth, nTargetHeight, 0, {});
     SGPolygon sMask;
     sMask.vPoints = {{60, 60}, {200, 70}, {180, 190}, {70, 160}};
     sMask.nColor = 0x208040FF;
@@ -166,8 +167,10 @@ void RandomOverlay(D& oDewarper, std::mt19937& oRandom)
     }
 }
 
+} // namespace
+
 template <class D>
-void AnyControlCall(D& oDewarper, std::mt19937& oRandom)
+static void RandomCall(D& oDewarper, std::mt19937& oRandom)
 {
     switch (oRandom() % 4) {
     case 0:
@@ -182,16 +185,24 @@ void AnyControlCall(D& oDewarper, std::mt19937& oRandom)
     }
 }
 
-} // namespace
-
-void RandomControlCall(CCustomGPUDewarper& rDewarper, std::mt19937& rRandom)
+void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTargetHeight)
 {
-    AnyControlCall(rDewarper, rRandom);
+    SwitchOn(oDewarper, nTargetWidth, nTargetHeight);
 }
 
-void RandomControlCall(CDewarper& rDewarper, std::mt19937& rRandom)
+void SwitchEverythingOn(CDewarper& oDewarper, int nTargetWidth, int nTargetHeight)
 {
-    AnyControlCall(rDewarper, rRandom);
+    SwitchOn(oDewarper, nTargetWidth, nTargetHeight);
+}
+
+void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom)
+{
+    RandomCall(oDewarper, oRandom);
+}
+
+void RandomControlCall(CDewarper& oDewarper, std::mt19937& oRandom)
+{
+    RandomCall(oDewarper, oRandom);
 }
 
 bool IsLongRun()

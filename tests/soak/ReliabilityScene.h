@@ -7,15 +7,16 @@
 
 #include <random>
 
-/// Overlays of both kinds, a mask (which takes the input overlay's
+/// For CCustomGPUDewarper and CDewarper. Overlays of both kinds, a mask (which takes the input overlay's
 /// place) and a text.
-void SwitchEverythingOn(CCustomGPUDewarper& rDewarper, int nTargetWidth, int nTargetHeight);
+void SwitchEverythingOn(CCustomGPUDewarper& oDewarper, int nTargetWidth, int nTargetHeight);
+void SwitchEverythingOn(CDewarper& oDewarper, int nTargetWidth, int nTargetHeight);
 
-/// One control call, chosen by chance: views, mounts, lenses, moves, mouse, colours,
+/// For both as well. One control call, chosen by chance: views, mounts, lenses, moves, mouse, colours,
 /// overlays, masks, texts; its numbers now and then are not finite or out of all limits. No call that needs
 /// GL.
-void RandomControlCall(CCustomGPUDewarper& rDewarper, std::mt19937& rRandom);
-void RandomControlCall(CDewarper& rDewarper, std::mt19937& rRandom);
+void RandomControlCall(CCustomGPUDewarper& oDewarper, std::mt19937& oRandom);
+void RandomControlCall(CDewarper& oDewarper, std::mt19937& oRandom);
 
 /// True where the environment asks for length (LUMOR_SOAK_SECONDS): sweeps leave nothing out then.
 bool IsLongRun();
