@@ -22,26 +22,37 @@ namespace
 
 #include "dewarp/cpu/CellNear.inc"
 
+#include "dewarp/cpu/CellLines.inc"
+
+#include "dewarp/cpu/CellLineSamples.inc"
+
+#include "dewarp/cpu/CellLinePixels.inc"
+
+#include "dewarp/cpu/CellExact.inc"
+
 #include "dewarp/cpu/CellNearPacked.inc"
+
+/// Cells that are on their way together: the places of some are found while others wait for theirs.
+const int NEAR_CELLS = 8;
 
 inline SCellPoints Next(const SCellPoints& p, int nCell)
 {
     return {p.pFirst + nCell * (CELL_SIDE / p.nStep), p.nRow, p.nStep};
 }
 
-/// Takes cells of a run from nCell on until as many are near as fit in a group: rNear(block, place in the
-/// group, cell) for those that rUsable(block) says, rFar(points, cell) for the others. Returns how many are
-/// in the group.
-template <int STEP, class FUsable, class FNear, class FFar>
-inline int FillGroup(const SCellPoints& rPoints, int& nCell, int nCells, FUsable&& rUsable, FNear&& rNear,
-                     FFar&& rFar)
+/// Takes cells of a run from nCell on until as many are near as fit in a group: rPlace(block, place in the
+/// group) for each, rFar(points, cell) for those that it refuses. Returns how many are in the group.
+template <int STEP, class TPlaced, class FPlace, class FFar>
+inline int FillGroup(const SCellPoints& rPoints, int& nCell, int nCells, TPlaced (&as)[NEAR_CELLS],
+                     FPlace&& rPlace, FFar&& rFar)
 {
     int nNear = 0;
     for (; nCell < nCells && nNear < NEAR_CELLS; ++nCell) {
         const SCellPoints s = Next(rPoints, nCell);
         const SBlock<STEP> b(s);
-        if (rUsable(b))
-            rNear(b, nNear++, nCell);
+        as[nNear].nCell = nCell;
+        if (b.bNear && rPlace(b, as[nNear]))
+            ++nNear;
         else
             rFar(s, nCell);
     }
@@ -52,19 +63,18 @@ template <int STEP, bool LINEAR>
 void LumaCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
                std::ptrdiff_t nStride)
 {
-    SNearCell as[NEAR_CELLS];
+    const SSamplePlane& rPlane = rJob.aPlanes[0];
+    const bool bNear = LINEAR && rPlane.nStride <= MOST_STRIDE;
+    SLines as[NEAR_CELLS];
     for (int n = 0; n < nCells;) {
         const int nNear = FillGroup<STEP>(
-            rPoints, n, nCells, [&](const SBlock<STEP>& b) { return LINEAR && IsStageable(rJob, b); },
-            [&](const SBlock<STEP>& b, int i, int nCell) {
-                as[i].nCell = nCell;
-                PlaceNear(rJob, b, as[i]);
-            },
+            rPoints, n, nCells, as,
+            [&](const SBlock<STEP>& b, SLines& s) { return bNear && SetLumaLines(rPlane, b, s); },
             [&](const SCellPoints& s, int nCell) {
                 LumaCell<STEP, LINEAR>(rJob, s, pTarget + nCell * CELL_SIDE, nStride);
             });
         for (int i = 0; i < nNear; ++i)
-            PutNearLuma(as[i], pTarget + as[i].nCell * CELL_SIDE, nStride);
+            PutLineLuma(as[i], rPlane.nStride, pTarget + as[i].nCell * CELL_SIDE, nStride);
     }
 }
 
@@ -83,11 +93,8 @@ void ChromaCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells,
     };
     for (int n = 0; n < nCells;) {
         const int nNear = FillGroup<STEP>(
-            rPoints, n, nCells, [&](const SBlock<STEP>& b) { return bNear && b.bNear; },
-            [&](const SBlock<STEP>& b, int i, int nCell) {
-                as[i].nCell = nCell;
-                PlaceChroma(rJob, b, as[i]);
-            },
+            rPoints, n, nCells, as,
+            [&](const SBlock<STEP>& b, SNearChroma& c) { return bNear && PlaceChroma(rJob, b, c); },
             [&](const SCellPoints& s, int nCell) {
                 ChromaCell<STEP, LINEAR>(rJob, s, Target(nCell), pStrides);
             });
@@ -100,27 +107,17 @@ template <int STEP, bool LINEAR>
 void YUVCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
               std::ptrdiff_t nStride)
 {
-    const bool bNear = LINEAR && HasNearChroma(rJob);
-    SNearCell as[NEAR_CELLS];
-    SNearChroma asChroma[4 * NEAR_CELLS];
+    const bool bNear = LINEAR && HasChromaLines(rJob);
+    SPixelLines as[NEAR_CELLS];
     for (int n = 0; n < nCells;) {
         const int nNear = FillGroup<STEP>(
-            rPoints, n, nCells, [&](const SBlock<STEP>& b) { return bNear && IsStageable(rJob, b); },
-            [&](const SBlock<STEP>& b, int i, int nCell) {
-                as[i].nCell = nCell;
-                PlaceNear(rJob, b, as[i]);
-                for (int k = 0; k < 4; ++k)
-                    PlacePairs(rJob.aPlanes[1], FirstPair(rJob.aPlanes[1], b), HalvedNear(as[i].avX[k]),
-                               HalvedNear(as[i].avY[k]), asChroma[4 * i + k]);
-            },
+            rPoints, n, nCells, as,
+            [&](const SBlock<STEP>& b, SPixelLines& s) { return bNear && SetPixelLines(rJob, b, s); },
             [&](const SCellPoints& s, int nCell) {
                 YUVCell<STEP, LINEAR>(rJob, s, pTarget + std::ptrdiff_t{nCell} * 32, nStride);
             });
-        for (int i = 0; i < nNear; ++i) {
-            for (int k = 0; k < 4; ++k)
-                PutNearPixels(rJob, NearSamples(as[i], k), asChroma[4 * i + k],
-                              pTarget + std::ptrdiff_t{as[i].nCell} * 32 + 2 * k * nStride, nStride);
-        }
+        for (int i = 0; i < nNear; ++i)
+            PutPixelLines(rJob, as[i], pTarget + std::ptrdiff_t{as[i].nCell} * 32, nStride);
     }
 }
 
@@ -238,7 +235,8 @@ void PixelsAt(const SCellJob& rJob, const SGridPoint* pPoints, std::uint32_t* pP
 
 const SCellKernels* AVX2Kernels()
 {
-    static const SCellKernels sKernels = {"AVX2", Luma, Chroma, Pixels, LumaAt, ChromaAt, PixelsAt};
+    static const SCellKernels sKernels = {"AVX2",   Luma,     Chroma,    Pixels,      LumaAt,
+                                          ChromaAt, PixelsAt, LumaLines, ChromaLines, PixelLines};
     return __builtin_cpu_supports("avx2") ? &sKernels : nullptr;
 }
 

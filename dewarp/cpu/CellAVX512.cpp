@@ -238,11 +238,17 @@ void Pixels(const SCellJob& rJob, const SCellPoints& p, int nCells, unsigned cha
 const SCellKernels* AVX512Kernels()
 {
     static const SCellKernels* const pNarrow = AVX2Kernels();
-    static const SCellKernels sKernels =
-        pNarrow == nullptr
-            ? SCellKernels()
-            : SCellKernels{"AVX-512",         Luma, Chroma, Pixels, pNarrow->pLumaAt, pNarrow->pChromaAt,
-                           pNarrow->pPixelsAt};
+    static const SCellKernels sKernels = pNarrow == nullptr ? SCellKernels()
+                                                            : SCellKernels{"AVX-512",
+                                                                           Luma,
+                                                                           Chroma,
+                                                                           Pixels,
+                                                                           pNarrow->pLumaAt,
+                                                                           pNarrow->pChromaAt,
+                                                                           pNarrow->pPixelsAt,
+                                                                           pNarrow->pLumaLines,
+                                                                           pNarrow->pChromaLines,
+                                                                           pNarrow->pPixelLines};
     const bool bHas = pNarrow != nullptr && __builtin_cpu_supports("avx512f") &&
                       __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
                       __builtin_cpu_supports("avx512vbmi");

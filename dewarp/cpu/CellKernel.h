@@ -95,6 +95,14 @@ struct SCellKernels
     /// 16 places; U and V in turns.
     void (*pChromaAt)(const SCellJob& rJob, const SGridPoint* pPlaces, unsigned char* pPairs) = nullptr;
     void (*pPixelsAt)(const SCellJob& rJob, const SGridPoint* pPoints, std::uint32_t* pPixels) = nullptr;
+    // One cell of positions of its own, in lines.
+    void (*pLumaLines)(const SCellJob& rJob, const SExactLines& rLines, unsigned char* pTarget,
+                       std::ptrdiff_t nStride) = nullptr;
+    /// Targets as those of pChroma.
+    void (*pChromaLines)(const SCellJob& rJob, const SExactLines& rLines, unsigned char* const* ppTargets,
+                         const std::ptrdiff_t* pStrides) = nullptr;
+    void (*pPixelLines)(const SCellJob& rJob, const SExactLines& rLines, unsigned char* pTarget,
+                        std::ptrdiff_t nStride) = nullptr;
 };
 
 /// The plain code alone.

@@ -73,8 +73,7 @@ ECellKind CViewGrid::KindOf(const SPartGrid& rGrid, int nCol, int nRow) const
             const std::size_t n = nFirst + static_cast<std::size_t>(j) * nWidth + static_cast<std::size_t>(i);
             const SGridPoint& p = rGrid.vPoints[n];
             nCovered += p.x != NOWHERE ? 1 : 0;
-            bInside = bInside && p.x >= m_sInside.nLeft && p.x < m_sInside.nRight && p.y >= m_sInside.nTop &&
-                      p.y < m_sInside.nBottom;
+            bInside = bInside && m_sInside.Has(p);
             if (i < k)
                 bStraight = bStraight && IsStraight(m_vBends[0][n], m_vBends[0][n + 1], m_nMostError);
             if (j < k)
@@ -162,7 +161,9 @@ int CViewGrid::NumberExactCells(SPartGrid& rGrid)
         }
     }
     rGrid.vExact.resize(static_cast<std::size_t>(nExact));
-    for (SExactCell& rCell : rGrid.vExact)
+    for (SExactCell& rCell : rGrid.vExact) {
         rCell.nCovered = 0;
+        rCell.bLines = false;
+    }
     return nExact;
 }

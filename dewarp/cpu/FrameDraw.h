@@ -17,6 +17,8 @@ struct SFrameJob
     int nFirstRow = 0; ///< row of the picture that the target's first row is; even
 };
 
+struct SCellSpan;
+
 /// Draws rows of cells of one part of the view. What no triangle covers becomes transparent black; in YUV,
 /// black. Thread: any; rows of cells may be drawn at the same time. Fails: never. Allocates nothing.
 class CFrameDraw
@@ -31,22 +33,23 @@ public:
     bool IsShared(const SPartGrid& rGrid, int x, int y) const;
 
 private:
-    struct SSpan; ///< the pixels of one cell that lie inside its part
-
     bool IsYUV() const { return m_bYUV; }
     void ClearChroma(const SGRect& rRect) const;
     void DrawRun(const SPartGrid& rGrid, int nRow, int nCol, int nCells) const;
     void DrawCell(const SPartGrid& rGrid, int nRow, int nCol, const SExactCell* pExact) const;
-    void DrawPixels(const SSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const;
-    void DrawYUV(const SSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
+    void FetchAhead(const SExactCell& rNext, const SExactCell& rAfter) const;
+    bool DrawLines(const SCellSpan& rSpan, const SExactCell& rCell) const;
+    void DrawPartOfLines(const SCellSpan& rSpan, const SExactCell& rCell) const;
+    void DrawPixels(const SCellSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const;
+    void DrawYUV(const SCellSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
                  std::uint64_t nCovered) const;
-    void DrawInside(const SSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
+    void DrawInside(const SCellSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
                     std::uint64_t nCovered) const;
     bool AreInside(const SGridPoint* pPoints, std::uint64_t nCovered) const;
-    void PutPixels(const SSpan& rSpan, const std::uint32_t* pPixels) const;
-    void PutLuma(const SSpan& rSpan, const unsigned char* pLuma) const;
-    void PutChroma(const SSpan& rSpan, const unsigned char (*pChroma)[2]) const;
-    bool DrawByKernel(const SSpan& rSpan, const SCellPoints& rPoints) const;
+    void PutPixels(const SCellSpan& rSpan, const std::uint32_t* pPixels) const;
+    void PutLuma(const SCellSpan& rSpan, const unsigned char* pLuma) const;
+    void PutChroma(const SCellSpan& rSpan, const unsigned char (*pChroma)[2]) const;
+    bool DrawByKernel(const SCellSpan& rSpan, const SCellPoints& rPoints) const;
 
     const SFrameJob& m_rJob;
     const SCellJob& m_rCells;

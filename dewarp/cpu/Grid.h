@@ -47,12 +47,63 @@ enum ECellKind : unsigned char
     CELL_EXACT,  ///< every pixel has its position
 };
 
-/// A cell whose pixels have their own positions, row by row. Pixel n is drawn where bit n is set.
+/// Positions of a cell's pixels in less room, ready to be drawn: of a cell that lies inside the frame and
+/// shows 32 x 32 texels at most. Its lines are its rows or its columns, whichever cross fewer rows of the
+/// frame; line n begins at its first texel, and its pixels count from there. Pixels that are not covered lie
+/// where covered ones do.
+struct SExactLines
+{
+    std::uint16_t aX[CELL_PIXELS]; ///< line by line, POSITION_BITS of fraction
+    std::uint16_t aY[CELL_PIXELS];
+    std::uint16_t aPlaceX[CELL_PIXELS / 4]; ///< chroma places, row by row, from the cell's first texel
+    std::uint16_t aPlaceY[CELL_PIXELS / 4];
+    std::uint8_t anFirstX[CELL_SIDE]; ///< each line's first texel, from the cell's
+    std::uint8_t anFirstY[CELL_SIDE];
+    std::int32_t x; ///< the cell's first texel; even
+    std::int32_t y;
+    int nRows; ///< of texels that a line crosses, at most; 0: lines reach over more than 16 texels of a row
+    bool bColumns; ///< lines are columns
+};
+
+/// A cell whose pixels have their own positions. Pixel n, row by row, is drawn where bit n is set.
 struct SExactCell
 {
+    SExactCell() : aPoints() {}
+
     std::uint64_t nCovered = 0;
-    SGridPoint aPoints[CELL_PIXELS];
+    bool bLines = false; ///< sLines is in use
+    union {
+        SGridPoint aPoints[CELL_PIXELS]; ///< row by row
+        SExactLines sLines;
+    };
 };
+
+/// Inside a frame, with room for everything that is read beside a position.
+struct SInside
+{
+    int nLeft = 0; ///< positions
+    int nTop = 0;
+    int nRight = 0;
+    int nBottom = 0;
+
+    bool Has(const SGridPoint& p) const
+    {
+        return p.x >= nLeft && p.x < nRight && p.y >= nTop && p.y < nBottom;
+    }
+};
+
+/// Whether one of the four pixels of a chroma place is covered.
+inline bool HasPlace(std::uint64_t nCovered, int nPlace)
+{
+    return (nCovered >> (nPlace / 4 * 2 * CELL_SIDE + nPlace % 4 * 2) & (3U | 3U << CELL_SIDE)) != 0;
+}
+
+/// Brings a cell's positions into lines where that can be.
+void SetLines(SExactCell& rCell, const SInside& rInside);
+/// All positions of a cell; where a pixel is not covered, anything.
+void ExactPositions(const SExactCell& rCell, SGridPoint* pPositions);
+/// Where the chroma of a 2 x 2 block with own positions is taken: their middle, or the first that is covered.
+SGridPoint ExactPlace(const SGridPoint* pPoints, std::uint64_t nCovered, int nFirstPixel);
 
 /// The grid of one rectangle of the target. Points stand in the middle of a pixel, every nStep pixels from
 /// the first one of the first cell; the last column and row of points belong to cells that are not there any

@@ -54,6 +54,8 @@ public:
     std::uint32_t SampleExact(const SExactCell& rCell, std::uint32_t* pSamples) const
     {
         SBounds sBounds;
+        SGridPoint asAll[CELL_PIXELS];
+        ExactPositions(rCell, asAll);
         SGridPoint asPositions[CELL_PIXELS];
         int anPlaces[CELL_PIXELS];
         int n = 0;
@@ -61,8 +63,8 @@ public:
             pSamples[i] = 0;
             if ((rCell.nCovered >> i & 1) == 0)
                 continue;
-            sBounds.Add(rCell.aPoints[i]);
-            asPositions[n] = rCell.aPoints[i];
+            sBounds.Add(asAll[i]);
+            asPositions[n] = asAll[i];
             anPlaces[n++] = i;
         }
         SLayerBox sBox;

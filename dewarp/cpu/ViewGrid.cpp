@@ -167,6 +167,12 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
     rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) {
         const SStrip sStrip = Strip(rGrid, nStrip);
         EachPart([&](const CProjection& rProjection) { FillExactCells(rProjection, rGrid, sStrip); });
+        const auto ExactBefore = [&](int nRow) {
+            return nRow == rGrid.nRows ? static_cast<int>(rGrid.vExact.size())
+                                       : rGrid.vFirstExact[static_cast<std::size_t>(nRow)];
+        };
+        for (int n = ExactBefore(sStrip.nFirst); n < ExactBefore(sStrip.nEnd); ++n)
+            SetLines(rGrid.vExact[static_cast<std::size_t>(n)], m_sInside);
     });
 }
 

@@ -63,14 +63,7 @@ private:
     std::vector<SGRect> m_vRemainder;
     CProjection m_aProjections[MAX_VIEW_PARTS];
     SCuts m_sCuts;
-    /// Positions whose samples need no edge, in full and in half resolution.
-    struct SInside
-    {
-        int nLeft = 0;
-        int nTop = 0;
-        int nRight = 0;
-        int nBottom = 0;
-    } m_sInside;
+    SInside m_sInside; ///< positions whose samples need no edge, in full and in half resolution
     int m_anPartGrid[MAX_VIEW_PARTS] = {};
     // Scratch.
     std::vector<short> m_vBends[2];   ///< how far the grid bends at each point, along and across

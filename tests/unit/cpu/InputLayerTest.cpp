@@ -37,7 +37,7 @@ static void ForPixels(const SPartGrid& rGrid, F&& rUse)
                 continue;
             if (nKind == CELL_EXACT) {
                 const SExactCell& rCell = rGrid.vExact[static_cast<std::size_t>(nExact++)];
-                std::copy_n(rCell.aPoints, CELL_PIXELS, asPositions);
+                ExactPositions(rCell, asPositions);
                 nCovered = rCell.nCovered;
             } else {
                 const int n = rGrid.PointsPerCell();
