@@ -42,14 +42,14 @@ inline SCellPoints Next(const SCellPoints& p, int nCell)
 
 /// Takes cells of a run from nCell on until as many are near as fit in a group: rPlace(block, place in the
 /// group) for each, rFar(points, cell) for those that it refuses. Returns how many are in the group.
-template <int STEP, class TPlaced, class FPlace, class FFar>
+template <int STEP, bool LINEAR, class TPlaced, class FPlace, class FFar>
 inline int FillGroup(const SCellPoints& rPoints, int& nCell, int nCells, TPlaced (&as)[NEAR_CELLS],
                      FPlace&& rPlace, FFar&& rFar)
 {
     int nNear = 0;
     for (; nCell < nCells && nNear < NEAR_CELLS; ++nCell) {
         const SCellPoints s = Next(rPoints, nCell);
-        const SBlock<STEP> b(s);
+        const SBlock<STEP> b(s, LINEAR ? 0 : POSITION_ONE / 2);
         as[nNear].nCell = nCell;
         if (b.bNear && rPlace(b, as[nNear]))
             ++nNear;
@@ -64,42 +64,113 @@ void LumaCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, uns
                std::ptrdiff_t nStride)
 {
     const SSamplePlane& rPlane = rJob.aPlanes[0];
-    const bool bNear = LINEAR && rPlane.nStride <= MOST_STRIDE;
+    const bool bNear = rPlane.nStride <= MOST_STRIDE;
     SLines as[NEAR_CELLS];
     for (int n = 0; n < nCells;) {
-        const int nNear = FillGroup<STEP>(
+        const int nNear = FillGroup<STEP, LINEAR>(
             rPoints, n, nCells, as,
             [&](const SBlock<STEP>& b, SLines& s) { return bNear && SetLumaLines(rPlane, b, s); },
             [&](const SCellPoints& s, int nCell) {
                 LumaCell<STEP, LINEAR>(rJob, s, pTarget + nCell * CELL_SIDE, nStride);
             });
         for (int i = 0; i < nNear; ++i)
-            PutLineLuma(as[i], rPlane.nStride, pTarget + as[i].nCell * CELL_SIDE, nStride);
+            PutLineLuma<LINEAR>(as[i], rPlane.nStride, pTarget + as[i].nCell * CELL_SIDE, nStride);
     }
+}
+
+/// Where the chroma of each cell of a run belongs.
+struct SChromaTargets
+{
+    struct SOne
+    {
+        unsigned char* ap[2];
+    };
+
+    explicit SChromaTargets(unsigned char* const* ppTargets) : ppFirst(ppTargets) {}
+    SOne Of(int nCell) const
+    {
+        if (ppFirst[1] == nullptr)
+            return {{ppFirst[0] + nCell * CELL_SIDE, nullptr}};
+        return {{ppFirst[0] + nCell * CELL_SIDE / 2, ppFirst[1] + nCell * CELL_SIDE / 2}};
+    }
+
+    unsigned char* const* ppFirst;
+};
+
+template <bool LINEAR, int STEP>
+inline void PlaceChromaOf(const SCellJob& rJob, const SBlock<STEP>& b, SNearChroma& c)
+{
+    if constexpr (LINEAR)
+        PlaceChroma(rJob, b, c);
+    else
+        PlaceNearestChroma(rJob, b, c);
+}
+
+template <bool LINEAR>
+inline void PutChromaOf(const SCellJob& rJob, const SNearChroma& c, unsigned char* const* pp,
+                        const std::ptrdiff_t* pStrides)
+{
+    if constexpr (LINEAR)
+        PutNearChroma(rJob, c, pp, pStrides);
+    else
+        PutNearestChroma(rJob, c, pp, pStrides);
 }
 
 template <int STEP, bool LINEAR>
 void ChromaCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells,
                  unsigned char* const* ppTargets, const std::ptrdiff_t* pStrides)
 {
-    const bool bTogether = ppTargets[1] == nullptr;
-    const bool bNear = LINEAR && HasNearChroma(rJob);
+    const bool bNear = HasNearChroma(rJob);
     SNearChroma as[NEAR_CELLS];
-    unsigned char* ap[2] = {};
-    const auto Target = [&](int n) {
-        ap[0] = ppTargets[0] + n * (bTogether ? 8 : 4);
-        ap[1] = bTogether ? nullptr : ppTargets[1] + n * 4;
-        return ap;
-    };
+    const SChromaTargets sTargets(ppTargets);
     for (int n = 0; n < nCells;) {
-        const int nNear = FillGroup<STEP>(
+        const int nNear = FillGroup<STEP, LINEAR>(
             rPoints, n, nCells, as,
-            [&](const SBlock<STEP>& b, SNearChroma& c) { return bNear && PlaceChroma(rJob, b, c); },
+            [&](const SBlock<STEP>& b, SNearChroma& c) {
+                if (bNear)
+                    PlaceChromaOf<LINEAR>(rJob, b, c);
+                return bNear;
+            },
             [&](const SCellPoints& s, int nCell) {
-                ChromaCell<STEP, LINEAR>(rJob, s, Target(nCell), pStrides);
+                ChromaCell<STEP, LINEAR>(rJob, s, sTargets.Of(nCell).ap, pStrides);
             });
         for (int i = 0; i < nNear; ++i)
-            PutNearChroma(rJob, as[i], Target(as[i].nCell), pStrides);
+            PutChromaOf<LINEAR>(rJob, as[i], sTargets.Of(as[i].nCell).ap, pStrides);
+    }
+}
+
+/// A cell's lines of luma and places of chroma.
+struct SNearPlanes
+{
+    SLines sLuma;
+    SNearChroma sChroma;
+    int nCell;
+};
+
+template <int STEP, bool LINEAR>
+void PlaneCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
+                std::ptrdiff_t nStride, unsigned char* const* ppTargets, const std::ptrdiff_t* pStrides)
+{
+    const SSamplePlane& rPlane = rJob.aPlanes[0];
+    SNearPlanes as[NEAR_CELLS];
+    const SChromaTargets sTargets(ppTargets);
+    for (int n = 0; n < nCells;) {
+        const int nNear = FillGroup<STEP, LINEAR>(
+            rPoints, n, nCells, as,
+            [&](const SBlock<STEP>& b, SNearPlanes& s) {
+                if (!SetLumaLines(rPlane, b, s.sLuma))
+                    return false;
+                PlaceChromaOf<LINEAR>(rJob, b, s.sChroma);
+                return true;
+            },
+            [&](const SCellPoints& s, int nCell) {
+                LumaCell<STEP, LINEAR>(rJob, s, pTarget + nCell * CELL_SIDE, nStride);
+                ChromaCell<STEP, LINEAR>(rJob, s, sTargets.Of(nCell).ap, pStrides);
+            });
+        for (int i = 0; i < nNear; ++i) {
+            PutLineLuma<LINEAR>(as[i].sLuma, rPlane.nStride, pTarget + as[i].nCell * CELL_SIDE, nStride);
+            PutChromaOf<LINEAR>(rJob, as[i].sChroma, sTargets.Of(as[i].nCell).ap, pStrides);
+        }
     }
 }
 
@@ -110,7 +181,7 @@ void YUVCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsi
     const bool bNear = LINEAR && HasChromaLines(rJob);
     SPixelLines as[NEAR_CELLS];
     for (int n = 0; n < nCells;) {
-        const int nNear = FillGroup<STEP>(
+        const int nNear = FillGroup<STEP, LINEAR>(
             rPoints, n, nCells, as,
             [&](const SBlock<STEP>& b, SPixelLines& s) { return bNear && SetPixelLines(rJob, b, s); },
             [&](const SCellPoints& s, int nCell) {
@@ -129,7 +200,7 @@ void PackedCells(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, u
     const bool bNear = HasNearPixels(rJob);
     for (int n = 0; n < nCells; ++n) {
         const SCellPoints sPoints = Next(rPoints, n);
-        const SBlock<STEP> b(sPoints);
+        const SBlock<STEP> b(sPoints, 0);
         if (bNear && b.bNear) {
             NearPackedCell(rJob, sOrders, b, pTarget + std::ptrdiff_t{n} * 32, nStride);
             continue;
@@ -157,6 +228,20 @@ void Chroma(const SCellJob& rJob, const SCellPoints& p, int nCells, unsigned cha
     const auto pCells = p.nStep == CELL_SIDE ? (rJob.bLinear ? ChromaCells<8, true> : ChromaCells<8, false>)
                                              : (rJob.bLinear ? ChromaCells<4, true> : ChromaCells<4, false>);
     pCells(rJob, p, nCells, ppTargets, pStrides);
+}
+
+void Planes(const SCellJob& rJob, const SCellPoints& p, int nCells, unsigned char* pTarget,
+            std::ptrdiff_t nStride, unsigned char* const* ppTargets, const std::ptrdiff_t* pStrides)
+{
+    if (HasNearChroma(rJob) && rJob.aPlanes[0].nStride <= MOST_STRIDE) {
+        const auto pCells = p.nStep == CELL_SIDE
+                                ? (rJob.bLinear ? PlaneCells<8, true> : PlaneCells<8, false>)
+                                : (rJob.bLinear ? PlaneCells<4, true> : PlaneCells<4, false>);
+        pCells(rJob, p, nCells, pTarget, nStride, ppTargets, pStrides);
+        return;
+    }
+    Luma(rJob, p, nCells, pTarget, nStride);
+    Chroma(rJob, p, nCells, ppTargets, pStrides);
 }
 
 void Pixels(const SCellJob& rJob, const SCellPoints& p, int nCells, unsigned char* pTarget,
@@ -235,7 +320,7 @@ void PixelsAt(const SCellJob& rJob, const SGridPoint* pPoints, std::uint32_t* pP
 
 const SCellKernels* AVX2Kernels()
 {
-    static const SCellKernels sKernels = {"AVX2",   Luma,     Chroma,    Pixels,      LumaAt,
+    static const SCellKernels sKernels = {"AVX2",   Luma,     Chroma,    Planes,      Pixels,    LumaAt,
                                           ChromaAt, PixelsAt, LumaLines, ChromaLines, PixelLines};
     return __builtin_cpu_supports("avx2") ? &sKernels : nullptr;
 }

@@ -242,6 +242,7 @@ const SCellKernels* AVX512Kernels()
                                                             : SCellKernels{"AVX-512",
                                                                            Luma,
                                                                            Chroma,
+                                                                           nullptr,
                                                                            Pixels,
                                                                            pNarrow->pLumaAt,
                                                                            pNarrow->pChromaAt,

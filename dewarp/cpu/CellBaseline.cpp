@@ -248,6 +248,7 @@ void Pixels(const SCellJob& rJob, const SCellPoints& p, int nCells, unsigned cha
 
 const SCellKernels* BaselineKernels()
 {
-    static const SCellKernels sKernels = {"baseline", Luma, Chroma, Pixels, LumaAt, ChromaAt, PixelsAt};
+    static const SCellKernels sKernels = {"baseline", Luma,   Chroma,   nullptr,
+                                          Pixels,     LumaAt, ChromaAt, PixelsAt};
     return &sKernels;
 }

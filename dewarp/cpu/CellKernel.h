@@ -86,6 +86,10 @@ struct SCellKernels
     /// are two.
     void (*pChroma)(const SCellJob& rJob, const SCellPoints& rPoints, int nCells,
                     unsigned char* const* ppTargets, const std::ptrdiff_t* pStrides) = nullptr;
+    /// Both at once; null: one after the other.
+    void (*pPlanes)(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
+                    std::ptrdiff_t nStride, unsigned char* const* ppTargets,
+                    const std::ptrdiff_t* pStrides) = nullptr;
     /// Pixels of 4 bytes.
     void (*pPixels)(const SCellJob& rJob, const SCellPoints& rPoints, int nCells, unsigned char* pTarget,
                     std::ptrdiff_t nStride) = nullptr;

@@ -3,81 +3,32 @@
 #include "dewarp/cpu/ViewGrid.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <utility>
 
-namespace
+/// Bends at one row of points; unknown where the grid ends.
+void CViewGrid::FindRowBends(const SPartGrid& rGrid, int nRow, const SBendRow& rTo) const
 {
-
-/// A bend that cannot be told: one of its points shows nothing.
-const int UNKNOWN_BEND = 32767;
-
-/// Bends of points along three rows (or thrice the same row, shifted).
-void BendsOf(const SGridPoint* pA, const SGridPoint* pB, const SGridPoint* pC, int nPoints, short* pBends)
-{
-    for (int n = 0; n < nPoints; ++n) {
-        const int x = std::abs(pA[n].x - 2 * pB[n].x + pC[n].x);
-        const int y = std::abs(pA[n].y - 2 * pB[n].y + pC[n].y);
-        pBends[n] = static_cast<short>(std::min(std::max(x, y), UNKNOWN_BEND));
-    }
-}
-
-/// A kink between two points shows in the bends at both: the straight line between them is off by their
-/// product over their sum at most.
-bool IsStraight(int a, int b, int nMostError)
-{
-    return std::min(a, b) <= nMostError || (std::max(a, b) != UNKNOWN_BEND && a * b <= nMostError * (a + b));
-}
-
-} // namespace
-
-void CViewGrid::FindBends(const SPartGrid& rGrid, const SStrip& rStrip)
-{
-    const int k = rGrid.PointsPerCell();
-    const int nEnd = rStrip.nEnd == rGrid.nRows ? rGrid.nPointRows : rStrip.nEnd * k;
-    for (int r = rStrip.nFirst * k; r < nEnd; ++r)
-        FindRowBends(rGrid, r);
-}
-
-/// Where the grid ends bends are unknown.
-void CViewGrid::FindRowBends(const SPartGrid& rGrid, int nRow)
-{
-    const int nPoints = rGrid.nPointCols;
     const SGridPoint* const p = rGrid.vPoints.data() + rGrid.PointIndex(0, nRow);
-    short* const pAlong = m_vBends[0].data() + rGrid.PointIndex(0, nRow);
-    short* const pAcross = m_vBends[1].data() + rGrid.PointIndex(0, nRow);
-    pAlong[0] = pAlong[nPoints - 1] = UNKNOWN_BEND;
-    BendsOf(p, p + 1, p + 2, nPoints - 2, pAlong + 1);
-    short* const pInside = m_vInside.data() + rGrid.PointIndex(0, nRow);
-    const SInside s = m_sInside;
-    for (int n = 0; n < nPoints; ++n)
-        pInside[n] = p[n].x >= s.nLeft && p[n].x < s.nRight && p[n].y >= s.nTop && p[n].y < s.nBottom
-                         ? short{-1}
-                         : short{0};
-    if (nRow == 0 || nRow == rGrid.nPointRows - 1)
-        std::fill(pAcross, pAcross + nPoints, static_cast<short>(UNKNOWN_BEND));
-    else
-        BendsOf(p - nPoints, p, p + nPoints, nPoints, pAcross);
+    const SGridPoint* const apRows[3] = {nRow == 0 ? nullptr : p - rGrid.nPointCols, p,
+                                         nRow == rGrid.nPointRows - 1 ? nullptr : p + rGrid.nPointCols};
+    BestGridLoops().pFindBends(apRows, rGrid.nPointCols, m_sInside, m_nMostError, rTo);
 }
 
-/// The kind of a cell that no border crosses.
-ECellKind CViewGrid::KindOf(const SPartGrid& rGrid, int nCol, int nRow) const
+/// The kind of a cell that is not plain.
+ECellKind CViewGrid::KindOf(const SPartGrid& rGrid, int nCol, int nRow, const SBendRow* pRows,
+                            short* const (&apAcross)[2])
 {
     const int k = rGrid.PointsPerCell();
-    const std::size_t nWidth = static_cast<std::size_t>(rGrid.nPointCols);
-    const std::size_t nFirst = rGrid.PointIndex(nCol * k, nRow * k);
     int nCovered = 0;
-    bool bStraight = m_nMostError > 0;
+    bool bStraight = true;
     bool bInside = true;
     for (int j = 0; j <= k; ++j) {
         for (int i = 0; i <= k; ++i) {
-            const std::size_t n = nFirst + static_cast<std::size_t>(j) * nWidth + static_cast<std::size_t>(i);
-            const SGridPoint& p = rGrid.vPoints[n];
-            nCovered += p.x != NOWHERE ? 1 : 0;
-            bInside = bInside && m_sInside.Has(p);
-            if (i < k)
-                bStraight = bStraight && IsStraight(m_vBends[0][n], m_vBends[0][n + 1], m_nMostError);
-            if (j < k)
-                bStraight = bStraight && IsStraight(m_vBends[1][n], m_vBends[1][n + nWidth], m_nMostError);
+            const int n = nCol * k + i;
+            nCovered += rGrid.vPoints[rGrid.PointIndex(n, nRow * k + j)].x != NOWHERE ? 1 : 0;
+            bInside = bInside && pRows[j].pInside[n] != 0;
+            bStraight =
+                bStraight && (i == k || pRows[j].pStraight[n] != 0) && (j == k || apAcross[j][n] != 0);
         }
     }
     if (nCovered == 0)
@@ -87,83 +38,90 @@ ECellKind CViewGrid::KindOf(const SPartGrid& rGrid, int nCol, int nRow) const
     return bInside ? CELL_SMOOTH : CELL_RIM;
 }
 
-/// Marks the quads between two rows of points that are straight and inside beyond doubt.
-static void MarkPlain(const short* const (&apRows)[3], std::ptrdiff_t nRow, int nQuads, short nMostError,
-                      short* pPlain)
+/// Decides the kinds of a strip's cells; rows of bends go round in its scratch, so that they stay in the
+/// cache.
+int CViewGrid::Classify(SPartGrid& rGrid, int nStrip)
 {
-    const short* const pAlong = apRows[0];
-    const short* const pAcross = apRows[1];
-    const short* const pInside = apRows[2];
-    for (int n = 0; n < nQuads; ++n) {
-        const short a = std::min(pAlong[n], pAlong[n + 1]);
-        const short b = std::min(pAlong[n + nRow], pAlong[n + nRow + 1]);
-        const short c = std::min(pAcross[n], pAcross[n + nRow]);
-        const short d = std::min(pAcross[n + 1], pAcross[n + nRow + 1]);
-        const short nWorst = std::max(std::max(a, b), std::max(c, d));
-        const short nInside =
-            static_cast<short>(pInside[n] & pInside[n + 1] & pInside[n + nRow] & pInside[n + nRow + 1]);
-        pPlain[n] = nWorst <= nMostError ? nInside : short{0};
-    }
-}
-
-int CViewGrid::Classify(SPartGrid& rGrid, const SStrip& rStrip)
-{
+    const SStrip sStrip = Strip(rGrid, nStrip);
     const int k = rGrid.PointsPerCell();
     const std::size_t nPoints = static_cast<std::size_t>(rGrid.nPointCols);
-    const short nMostError = static_cast<short>(m_nMostError > 0 ? m_nMostError : -1);
+    short* p = m_vScratch.data() + static_cast<std::size_t>(nStrip) * SCRATCH_ROWS * nPoints;
+    const auto Row = [&] { return std::exchange(p, p + nPoints); };
+    SBendRow as[3];
+    for (SBendRow& rRow : as)
+        rRow = {Row(), Row(), Row(), Row()};
+    short* const apAcross[2] = {Row(), Row()};
+    short* const apPlain[2] = {Row(), Row()};
     int nBent = 0;
-    for (int r = rStrip.nFirst; r < rStrip.nEnd; ++r) {
-        // A cell is plain where all its quads are; the flags take the place of bends that are not needed any
-        // more.
-        short* const pPlain = m_vPlain.data() + static_cast<std::size_t>(r * k) * nPoints;
+    FindRowBends(rGrid, sStrip.nFirst * k, as[0]);
+    for (int r = sStrip.nFirst; r < sStrip.nEnd; ++r) {
         for (int j = 0; j < k; ++j) {
-            const std::size_t nFirst = rGrid.PointIndex(0, r * k + j);
-            const short* const apRows[3] = {m_vBends[0].data() + nFirst, m_vBends[1].data() + nFirst,
-                                            m_vInside.data() + nFirst};
-            MarkPlain(apRows, rGrid.nPointCols, rGrid.nPointCols - 1, nMostError,
-                      pPlain + static_cast<std::size_t>(j) * nPoints);
+            FindRowBends(rGrid, r * k + j + 1, as[j + 1]);
+            BestGridLoops().pFindPlain(as[j], as[j + 1], rGrid.nPointCols, m_nMostError, apAcross[j],
+                                       apPlain[j]);
         }
+        const auto IsPlain = [&](int c) {
+            return k == 1 ? apPlain[0][c] != 0
+                          : (apPlain[0][2 * c] & apPlain[0][2 * c + 1] & apPlain[1][2 * c] &
+                             apPlain[1][2 * c + 1]) != 0;
+        };
         unsigned char* const pKinds = rGrid.vKinds.data() + rGrid.CellIndex(0, r);
+        int nExact = 0;
         for (int c = 0; c < rGrid.nCols; ++c) {
-            if (pKinds[c] == CELL_EXACT)
-                continue;
-            const short* const p = pPlain + static_cast<std::ptrdiff_t>(c) * k;
-            const bool bPlain = k == 1 ? p[0] != 0 : (p[0] & p[1] & p[nPoints] & p[nPoints + 1]) != 0;
-            pKinds[c] = bPlain ? CELL_SMOOTH : KindOf(rGrid, c, r);
-            nBent += pKinds[c] == CELL_EXACT ? 1 : 0;
+            if (pKinds[c] == CELL_SMOOTH && !IsPlain(c)) {
+                pKinds[c] = KindOf(rGrid, c, r, as, apAcross);
+                nBent += pKinds[c] == CELL_EXACT ? 1 : 0;
+            }
+            nExact += pKinds[c] == CELL_EXACT ? 1 : 0;
         }
+        rGrid.vFirstExact[static_cast<std::size_t>(r)] = nExact;
+        std::swap(as[0], as[k]);
     }
     return nBent;
 }
 
+/// From the number of exact cells in each row to where each row's begin, and room for them.
 int CViewGrid::NumberExactCells(SPartGrid& rGrid)
 {
+    int nExact = 0;
+    for (int& rFirst : rGrid.vFirstExact) {
+        const int nOfRow = rFirst;
+        rFirst = nExact;
+        nExact += nOfRow;
+    }
+    rGrid.vExact.resize(static_cast<std::size_t>(nExact));
     m_vExactOf.resize(rGrid.vKinds.size());
     m_vExactColumns.resize(2 * static_cast<std::size_t>(rGrid.nRows));
-    rGrid.vFirstExact.resize(static_cast<std::size_t>(rGrid.nRows));
-    int nExact = 0;
-    for (int r = 0; r < rGrid.nRows; ++r) {
+    return nExact;
+}
+
+/// Which exact cell each cell of a strip is, and between which columns they lie.
+void CViewGrid::FindExactCells(SPartGrid& rGrid, const SStrip& rStrip)
+{
+    for (int r = rStrip.nFirst; r < rStrip.nEnd; ++r) {
         const std::size_t nRow = static_cast<std::size_t>(r);
-        rGrid.vFirstExact[nRow] = nExact;
-        m_vExactColumns[2 * nRow] = rGrid.nCols;
-        m_vExactColumns[2 * nRow + 1] = -1;
-        const unsigned char* const pKinds = rGrid.vKinds.data() + rGrid.CellIndex(0, r);
-        if (std::find(pKinds, pKinds + rGrid.nCols, CELL_EXACT) == pKinds + rGrid.nCols)
+        int& rLeft = m_vExactColumns[2 * nRow] = rGrid.nCols;
+        int& rRight = m_vExactColumns[2 * nRow + 1] = -1;
+        int nExact = rGrid.vFirstExact[nRow];
+        if (nExact == ExactBefore(rGrid, r + 1))
             continue;
+        const unsigned char* const pKinds = rGrid.vKinds.data() + rGrid.CellIndex(0, r);
         for (int c = 0; c < rGrid.nCols; ++c) {
             const bool bExact = pKinds[c] == CELL_EXACT;
             m_vExactOf[rGrid.CellIndex(c, r)] = bExact ? nExact : -1;
             if (!bExact)
                 continue;
-            ++nExact;
-            m_vExactColumns[2 * nRow] = std::min(m_vExactColumns[2 * nRow], c);
-            m_vExactColumns[2 * nRow + 1] = c;
+            SExactCell& rCell = rGrid.vExact[static_cast<std::size_t>(nExact++)];
+            rCell.nCovered = 0;
+            rCell.bLines = false;
+            rLeft = std::min(rLeft, c);
+            rRight = c;
         }
     }
-    rGrid.vExact.resize(static_cast<std::size_t>(nExact));
-    for (SExactCell& rCell : rGrid.vExact) {
-        rCell.nCovered = 0;
-        rCell.bLines = false;
-    }
-    return nExact;
+}
+
+int CViewGrid::ExactBefore(const SPartGrid& rGrid, int nRow)
+{
+    return nRow == rGrid.nRows ? static_cast<int>(rGrid.vExact.size())
+                               : rGrid.vFirstExact[static_cast<std::size_t>(nRow)];
 }

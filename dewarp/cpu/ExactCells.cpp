@@ -63,22 +63,49 @@ SEdges EdgesOf(const SScreenTriangle& t)
 
 int CellOf(double fPixel, int nOrigin, int nCells)
 {
-    const double f = std::clamp((fPixel - nOrigin) / CELL_SIDE, -1.0, static_cast<double>(nCells));
-    return static_cast<int>(std::floor(f));
+    // Cut off above zero, which is down.
+    const double f = std::clamp((fPixel - nOrigin) * (1.0 / CELL_SIDE), -1.0, static_cast<double>(nCells));
+    return static_cast<int>(f + 1.0) - 1;
 }
 
 } // namespace
 
 void CViewGrid::FillExactCells(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const
 {
-    const double fFirst = rGrid.nOriginY + rStrip.nFirst * CELL_SIDE - 2.0;
-    const double fLast = rGrid.nOriginY + rStrip.nEnd * CELL_SIDE + 2.0;
+    // The rectangle round all of them; most triangles lie elsewhere.
+    SStrip sRows = {rStrip.nEnd, rStrip.nFirst};
+    int nFirst = rGrid.nCols;
+    int nLast = -1;
+    for (int r = rStrip.nFirst; r < rStrip.nEnd; ++r) {
+        const int* const pColumns = &m_vExactColumns[2 * static_cast<std::size_t>(r)];
+        if (pColumns[1] < 0)
+            continue;
+        sRows = {std::min(sRows.nFirst, r), r + 1};
+        nFirst = std::min(nFirst, pColumns[0]);
+        nLast = std::max(nLast, pColumns[1]);
+    }
+    if (nLast < 0)
+        return;
+    const double fTop = rGrid.nOriginY + sRows.nFirst * CELL_SIDE - 2.0;
+    const double fBottom = rGrid.nOriginY + sRows.nEnd * CELL_SIDE + 2.0;
+    const double fLeft = rGrid.nOriginX + nFirst * CELL_SIDE - 2.0;
+    const double fRight = rGrid.nOriginX + (nLast + 1) * CELL_SIDE + 2.0;
     SScreenTriangle t;
-    rProjection.Walk(*m_pMesh, fFirst, fLast,
+    rProjection.Walk(*m_pMesh, fTop, fBottom,
                      [&](const SScreenVertex& rA, const SScreenVertex& rB, const SScreenVertex& rC, bool) {
-                         if (t.SetUp(rA, rB, rC, m_sCuts.bDepth))
-                             AddExactTriangle(t, rGrid, rStrip);
+                         if ((rA.x < fLeft && rB.x < fLeft && rC.x < fLeft) ||
+                             (rA.x > fRight && rB.x > fRight && rC.x > fRight))
+                             return;
+                         SExactRange s;
+                         if (FindRange(rA, rB, rC, rGrid, rStrip, s) && t.SetUp(rA, rB, rC, m_sCuts.bDepth))
+                             AddExactTriangle(t, s, rGrid);
                      });
+}
+
+/// A pixel of a cell, or the nearest one.
+static int PixelOf(double fPixel, int nOrigin)
+{
+    return static_cast<int>(std::clamp(fPixel - nOrigin, 0.0, CELL_SIDE - 1.0));
 }
 
 /// Whether an edge leaves the whole cell outside.
@@ -94,11 +121,15 @@ static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts
 {
     if (IsBeyond(rEdges.a[0], nX, nY) || IsBeyond(rEdges.a[1], nX, nY) || IsBeyond(rEdges.a[2], nX, nY))
         return;
-    for (int y = 0; y < CELL_SIDE; ++y) {
+    // Corners have moved by half a place at most.
+    const int nLeft = PixelOf(t.fLeft - 1.0, nX);
+    const int nRight = PixelOf(t.fRight + 1.0, nX);
+    const int nBottom = PixelOf(t.fBottom + 1.0, nY);
+    for (int y = PixelOf(t.fTop - 1.0, nY); y <= nBottom; ++y) {
         std::int64_t an[3];
         for (int k = 0; k < 3; ++k)
-            an[k] = rEdges.a[k].At(nX, nY + y);
-        for (int x = 0; x < CELL_SIDE; ++x) {
+            an[k] = rEdges.a[k].At(nX + nLeft, nY + y);
+        for (int x = nLeft; x <= nRight; ++x) {
             const bool bOutside = (an[0] | an[1] | an[2]) < 0;
             for (int k = 0; k < 3; ++k)
                 an[k] += rEdges.a[k].nStepX * 256;
@@ -119,33 +150,41 @@ static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts
     }
 }
 
-void CViewGrid::AddExactTriangle(const SScreenTriangle& t, SPartGrid& rGrid, const SStrip& rStrip) const
+/// The cells that a triangle may touch. False: none of them is exact.
+bool CViewGrid::FindRange(const SScreenVertex& rA, const SScreenVertex& rB, const SScreenVertex& rC,
+                          const SPartGrid& rGrid, const SStrip& rStrip, SExactRange& rRange) const
+{
+    const auto Least = [](double a, double b, double c) { return std::min(std::min(a, b), c) - 1.0; };
+    const auto Most = [](double a, double b, double c) { return std::max(std::max(a, b), c) + 1.0; };
+    rRange = {std::max(CellOf(Least(rA.y, rB.y, rC.y), rGrid.nOriginY, rGrid.nRows), rStrip.nFirst),
+              std::min(CellOf(Most(rA.y, rB.y, rC.y), rGrid.nOriginY, rGrid.nRows), rStrip.nEnd - 1),
+              std::max(CellOf(Least(rA.x, rB.x, rC.x), rGrid.nOriginX, rGrid.nCols), 0),
+              std::min(CellOf(Most(rA.x, rB.x, rC.x), rGrid.nOriginX, rGrid.nCols), rGrid.nCols - 1)};
+    for (int r = rRange.nTop; r <= rRange.nBottom; ++r) {
+        const int* const pColumns = &m_vExactColumns[2 * static_cast<std::size_t>(r)];
+        const int nLast = std::min(rRange.nRight, pColumns[1]);
+        for (int c = std::max(rRange.nLeft, pColumns[0]); c <= nLast; ++c) {
+            if (rGrid.vKinds[rGrid.CellIndex(c, r)] == CELL_EXACT)
+                return true;
+        }
+    }
+    return false;
+}
+
+void CViewGrid::AddExactTriangle(const SScreenTriangle& t, const SExactRange& rRange, SPartGrid& rGrid) const
 {
     bool bGone = false;
     const bool bCut = IsCut(t, m_sCuts, bGone);
-    if (bGone)
+    const SEdges sEdges = EdgesOf(t);
+    if (bGone || !sEdges.bArea)
         return;
-    const int nTop = std::max(CellOf(t.fTop - 1.0, rGrid.nOriginY, rGrid.nRows), rStrip.nFirst);
-    const int nBottom = std::min(CellOf(t.fBottom + 1.0, rGrid.nOriginY, rGrid.nRows), rStrip.nEnd - 1);
-    const int nLeft = std::max(CellOf(t.fLeft - 1.0, rGrid.nOriginX, rGrid.nCols), 0);
-    const int nRight = std::min(CellOf(t.fRight + 1.0, rGrid.nOriginX, rGrid.nCols), rGrid.nCols - 1);
-    SEdges sEdges;
-    bool bSetUp = false;
-    for (int r = nTop; r <= nBottom; ++r) {
-        const std::size_t nRow = static_cast<std::size_t>(r);
-        const int nFirst = std::max(nLeft, m_vExactColumns[2 * nRow]);
-        const int nLast = std::min(nRight, m_vExactColumns[2 * nRow + 1]);
-        for (int c = nFirst; c <= nLast; ++c) {
-            const int nExact = m_vExactOf[rGrid.CellIndex(c, r)];
-            if (nExact < 0)
+    for (int r = rRange.nTop; r <= rRange.nBottom; ++r) {
+        for (int c = rRange.nLeft; c <= rRange.nRight; ++c) {
+            if (rGrid.vKinds[rGrid.CellIndex(c, r)] != CELL_EXACT)
                 continue;
-            if (!bSetUp) {
-                sEdges = EdgesOf(t);
-                bSetUp = true;
-            }
-            if (sEdges.bArea)
-                FillCell(t, sEdges, bCut ? m_sCuts : SCuts(), rGrid.nOriginX + c * CELL_SIDE,
-                         rGrid.nOriginY + r * CELL_SIDE, rGrid.vExact[static_cast<std::size_t>(nExact)]);
+            const int nExact = m_vExactOf[rGrid.CellIndex(c, r)];
+            FillCell(t, sEdges, bCut ? m_sCuts : SCuts(), rGrid.nOriginX + c * CELL_SIDE,
+                     rGrid.nOriginY + r * CELL_SIDE, rGrid.vExact[static_cast<std::size_t>(nExact)]);
         }
     }
 }

@@ -17,37 +17,111 @@ const int BLOCK_TEXELS = 32;
 /// Positions of a 2 x 2 block farther apart than this do not belong together.
 const int FAR_APART = 16 * POSITION_ONE;
 
-/// What eight positions reach over, in texels.
-struct SLine
+/// Where a cell's pixels lie from its first texel on; less half of what 16 bits hold, for instructions that
+/// take signed numbers alone.
+struct SOffsets
 {
-    int nFirstX = 0;
-    int nFirstY = 0;
-    int nRows = 0;
+    std::int16_t aX[CELL_PIXELS];
+    std::int16_t aY[CELL_PIXELS];
+};
+const int OFFSET_MIDDLE = 0x8000;
+
+/// What eight lines reach over, in texels from the cell's first.
+struct SReaches
+{
+    int anFirstX[CELL_SIDE];
+    int anFirstY[CELL_SIDE];
+    int nRows = 0; ///< that one of them crosses, at most; MOST_ROWS + 1: more, or one reaches too far
 };
 
-/// Line by line: nAlong words from one pixel of a line to the next, nAcross from one line to the next.
-int ReachOfLines(const std::uint16_t* pX, const std::uint16_t* pY, int nAlong, int nAcross,
-                 SLine (&as)[CELL_SIDE])
+/// Lines are columns of the offsets.
+void FindReaches(const SOffsets& o, SReaches& r)
 {
-    int nMostRows = 0;
+    std::int16_t anLowX[CELL_SIDE];
+    std::int16_t anLowY[CELL_SIDE];
+    std::int16_t anHighX[CELL_SIDE];
+    std::int16_t anHighY[CELL_SIDE];
     for (int l = 0; l < CELL_SIDE; ++l) {
-        int nLowX = 0xFFFF;
-        int nLowY = 0xFFFF;
-        int nHighX = 0;
-        int nHighY = 0;
-        for (int n = 0; n < CELL_SIDE; ++n) {
-            const int i = l * nAcross + n * nAlong;
-            nLowX = std::min<int>(nLowX, pX[i]);
-            nLowY = std::min<int>(nLowY, pY[i]);
-            nHighX = std::max<int>(nHighX, pX[i]);
-            nHighY = std::max<int>(nHighY, pY[i]);
-        }
-        as[l] = {nLowX >> POSITION_BITS, nLowY >> POSITION_BITS,
-                 (nHighY >> POSITION_BITS) - (nLowY >> POSITION_BITS) + 2};
-        const bool bFits = (nHighX >> POSITION_BITS) - as[l].nFirstX + 2 <= MOST_TEXELS;
-        nMostRows = std::max(nMostRows, bFits ? as[l].nRows : MOST_ROWS + 1);
+        anLowX[l] = anHighX[l] = o.aX[l];
+        anLowY[l] = anHighY[l] = o.aY[l];
     }
-    return nMostRows;
+    for (int n = CELL_SIDE; n < CELL_PIXELS; n += CELL_SIDE) {
+        for (int l = 0; l < CELL_SIDE; ++l) {
+            anLowX[l] = std::min(anLowX[l], o.aX[n + l]);
+            anHighX[l] = std::max(anHighX[l], o.aX[n + l]);
+            anLowY[l] = std::min(anLowY[l], o.aY[n + l]);
+            anHighY[l] = std::max(anHighY[l], o.aY[n + l]);
+        }
+    }
+    const auto Texel = [](int n) { return (n + OFFSET_MIDDLE) >> POSITION_BITS; };
+    for (int l = 0; l < CELL_SIDE; ++l) {
+        r.anFirstX[l] = Texel(anLowX[l]);
+        r.anFirstY[l] = Texel(anLowY[l]);
+        const bool bFits = Texel(anHighX[l]) - r.anFirstX[l] + 2 <= MOST_TEXELS;
+        r.nRows = std::max(r.nRows, bFits ? Texel(anHighY[l]) - r.anFirstY[l] + 2 : MOST_ROWS + 1);
+    }
+}
+
+void Transpose(const SOffsets& rFrom, SOffsets& rTo)
+{
+    for (int l = 0; l < CELL_SIDE; ++l) {
+        for (int n = 0; n < CELL_SIDE; ++n) {
+            rTo.aX[l * CELL_SIDE + n] = rFrom.aX[n * CELL_SIDE + l];
+            rTo.aY[l * CELL_SIDE + n] = rFrom.aY[n * CELL_SIDE + l];
+        }
+    }
+}
+
+/// The lowest and the highest of a cell's positions. Those that nothing covers become one that something
+/// does.
+void FillGaps(SGridPoint* pPoints, std::uint64_t nCovered, SGridPoint& rLow, SGridPoint& rHigh)
+{
+    const SGridPoint sAny = pPoints[std::countr_zero(nCovered)];
+    if (nCovered != ~std::uint64_t{0}) {
+        for (int n = 0; n < CELL_PIXELS; ++n)
+            pPoints[n] = (nCovered >> n & 1) != 0 ? pPoints[n] : sAny;
+    }
+    rLow = rHigh = sAny;
+    for (int n = 0; n < CELL_PIXELS; ++n) {
+        rLow = {std::min(rLow.x, pPoints[n].x), std::min(rLow.y, pPoints[n].y)};
+        rHigh = {std::max(rHigh.x, pPoints[n].x), std::max(rHigh.y, pPoints[n].y)};
+    }
+}
+
+/// The chroma places of a cell, from its first texel on.
+void SetPlaces(const SExactCell& rCell, bool bTogether, SExactLines& s)
+{
+    const bool bMiddles = bTogether && rCell.nCovered == ~std::uint64_t{0};
+    for (int n = 0; n < CELL_PIXELS / 4; ++n) {
+        const int i = n / 4 * 2 * CELL_SIDE + n % 4 * 2;
+        const SGridPoint* const p = rCell.aPoints + i;
+        SGridPoint sPlace = *p;
+        if (bMiddles)
+            sPlace = {(p[0].x + p[1].x + p[CELL_SIDE].x + p[CELL_SIDE + 1].x + 2) >> 2,
+                      (p[0].y + p[1].y + p[CELL_SIDE].y + p[CELL_SIDE + 1].y + 2) >> 2};
+        else if (HasPlace(rCell.nCovered, n))
+            sPlace = ExactPlace(rCell.aPoints, rCell.nCovered, i);
+        s.aPlaceX[n] = static_cast<std::uint16_t>(sPlace.x - s.x * POSITION_ONE);
+        s.aPlaceY[n] = static_cast<std::uint16_t>(sPlace.y - s.y * POSITION_ONE);
+    }
+}
+
+/// The cell's pixels along the columns of some offsets.
+void SetPixels(const SOffsets& rLines, const SReaches& r, SExactLines& s)
+{
+    s.nRows = r.nRows > MOST_ROWS ? 0 : r.nRows;
+    for (int l = 0; l < CELL_SIDE; ++l) {
+        const int x = s.nRows == 0 ? 0 : r.anFirstX[l];
+        const int y = s.nRows == 0 ? 0 : r.anFirstY[l];
+        s.anFirstX[l] = static_cast<std::uint8_t>(x);
+        s.anFirstY[l] = static_cast<std::uint8_t>(y);
+        const int nFromX = OFFSET_MIDDLE - (x << POSITION_BITS);
+        const int nFromY = OFFSET_MIDDLE - (y << POSITION_BITS);
+        for (int n = 0; n < CELL_SIDE; ++n) {
+            s.aX[l * CELL_SIDE + n] = static_cast<std::uint16_t>(rLines.aX[l * CELL_SIDE + n] + nFromX);
+            s.aY[l * CELL_SIDE + n] = static_cast<std::uint16_t>(rLines.aY[l * CELL_SIDE + n] + nFromY);
+        }
+    }
 }
 
 } // namespace
@@ -81,56 +155,36 @@ void SetLines(SExactCell& rCell, const SInside& rInside)
 {
     if (rCell.nCovered == 0)
         return;
-    const SGridPoint sAny = rCell.aPoints[std::countr_zero(rCell.nCovered)];
-    SGridPoint aPoints[CELL_PIXELS];
-    SGridPoint sLow = sAny;
-    SGridPoint sHigh = sAny;
-    for (int n = 0; n < CELL_PIXELS; ++n) {
-        const SGridPoint p = (rCell.nCovered >> n & 1) != 0 ? rCell.aPoints[n] : sAny;
-        aPoints[n] = p;
-        sLow = {std::min(sLow.x, p.x), std::min(sLow.y, p.y)};
-        sHigh = {std::max(sHigh.x, p.x), std::max(sHigh.y, p.y)};
-    }
+    SGridPoint sLow;
+    SGridPoint sHigh;
+    FillGaps(rCell.aPoints, rCell.nCovered, sLow, sHigh);
     SExactLines s;
     s.x = (sLow.x >> POSITION_BITS) & ~1;
     s.y = (sLow.y >> POSITION_BITS) & ~1;
+    const SGridPoint sFirst = {s.x * POSITION_ONE, s.y * POSITION_ONE};
     const int nMost = (BLOCK_TEXELS - 1) * POSITION_ONE;
     // A line reads as many rows as the one with the most rows needs, and more bytes of each.
     const int nLastRow = (sHigh.y >> POSITION_BITS) + MOST_ROWS + 2;
-    if (!rInside.Has(sLow) || !rInside.Has(sHigh) || sHigh.x - s.x * POSITION_ONE >= nMost ||
-        sHigh.y - s.y * POSITION_ONE >= nMost || nLastRow * POSITION_ONE >= rInside.nBottom)
+    if (!rInside.Has(sLow) || !rInside.Has(sHigh) || sHigh.x - sFirst.x >= nMost ||
+        sHigh.y - sFirst.y >= nMost || nLastRow * POSITION_ONE >= rInside.nBottom)
         return;
-    for (int n = 0; n < CELL_PIXELS / 4; ++n) {
-        const SGridPoint p = HasPlace(rCell.nCovered, n)
-                                 ? ExactPlace(aPoints, rCell.nCovered, n / 4 * 2 * CELL_SIDE + n % 4 * 2)
-                                 : sAny;
-        s.aPlaceX[n] = static_cast<std::uint16_t>(p.x - s.x * POSITION_ONE);
-        s.aPlaceY[n] = static_cast<std::uint16_t>(p.y - s.y * POSITION_ONE);
-    }
-    std::uint16_t anX[CELL_PIXELS];
-    std::uint16_t anY[CELL_PIXELS];
+    SetPlaces(rCell, sHigh.x - sLow.x < FAR_APART && sHigh.y - sLow.y < FAR_APART, s);
+    SOffsets sRows;
     for (int n = 0; n < CELL_PIXELS; ++n) {
-        anX[n] = static_cast<std::uint16_t>(aPoints[n].x - s.x * POSITION_ONE);
-        anY[n] = static_cast<std::uint16_t>(aPoints[n].y - s.y * POSITION_ONE);
+        sRows.aX[n] = static_cast<std::int16_t>(rCell.aPoints[n].x - sFirst.x - OFFSET_MIDDLE);
+        sRows.aY[n] = static_cast<std::int16_t>(rCell.aPoints[n].y - sFirst.y - OFFSET_MIDDLE);
     }
-    SLine asRows[CELL_SIDE];
-    SLine asColumns[CELL_SIDE];
-    const int nOfRows = ReachOfLines(anX, anY, 1, CELL_SIDE, asRows);
-    const int nOfColumns = ReachOfLines(anX, anY, CELL_SIDE, 1, asColumns);
-    s.bColumns = nOfColumns < nOfRows;
-    s.nRows = std::min(nOfRows, nOfColumns);
-    if (s.nRows > MOST_ROWS)
-        s.nRows = 0;
-    for (int l = 0; l < CELL_SIDE; ++l) {
-        const SLine sLine = s.nRows == 0 ? SLine() : s.bColumns ? asColumns[l] : asRows[l];
-        s.anFirstX[l] = static_cast<std::uint8_t>(sLine.nFirstX);
-        s.anFirstY[l] = static_cast<std::uint8_t>(sLine.nFirstY);
-        for (int n = 0; n < CELL_SIDE; ++n) {
-            const int i = s.bColumns ? n * CELL_SIDE + l : l * CELL_SIDE + n;
-            s.aX[l * CELL_SIDE + n] = static_cast<std::uint16_t>(anX[i] - (sLine.nFirstX << POSITION_BITS));
-            s.aY[l * CELL_SIDE + n] = static_cast<std::uint16_t>(anY[i] - (sLine.nFirstY << POSITION_BITS));
-        }
-    }
+    SOffsets sColumns;
+    Transpose(sRows, sColumns);
+    SReaches sOfColumns;
+    SReaches sOfRows;
+    FindReaches(sRows, sOfColumns);
+    FindReaches(sColumns, sOfRows);
+    s.bColumns = sOfColumns.nRows < sOfRows.nRows;
+    if (s.bColumns)
+        SetPixels(sColumns, sOfColumns, s);
+    else
+        SetPixels(sRows, sOfRows, s);
     rCell.sLines = s;
     rCell.bLines = true;
 }

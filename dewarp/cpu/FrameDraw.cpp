@@ -119,14 +119,19 @@ void CFrameDraw::DrawRun(const SPartGrid& rGrid, int nRow, int nCol, int nCells)
         k.pPixels(m_rCells, sPoints, nCells, TargetRow(m_rJob, 0, y) + std::ptrdiff_t{4} * x, t.anStrides[0]);
         return;
     }
-    k.pLuma(m_rCells, sPoints, nCells, TargetRow(m_rJob, 0, y) + x, t.anStrides[0]);
     unsigned char* const apTargets[2] = {TargetRow(m_rJob, 1, y / 2) + (bNV ? x : x / 2),
                                          bNV ? nullptr : TargetRow(m_rJob, 2, y / 2) + x / 2};
+    const std::ptrdiff_t anStrides[2] = {t.anStrides[1], t.anStrides[2]};
+    unsigned char* const pLuma = TargetRow(m_rJob, 0, y) + x;
+    if (m_rCells.eSource != SOURCE_GRAY && k.pPlanes != nullptr) {
+        k.pPlanes(m_rCells, sPoints, nCells, pLuma, t.anStrides[0], apTargets, anStrides);
+        return;
+    }
+    k.pLuma(m_rCells, sPoints, nCells, pLuma, t.anStrides[0]);
     if (m_rCells.eSource == SOURCE_GRAY) {
         ClearChroma({x, y, nCells * CELL_SIDE, CELL_SIDE});
         return;
     }
-    const std::ptrdiff_t anStrides[2] = {t.anStrides[1], t.anStrides[2]};
     k.pChroma(m_rCells, sPoints, nCells, apTargets, anStrides);
 }
 

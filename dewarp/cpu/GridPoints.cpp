@@ -1,5 +1,6 @@
 // Triangles into points of the grid, and the cells that their borders and cuts cross.
 
+#include "dewarp/cpu/GridLoops.h"
 #include "dewarp/cpu/ViewGrid.h"
 
 #include <algorithm>
@@ -53,76 +54,6 @@ void MarkBox(const SScreenTriangle& t, SPartGrid& rGrid, int nFirstRow, int nEnd
     }
 }
 
-/// Where a triangle's edges cross a row.
-class CEdges
-{
-public:
-    explicit CEdges(const SScreenTriangle& t)
-    {
-        for (int k = 0; k < 3; ++k) {
-            const int n = k == 2 ? 0 : k + 1;
-            SEdge& e = m_aEdges[k];
-            const double dx = t.afX[n] - t.afX[k];
-            const double dy = t.afY[n] - t.afY[k];
-            e.x = t.afX[k];
-            e.y = t.afY[k];
-            e.nSide = dy == 0.0 ? 0 : (dy > 0.0) == (t.fTurn > 0.0) ? 1 : -1;
-            e.fSlope = dy == 0.0 ? (t.fTurn > 0.0 ? dx : -dx) : dx / dy;
-        }
-    }
-    /// Narrows the columns inside at a row; nothing is inside when fHigh < fLow.
-    void Span(double y, double& fLow, double& fHigh) const
-    {
-        for (const SEdge& e : m_aEdges) {
-            const double x = e.x + e.fSlope * (y - e.y);
-            if (e.nSide > 0)
-                fHigh = std::min(fHigh, x);
-            else if (e.nSide < 0)
-                fLow = std::max(fLow, x);
-            else if (e.fSlope * (y - e.y) < 0.0)
-                fHigh = fLow - 1.0;
-        }
-    }
-
-private:
-    struct SEdge
-    {
-        double x;
-        double y;
-        double fSlope; ///< columns a row; for a level edge, which side of it is inside
-        int nSide;     ///< 1: inside is left of it; -1: right; 0: it is level
-    };
-    SEdge m_aEdges[3];
-};
-
-/// Points of one row that a triangle covers.
-void FillRow(const SScreenTriangle& t, double dx, double dy, int nStep, int nPoints, SGridPoint* pPoints)
-{
-    const double fU = t.sU.f + t.sU.fY * dy;
-    const double fV = t.sV.f + t.sV.fY * dy;
-    const double fW = t.sW.f + t.sW.fY * dy;
-    for (int n = 0; n < nPoints; ++n) {
-        const double x = dx + static_cast<double>(n * nStep);
-        const double f = t.bFlat ? 1.0 : 1.0 / (fW + t.sW.fX * x);
-        pPoints[n] = PositionAt((fU + t.sU.fX * x) * f, (fV + t.sV.fX * x) * f);
-    }
-}
-
-/// The same where something is cut away.
-void FillCutRow(const SScreenTriangle& t, const SCuts& rCuts, double dx, double dy, int nStep, int nPoints,
-                SGridPoint* pPoints)
-{
-    for (int n = 0; n < nPoints; ++n) {
-        const double x = dx + static_cast<double>(n * nStep);
-        double u = 0.0;
-        double v = 0.0;
-        t.Show(x, dy, u, v);
-        if ((!rCuts.bDepth || t.sZ.At(x, dy) >= rCuts.fDepth) &&
-            (!rCuts.bRows || (v >= rCuts.fLowestRow && v <= rCuts.fHighestRow)))
-            pPoints[n] = PositionAt(u, v);
-    }
-}
-
 } // namespace
 
 void CViewGrid::FillPoints(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const
@@ -147,38 +78,18 @@ void CViewGrid::AddTriangle(const SScreenTriangle& t, bool bClipped, SPartGrid& 
         return;
     if (bCut || bClipped)
         MarkBox(t, rGrid, rStrip.nFirst, rStrip.nEnd);
-    const double fOriginX = rGrid.nOriginX + 0.5;
-    const double fOriginY = rGrid.nOriginY + 0.5;
-    const double fPerPixel = 1.0 / rGrid.nStep;
-    // A hair more on every side: points on an edge belong to both triangles, none falls between.
-    const double fHair = 1e-7;
-    const int nFirstRow = rStrip.nFirst * rGrid.PointsPerCell();
-    const int nLastRow =
-        rStrip.nEnd == rGrid.nRows ? rGrid.nPointRows - 1 : rStrip.nEnd * rGrid.PointsPerCell() - 1;
-    const int nTop = static_cast<int>(
-        std::ceil(std::max((t.fTop - fOriginY) * fPerPixel - fHair, static_cast<double>(nFirstRow))));
-    const int nBottom = static_cast<int>(
-        std::floor(std::min((t.fBottom - fOriginY) * fPerPixel + fHair, static_cast<double>(nLastRow))));
-    if (nTop > nBottom)
-        return;
-    const CEdges oEdges(t);
-    for (int r = nTop; r <= nBottom; ++r) {
-        const double y = fOriginY + r * rGrid.nStep;
-        double fLow = t.fLeft;
-        double fHigh = t.fRight;
-        oEdges.Span(std::clamp(y, t.fTop, t.fBottom), fLow, fHigh);
-        const int nLeft = static_cast<int>(std::ceil(std::max((fLow - fOriginX) * fPerPixel - fHair, 0.0)));
-        const int nRight = static_cast<int>(std::floor(
-            std::min((fHigh - fOriginX) * fPerPixel + fHair, static_cast<double>(rGrid.nPointCols - 1))));
-        if (nRight < nLeft)
-            continue;
-        SGridPoint* const pRow = rGrid.vPoints.data() + rGrid.PointIndex(nLeft, r);
-        const double dx = fOriginX + nLeft * rGrid.nStep - t.afX[0];
-        if (bCut)
-            FillCutRow(t, m_sCuts, dx, y - t.afY[0], rGrid.nStep, nRight - nLeft + 1, pRow);
-        else
-            FillRow(t, dx, y - t.afY[0], rGrid.nStep, nRight - nLeft + 1, pRow);
-    }
+    SPointWindow s;
+    s.pPoints = rGrid.vPoints.data();
+    s.nCols = rGrid.nPointCols;
+    s.nFirstRow = rStrip.nFirst * rGrid.PointsPerCell();
+    s.nLastRow = rStrip.nEnd == rGrid.nRows ? rGrid.nPointRows - 1 : rStrip.nEnd * rGrid.PointsPerCell() - 1;
+    s.nStep = rGrid.nStep;
+    s.fOriginX = rGrid.nOriginX + 0.5;
+    s.fOriginY = rGrid.nOriginY + 0.5;
+    if (bCut)
+        FillCutTriangle(t, m_sCuts, s);
+    else
+        BestGridLoops().pFillTriangle(t, s);
 }
 
 void CViewGrid::MarkBorders(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const

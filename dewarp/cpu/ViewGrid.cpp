@@ -121,6 +121,7 @@ void CViewGrid::SizePoints(SPartGrid& rGrid, int nStep)
     rGrid.nPointRows = rGrid.nRows * rGrid.PointsPerCell() + 1;
     rGrid.vPoints.resize(rGrid.PointIndex(0, rGrid.nPointRows));
     rGrid.vKinds.resize(rGrid.CellIndex(0, rGrid.nRows));
+    rGrid.vFirstExact.resize(static_cast<std::size_t>(rGrid.nRows));
 }
 
 CViewGrid::SStrip CViewGrid::Strip(const SPartGrid& rGrid, int nStrip) const
@@ -152,12 +153,10 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
             MarkBorders(rProjection, rGrid, sStrip);
         });
     });
-    for (std::vector<short>* pScratch : {&m_vBends[0], &m_vBends[1], &m_vInside, &m_vPlain})
-        pScratch->resize(rGrid.vPoints.size());
-    rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) { FindBends(rGrid, Strip(rGrid, nStrip)); });
+    m_vScratch.resize(static_cast<std::size_t>(m_nStrips) * SCRATCH_ROWS *
+                      static_cast<std::size_t>(rGrid.nPointCols));
     std::atomic<int> nBent{0};
-    rPool.Run(m_nThreads, m_nStrips,
-              [&](int nStrip) { nBent.fetch_add(Classify(rGrid, Strip(rGrid, nStrip))); });
+    rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) { nBent.fetch_add(Classify(rGrid, nStrip)); });
     if (nStep == CELL_SIDE && m_nMostError > 0 && nBent > rGrid.nCols * rGrid.nRows / DENSE_FROM) {
         FillGrid(nGrid, rDecision, CELL_SIDE / 2);
         return;
@@ -166,12 +165,9 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
         return;
     rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) {
         const SStrip sStrip = Strip(rGrid, nStrip);
+        FindExactCells(rGrid, sStrip);
         EachPart([&](const CProjection& rProjection) { FillExactCells(rProjection, rGrid, sStrip); });
-        const auto ExactBefore = [&](int nRow) {
-            return nRow == rGrid.nRows ? static_cast<int>(rGrid.vExact.size())
-                                       : rGrid.vFirstExact[static_cast<std::size_t>(nRow)];
-        };
-        for (int n = ExactBefore(sStrip.nFirst); n < ExactBefore(sStrip.nEnd); ++n)
+        for (int n = ExactBefore(rGrid, sStrip.nFirst); n < ExactBefore(rGrid, sStrip.nEnd); ++n)
             SetLines(rGrid.vExact[static_cast<std::size_t>(n)], m_sInside);
     });
 }
@@ -206,5 +202,5 @@ std::size_t CViewGrid::CountBytes() const
     for (const SPartGrid& rGrid : m_vParts)
         nBytes += rGrid.vPoints.capacity() * sizeof(SGridPoint) + rGrid.vKinds.capacity() +
                   rGrid.vExact.capacity() * sizeof(SExactCell) + rGrid.vFirstExact.capacity() * sizeof(int);
-    return nBytes + 4 * m_vInside.capacity() * sizeof(short) + m_vExactOf.capacity() * sizeof(int);
+    return nBytes + m_vScratch.capacity() * sizeof(short) + m_vExactOf.capacity() * sizeof(int);
 }

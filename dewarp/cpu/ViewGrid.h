@@ -4,6 +4,7 @@
 
 #include "dewarp/control/Decision.h"
 #include "dewarp/cpu/Grid.h"
+#include "dewarp/cpu/GridLoops.h"
 #include "dewarp/cpu/Projection.h"
 
 /// Rasterises the view's triangles, in their order, into one grid for each rectangle of the target that the
@@ -46,13 +47,26 @@ private:
                      const SStrip& rStrip) const;
     void MarkBorders(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const;
     /// Decides each cell's kind; returns how many are exact for their bends alone.
-    int Classify(SPartGrid& rGrid, const SStrip& rStrip);
-    ECellKind KindOf(const SPartGrid& rGrid, int nCol, int nRow) const;
-    void FindBends(const SPartGrid& rGrid, const SStrip& rStrip);
-    void FindRowBends(const SPartGrid& rGrid, int nRow);
+    int Classify(SPartGrid& rGrid, int nStrip);
+    static ECellKind KindOf(const SPartGrid& rGrid, int nCol, int nRow, const SBendRow* pRows,
+                            short* const (&apAcross)[2]);
+    void FindRowBends(const SPartGrid& rGrid, int nRow, const SBendRow& rTo) const;
     int NumberExactCells(SPartGrid& rGrid);
+    void FindExactCells(SPartGrid& rGrid, const SStrip& rStrip);
+    static int ExactBefore(const SPartGrid& rGrid, int nRow);
     void FillExactCells(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const;
-    void AddExactTriangle(const SScreenTriangle& rTriangle, SPartGrid& rGrid, const SStrip& rStrip) const;
+    /// Rows and columns of cells, the last ones included.
+    struct SExactRange
+    {
+        int nTop;
+        int nBottom;
+        int nLeft;
+        int nRight;
+    };
+    bool FindRange(const SScreenVertex& rA, const SScreenVertex& rB, const SScreenVertex& rC,
+                   const SPartGrid& rGrid, const SStrip& rStrip, SExactRange& rRange) const;
+    void AddExactTriangle(const SScreenTriangle& rTriangle, const SExactRange& rRange,
+                          SPartGrid& rGrid) const;
 
     const CMeshIndex* m_pMesh = nullptr; ///< while a grid is built
     int m_nThreads = 1;
@@ -66,9 +80,8 @@ private:
     SInside m_sInside; ///< positions whose samples need no edge, in full and in half resolution
     int m_anPartGrid[MAX_VIEW_PARTS] = {};
     // Scratch.
-    std::vector<short> m_vBends[2];   ///< how far the grid bends at each point, along and across
-    std::vector<short> m_vInside;     ///< -1 for points whose samples need no edge
-    std::vector<short> m_vPlain;      ///< -1 for quads that are smooth beyond doubt, by their first point
+    static constexpr std::size_t SCRATCH_ROWS = 16;
+    std::vector<short> m_vScratch;    ///< for each strip, rows of bends and of flags
     std::vector<int> m_vExactOf;      ///< for each cell, its exact cell
     std::vector<int> m_vExactColumns; ///< for each row of cells, first and last exact column
 };

@@ -82,7 +82,7 @@ void CWorkerPool::ThreadMain()
             oLock.unlock();
             Work(*pJob);
             oLock.lock();
-            --pJob->nHelpers;
+            pJob->nHelpers.fetch_sub(1, std::memory_order_release); // the job may be gone from here on
             m_oDone.notify_all();
             continue;
         }
@@ -125,7 +125,15 @@ void CWorkerPool::RunPieces(int nThreads, int nPieces, void (*pCall)(void*, int)
     m_oWork.notify_all();
     Work(sJob);
     m_nWaiting.fetch_sub(1, std::memory_order_relaxed);
+    {
+        const std::lock_guard oLock(m_oMutex);
+        Remove(sJob);
+    }
+    // Helpers are at their last pieces: to sleep and be woken would take longer.
+    for (int n = 0; n < SPINS && sJob.nHelpers.load(std::memory_order_acquire) != 0; ++n)
+        Pause();
+    if (sJob.nHelpers.load(std::memory_order_acquire) == 0)
+        return;
     std::unique_lock oLock(m_oMutex);
-    Remove(sJob);
     m_oDone.wait(oLock, [&] { return sJob.nHelpers == 0; });
 }

@@ -45,7 +45,7 @@ private:
         int nPieces = 0;
         int nMostHelpers = 0;
         std::atomic<int> nNext{0};
-        int nHelpers = 0; ///< threads of the pool inside; under the lock
+        std::atomic<int> nHelpers{0}; ///< threads of the pool inside; changed under the lock
         SJob* pNext = nullptr;
     };
 

@@ -1,0 +1,49 @@
+#include "dewarp/cpu/GridLoops.h"
+
+namespace
+{
+
+#include "dewarp/cpu/GridLoops.inc"
+
+void FillTriangle(const SScreenTriangle& t, const SPointWindow& w)
+{
+    ForRows(t, w, [&](double dx, double dy, int nPoints, SGridPoint* pPoints) {
+        const double fU = t.sU.f + t.sU.fY * dy;
+        const double fV = t.sV.f + t.sV.fY * dy;
+        const double fW = t.sW.f + t.sW.fY * dy;
+        for (int n = 0; n < nPoints; ++n) {
+            const double x = dx + static_cast<double>(n * w.nStep);
+            const double f = t.bFlat ? 1.0 : 1.0 / (fW + t.sW.fX * x);
+            pPoints[n] = PositionAt((fU + t.sU.fX * x) * f, (fV + t.sV.fX * x) * f);
+        }
+    });
+}
+
+} // namespace
+
+void FillCutTriangle(const SScreenTriangle& t, const SCuts& rCuts, const SPointWindow& w)
+{
+    ForRows(t, w, [&](double dx, double dy, int nPoints, SGridPoint* pPoints) {
+        for (int n = 0; n < nPoints; ++n) {
+            const double x = dx + static_cast<double>(n * w.nStep);
+            double u = 0.0;
+            double v = 0.0;
+            t.Show(x, dy, u, v);
+            if ((!rCuts.bDepth || t.sZ.At(x, dy) >= rCuts.fDepth) &&
+                (!rCuts.bRows || (v >= rCuts.fLowestRow && v <= rCuts.fHighestRow)))
+                pPoints[n] = PositionAt(u, v);
+        }
+    });
+}
+
+const SGridLoops& PlainGridLoops()
+{
+    static const SGridLoops sLoops = {FillTriangle, FindBends, FindPlain};
+    return sLoops;
+}
+
+const SGridLoops& BestGridLoops()
+{
+    static const SGridLoops& rBest = AVX2GridLoops() != nullptr ? *AVX2GridLoops() : PlainGridLoops();
+    return rBest;
+}
