@@ -94,6 +94,17 @@ SPlaceLimits LimitsOf(const SReferenceSetup& s)
 
 } // namespace
 
+SPlaceLimits ProcessorLimits(const SPlaceLimits& rLimits, bool bExact)
+{
+    SPlaceLimits s = rLimits;
+    // A coarse grid, which is exact where the mesh bends more.
+    s.fMean += 0.01;
+    s.fMost += 0.05;
+    s.fDriver = 0.12;
+    s.bOpticsOnly = bExact;
+    return s;
+}
+
 std::string LensName(int nLens)
 {
     return nLens == 0 ? "equidistant" : std::to_string(nLens);

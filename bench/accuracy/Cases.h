@@ -14,6 +14,8 @@ struct SPlaceLimits
     double fMost;    ///< 999 of 1000 pixels
     double fDriver;  ///< largest displacement of the drawn picture from the mesh
     double fDecibel; ///< picture: at most so much below an exact remap of the same frame
+    /// The view is drawn without its mesh: it has to lie where the optics have it, and nothing else counts.
+    bool bOpticsOnly = false;
 };
 
 struct SAccuracyCase
@@ -37,5 +39,8 @@ struct SCaseGroup
 
 /// Every view on every mount that it has, for every lens. Quick: a quarter of the width and height.
 std::vector<SCaseGroup> ListGroups(bool bQuick);
+
+/// The same for pictures of the processor engine, with exact geometry or without.
+SPlaceLimits ProcessorLimits(const SPlaceLimits& rLimits, bool bExact);
 
 std::string LensName(int nLens);

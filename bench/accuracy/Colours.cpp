@@ -171,9 +171,8 @@ private:
     SColourSpread Compare(const SColourCase& sCase, CTestFrame& oFrame, bool bLinear)
     {
         CViewSession& oSession = bLinear ? m_oLarger : m_oSame;
-        oSession.SetViewType(VIEW_FISHEYE);
-        oSession.SetYUVparams(sCase.eSpace, sCase.bLimited ? YUV_RANGE_LIMITED : YUV_RANGE_FULL);
-        oSession.ShowFrame(oFrame, bLinear);
+        oSession.ShowFisheye(sCase.eSpace, sCase.bLimited ? YUV_RANGE_LIMITED : YUV_RANGE_FULL, oFrame,
+                             bLinear);
         const STestImage sPicture = oSession.Picture();
         const std::vector<SPlane> vPlanes = PlanesOf(*oFrame.Image());
         std::vector<double> vSamples(vPlanes.size());

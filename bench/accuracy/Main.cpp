@@ -1,9 +1,11 @@
 // Every view, mount and lens beside an exact rendering of the same scene, and every colour space beside exact
 // arithmetic. Exits with 1 when a limit is broken.
-//     lumor-bench-accuracy [--quick] [--json FILE] [--markdown FILE] [--pictures DIR] [--only TEXT]
+//     lumor-bench-accuracy [--quick] [--json FILE] [--markdown FILE] [--pictures DIR] [--only TEXT] [--engine
+//     gl|cpu]
 // bench/accuracy/run.sh builds and runs it.
 
 #include "bench/accuracy/Report.h"
+#include "bench/accuracy/ViewSession.h"
 
 #include "FileIO.h"
 
@@ -26,6 +28,8 @@ namespace
 struct SRunOptions
 {
     bool bQuick = false;
+    bool bProcessor = false;
+    bool bExact = false; ///< its exact geometry
     std::string strJSON;
     std::string strMarkdown;
     std::string strPictures;
@@ -74,7 +78,9 @@ private:
         CViewSession oSession(s.nTargetWidth, s.nTargetHeight);
         CPlaceMeter oMeter(s.nImageWidth, s.nImageHeight);
         CRoomFrame oRoom(sGroup);
-        for (const SAccuracyCase& sCase : sGroup.vCases) {
+        for (SAccuracyCase sCase : sGroup.vCases) {
+            if (m_sOptions.bProcessor)
+                sCase.sLimits = ProcessorLimits(sCase.sLimits, m_sOptions.bExact);
             const SPlaceResult sPlaces = oMeter.Measure(sCase, oSession);
             vResults.push_back({sCase, sPlaces, oRoom.Compare(sCase, oSession, m_sOptions.strPictures)});
             const std::lock_guard<std::mutex> oLock(m_oMutex);
@@ -156,7 +162,13 @@ int Run(int nArguments, char** ppArguments)
                     "write view, room and difference as PNG into this folder");
     oApp.add_option("--only", sOptions.strOnly,
                     "run what has this text in its name, such as 'lens 239' or 'colours'");
+    std::string strEngine = "gl";
+    oApp.add_option("--engine", strEngine, "whose pictures are measured")
+        ->check(CLI::IsMember({"gl", "cpu"}));
+    oApp.add_flag("--exact", sOptions.bExact, "the processor engine with exact geometry");
     CLI11_PARSE(oApp, nArguments, ppArguments);
+    sOptions.bProcessor = strEngine == "cpu" || sOptions.bExact;
+    UseEngine(sOptions.bProcessor ? ENGINE_CPU : ENGINE_GL, sOptions.bExact);
     return Measure(sOptions);
 }
 

@@ -13,6 +13,7 @@ struct SCaseResult
     SPictureResult sPicture;
     /// Every limit that is broken, in words; empty: none.
     std::string Broken() const;
+    std::string BrokenOptics() const;
 };
 
 struct SAccuracyReport

@@ -4,23 +4,51 @@
 
 #include <stdexcept>
 
+static EDewarpEngine s_eEngine = ENGINE_GL;
+static bool s_bExact = false;
+
+void UseEngine(EDewarpEngine eEngine, bool bExact)
+{
+    s_eEngine = eEngine;
+    s_bExact = bExact;
+}
+
 CViewSession::CViewSession(int nTargetWidth, int nTargetHeight)
 {
     if (!InitGL(nTargetWidth, nTargetHeight) || !StartGL())
         throw std::runtime_error("no OpenGL ES 3.1 context is to be had");
+    if (s_eEngine != ENGINE_CPU)
+        return;
+    m_pProcessor = std::make_unique<CCustomCPUDewarper>();
+    m_pProcessor->SetExactGeometry(s_bExact);
+    if (!m_pProcessor->InitTarget(nTargetWidth, nTargetHeight))
+        throw std::runtime_error("the processor engine has no target");
+}
+
+/// Calls rUse with each dewarper that has to know.
+template <class F>
+void CViewSession::Each(F&& rUse)
+{
+    rUse(static_cast<CCustomGPUDewarperOffscreen&>(*this));
+    if (m_pProcessor != nullptr)
+        rUse(*m_pProcessor);
 }
 
 void CViewSession::Show(const SReferenceSetup& sSetup, CTestFrame& oFrame, bool bLinear)
 {
-    SetViewType(sSetup.eView);
-    SetMountType(sSetup.eMount);
-    SetLensType(static_cast<ELensType>(sSetup.nLensType));
-    SetMountTilt(static_cast<float>(sSetup.fMountTilt));
-    SetStrictTiltLimits(sSetup.bStrict);
+    Each([&](auto& rDewarper) {
+        rDewarper.SetViewType(sSetup.eView);
+        rDewarper.SetMountType(sSetup.eMount);
+        rDewarper.SetLensType(static_cast<ELensType>(sSetup.nLensType));
+        rDewarper.SetMountTilt(static_cast<float>(sSetup.fMountTilt));
+        rDewarper.SetStrictTiltLimits(sSetup.bStrict);
+    });
     // A new view or mount brings its own angles with its first frame; ours come after it.
     ShowFrame(oFrame, bLinear);
-    AbsolutePTZ(static_cast<float>(sSetup.fPan), static_cast<float>(sSetup.fTilt),
-                static_cast<float>(sSetup.fZoom));
+    Each([&](auto& rDewarper) {
+        rDewarper.AbsolutePTZ(static_cast<float>(sSetup.fPan), static_cast<float>(sSetup.fTilt),
+                              static_cast<float>(sSetup.fZoom));
+    });
     ShowFrame(oFrame, bLinear);
     if (pParams->fPan != static_cast<float>(sSetup.fPan) ||
         pParams->fTilt != static_cast<float>(sSetup.fTilt) ||
@@ -28,11 +56,27 @@ void CViewSession::Show(const SReferenceSetup& sSetup, CTestFrame& oFrame, bool 
         throw std::runtime_error("a case lies outside its view's limits");
 }
 
+void CViewSession::ShowFisheye(EYUVSpace eSpace, EYUVRange eRange, CTestFrame& oFrame, bool bLinear)
+{
+    Each([&](auto& rDewarper) {
+        rDewarper.SetViewType(VIEW_FISHEYE);
+        rDewarper.SetYUVparams(eSpace, eRange);
+    });
+    ShowFrame(oFrame, bLinear);
+}
+
 void CViewSession::ShowFrame(CTestFrame& oFrame, bool bLinear)
 {
-    SetInterpolationType(bLinear ? INTERPOLATION_LINEAR : INTERPOLATION_NEAREST);
-    if (!SetTexture(oFrame.Image(), false, nullptr, 0) || !DrawGLScene(false))
-        throw std::runtime_error("a frame could not be drawn");
+    Each([&](auto& rDewarper) {
+        rDewarper.SetInterpolationType(bLinear ? INTERPOLATION_LINEAR : INTERPOLATION_NEAREST);
+        if (!rDewarper.SetTexture(oFrame.Image(), false, nullptr, 0) || !rDewarper.DrawGLScene(false))
+            throw std::runtime_error("a frame could not be drawn");
+    });
+}
+
+std::string CViewSession::ProcessorText() const
+{
+    return m_pProcessor->GetEngineText();
 }
 
 STestImage CViewSession::Picture()
@@ -41,7 +85,9 @@ STestImage CViewSession::Picture()
     int nWidth = 0;
     int nHeight = 0;
     int nStride = 0;
-    const unsigned char* pStart = GetImage(&nSize, &nWidth, &nHeight, &nStride);
+    const unsigned char* pStart = m_pProcessor != nullptr
+                                      ? m_pProcessor->GetImage(&nSize, &nWidth, &nHeight, &nStride)
+                                      : GetImage(&nSize, &nWidth, &nHeight, &nStride);
     if (pStart == nullptr)
         throw std::runtime_error("a picture could not be read back");
     const std::size_t nRow = static_cast<std::size_t>(nStride);
@@ -58,7 +104,9 @@ STestImage CViewSession::Picture()
 
 std::string DriverName()
 {
-    const CViewSession oSession(16, 16);
+    CViewSession oSession(16, 16);
+    if (s_eEngine == ENGINE_CPU)
+        return oSession.ProcessorText();
     std::string strName;
     for (const GLenum nName : {GLenum{GL_RENDERER}, GLenum{GL_VERSION}}) {
         const GLubyte* pText = glGetString(nName);

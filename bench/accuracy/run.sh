@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the comparison of every view with an exact rendering and runs it:
 # bench/accuracy/run.sh [--quick] [--json FILE] [--markdown FILE] [--pictures DIR] [--only TEXT]
+#     [--engine gl|cpu] [--exact]
 # Packages that the library's own build needs are installed where they are missing (as root).
 set -eu
 sHere=$PWD

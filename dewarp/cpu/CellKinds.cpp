@@ -11,7 +11,7 @@ void CViewGrid::FindRowBends(const SPartGrid& rGrid, int nRow, const SBendRow& r
     const SGridPoint* const p = rGrid.vPoints.data() + rGrid.PointIndex(0, nRow);
     const SGridPoint* const apRows[3] = {nRow == 0 ? nullptr : p - rGrid.nPointCols, p,
                                          nRow == rGrid.nPointRows - 1 ? nullptr : p + rGrid.nPointCols};
-    BestGridLoops().pFindBends(apRows, rGrid.nPointCols, m_sInside, m_nMostError, rTo);
+    BestGridLoops().pFindBends(apRows, rGrid.nPointCols, m_sInside, m_sStraight, rTo);
 }
 
 /// The kind of a cell that is not plain.
@@ -57,7 +57,7 @@ int CViewGrid::Classify(SPartGrid& rGrid, int nStrip)
     for (int r = sStrip.nFirst; r < sStrip.nEnd; ++r) {
         for (int j = 0; j < k; ++j) {
             FindRowBends(rGrid, r * k + j + 1, as[j + 1]);
-            BestGridLoops().pFindPlain(as[j], as[j + 1], rGrid.nPointCols, m_nMostError, apAcross[j],
+            BestGridLoops().pFindPlain(as[j], as[j + 1], rGrid.nPointCols, m_sStraight, apAcross[j],
                                        apPlain[j]);
         }
         const auto IsPlain = [&](int c) {

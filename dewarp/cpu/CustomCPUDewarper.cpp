@@ -271,6 +271,22 @@ void CCustomCPUDewarper::SetThreadCount(int nThreads)
         pState->nThreads = nThreads;
 }
 
+void CCustomCPUDewarper::SetExactGeometry(bool bExact)
+{
+    const CCPULock oLock(pState->oMutex);
+    if (pState->oGrid.IsExactGeometry() == bExact)
+        return;
+    pState->oGrid.SetExactGeometry(bExact);
+    pState->bGridBuilt = false;
+    pState->oControl.bDrawRequired = true;
+}
+
+bool CCustomCPUDewarper::GetExactGeometry()
+{
+    const CCPULock oLock(pState->oMutex);
+    return pState->oGrid.IsExactGeometry();
+}
+
 int CCustomCPUDewarper::GetThreadCount()
 {
     const CCPULock oLock(pState->oMutex);

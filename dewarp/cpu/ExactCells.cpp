@@ -70,7 +70,7 @@ int CellOf(double fPixel, int nOrigin, int nCells)
 
 } // namespace
 
-void CViewGrid::FillExactCells(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const
+void CViewGrid::FillExactCells(const SPartSource& rPart, SPartGrid& rGrid, const SStrip& rStrip) const
 {
     // The rectangle round all of them; most triangles lie elsewhere.
     SStrip sRows = {rStrip.nEnd, rStrip.nFirst};
@@ -91,15 +91,16 @@ void CViewGrid::FillExactCells(const CProjection& rProjection, SPartGrid& rGrid,
     const double fLeft = rGrid.nOriginX + nFirst * CELL_SIDE - 2.0;
     const double fRight = rGrid.nOriginX + (nLast + 1) * CELL_SIDE + 2.0;
     SScreenTriangle t;
-    rProjection.Walk(*m_pMesh, fTop, fBottom,
-                     [&](const SScreenVertex& rA, const SScreenVertex& rB, const SScreenVertex& rC, bool) {
-                         if ((rA.x < fLeft && rB.x < fLeft && rC.x < fLeft) ||
-                             (rA.x > fRight && rB.x > fRight && rC.x > fRight))
-                             return;
-                         SExactRange s;
-                         if (FindRange(rA, rB, rC, rGrid, rStrip, s) && t.SetUp(rA, rB, rC, m_sCuts.bDepth))
-                             AddExactTriangle(t, s, rGrid);
-                     });
+    rPart.oProjection.Walk(
+        *m_pMesh, fTop, fBottom,
+        [&](const SScreenVertex& rA, const SScreenVertex& rB, const SScreenVertex& rC, bool) {
+            if ((rA.x < fLeft && rB.x < fLeft && rC.x < fLeft) ||
+                (rA.x > fRight && rB.x > fRight && rC.x > fRight))
+                return;
+            SExactRange s;
+            if (FindRange(rA, rB, rC, rGrid, rStrip, s) && t.SetUp(rA, rB, rC, m_sCuts.bDepth))
+                AddExactTriangle(t, s, rPart.Optics(), rGrid);
+        });
 }
 
 /// A pixel of a cell, or the nearest one.
@@ -116,8 +117,8 @@ static bool IsBeyond(const SEdge& e, int nX, int nY)
 }
 
 /// The pixels of one cell that a triangle covers.
-static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts& rCuts, int nX, int nY,
-                     SExactCell& rCell)
+static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts& rCuts,
+                     const CPixelOptics* pOptics, int nX, int nY, SExactCell& rCell)
 {
     if (IsBeyond(rEdges.a[0], nX, nY) || IsBeyond(rEdges.a[1], nX, nY) || IsBeyond(rEdges.a[2], nX, nY))
         return;
@@ -139,7 +140,7 @@ static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts
             const double dy = nY + y + 0.5 - t.afY[0];
             double u = 0.0;
             double v = 0.0;
-            t.Show(dx, dy, u, v);
+            ShowPoint(t, pOptics, dx, dy, u, v);
             if ((rCuts.bDepth && t.sZ.At(dx, dy) < rCuts.fDepth) ||
                 (rCuts.bRows && (v < rCuts.fLowestRow || v > rCuts.fHighestRow)))
                 continue;
@@ -171,7 +172,8 @@ bool CViewGrid::FindRange(const SScreenVertex& rA, const SScreenVertex& rB, cons
     return false;
 }
 
-void CViewGrid::AddExactTriangle(const SScreenTriangle& t, const SExactRange& rRange, SPartGrid& rGrid) const
+void CViewGrid::AddExactTriangle(const SScreenTriangle& t, const SExactRange& rRange,
+                                 const CPixelOptics* pOptics, SPartGrid& rGrid) const
 {
     bool bGone = false;
     const bool bCut = IsCut(t, m_sCuts, bGone);
@@ -183,7 +185,7 @@ void CViewGrid::AddExactTriangle(const SScreenTriangle& t, const SExactRange& rR
             if (rGrid.vKinds[rGrid.CellIndex(c, r)] != CELL_EXACT)
                 continue;
             const int nExact = m_vExactOf[rGrid.CellIndex(c, r)];
-            FillCell(t, sEdges, bCut ? m_sCuts : SCuts(), rGrid.nOriginX + c * CELL_SIDE,
+            FillCell(t, sEdges, bCut ? m_sCuts : SCuts(), pOptics, rGrid.nOriginX + c * CELL_SIDE,
                      rGrid.nOriginY + r * CELL_SIDE, rGrid.vExact[static_cast<std::size_t>(nExact)]);
         }
     }

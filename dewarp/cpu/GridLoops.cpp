@@ -1,5 +1,7 @@
 #include "dewarp/cpu/GridLoops.h"
 
+#include "dewarp/cpu/PixelOptics.h"
+
 namespace
 {
 
@@ -21,14 +23,22 @@ void FillTriangle(const SScreenTriangle& t, const SPointWindow& w)
 
 } // namespace
 
-void FillCutTriangle(const SScreenTriangle& t, const SCuts& rCuts, const SPointWindow& w)
+void ShowPoint(const SScreenTriangle& t, const CPixelOptics* pOptics, double dx, double dy, double& u,
+               double& v)
+{
+    if (pOptics == nullptr || !pOptics->Show(t.afX[0] + dx, t.afY[0] + dy, u, v))
+        t.Show(dx, dy, u, v);
+}
+
+void FillOddTriangle(const SScreenTriangle& t, const SCuts& rCuts, const CPixelOptics* pOptics,
+                     const SPointWindow& w)
 {
     ForRows(t, w, [&](double dx, double dy, int nPoints, SGridPoint* pPoints) {
         for (int n = 0; n < nPoints; ++n) {
             const double x = dx + static_cast<double>(n * w.nStep);
             double u = 0.0;
             double v = 0.0;
-            t.Show(x, dy, u, v);
+            ShowPoint(t, pOptics, x, dy, u, v);
             if ((!rCuts.bDepth || t.sZ.At(x, dy) >= rCuts.fDepth) &&
                 (!rCuts.bRows || (v >= rCuts.fLowestRow && v <= rCuts.fHighestRow)))
                 pPoints[n] = PositionAt(u, v);

@@ -5,6 +5,8 @@
 #include "dewarp/cpu/Grid.h"
 #include "dewarp/cpu/ScreenTriangle.h"
 
+class CPixelOptics;
+
 /// The points that triangles are drawn into. Owns: nothing.
 struct SPointWindow
 {
@@ -29,18 +31,24 @@ struct SBendRow
 /// A bend that cannot be told: one of its points shows nothing.
 inline constexpr int UNKNOWN_BEND = 32767;
 
+/// How far a straight line between two points may be off, positions.
+struct SStraightRule
+{
+    int nMostError = 0;
+    bool bKinks = true; ///< the grid is that of a mesh; otherwise it bends smoothly
+};
+
 struct SGridLoops
 {
     /// The points that a triangle covers.
     void (*pFillTriangle)(const SScreenTriangle& rTriangle, const SPointWindow& rWindow);
-    /// One row's bends, from it and its neighbours (null where the grid ends). nMostError: how far a straight
-    /// line may be off, positions; 0: nothing is straight.
+    /// One row's bends, from it and its neighbours (null where the grid ends).
     void (*pFindBends)(const SGridPoint* const (&apRows)[3], int nPoints, const SInside& rInside,
-                       int nMostError, const SBendRow& rTo);
+                       const SStraightRule& rRule, const SBendRow& rTo);
     /// Between two rows of points: which columns are straight, and which quads are that on all sides and
     /// inside.
-    void (*pFindPlain)(const SBendRow& rUpper, const SBendRow& rLower, int nPoints, int nMostError,
-                       short* pStraight, short* pPlain);
+    void (*pFindPlain)(const SBendRow& rUpper, const SBendRow& rLower, int nPoints,
+                       const SStraightRule& rRule, short* pStraight, short* pPlain);
 };
 
 /// The fastest that this processor runs; all give the same grids.
@@ -49,5 +57,11 @@ const SGridLoops& PlainGridLoops();
 /// Null where there are none.
 const SGridLoops* AVX2GridLoops();
 
-/// The same as pFillTriangle where something is cut away.
-void FillCutTriangle(const SScreenTriangle& rTriangle, const SCuts& rCuts, const SPointWindow& rWindow);
+/// The same as pFillTriangle where something is cut away, or positions come from the view's definition (null:
+/// from the triangle).
+void FillOddTriangle(const SScreenTriangle& rTriangle, const SCuts& rCuts, const CPixelOptics* pOptics,
+                     const SPointWindow& rWindow);
+
+/// What a point of a triangle shows; offsets are from the triangle's first corner.
+void ShowPoint(const SScreenTriangle& rTriangle, const CPixelOptics* pOptics, double dx, double dy, double& u,
+               double& v);

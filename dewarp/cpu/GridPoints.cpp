@@ -56,21 +56,21 @@ void MarkBox(const SScreenTriangle& t, SPartGrid& rGrid, int nFirstRow, int nEnd
 
 } // namespace
 
-void CViewGrid::FillPoints(const CProjection& rProjection, SPartGrid& rGrid, const SStrip& rStrip) const
+void CViewGrid::FillPoints(const SPartSource& rPart, SPartGrid& rGrid, const SStrip& rStrip) const
 {
     const double fFirst = rGrid.nOriginY + rStrip.nFirst * CELL_SIDE - 2.0;
     const double fLast = rGrid.nOriginY + rStrip.nEnd * CELL_SIDE + 2.0;
     SScreenTriangle t;
-    rProjection.Walk(
+    rPart.oProjection.Walk(
         *m_pMesh, fFirst, fLast,
         [&](const SScreenVertex& rA, const SScreenVertex& rB, const SScreenVertex& rC, bool bClipped) {
             if (t.SetUp(rA, rB, rC, m_sCuts.bDepth))
-                AddTriangle(t, bClipped, rGrid, rStrip);
+                AddTriangle(t, bClipped, rPart.Optics(), rGrid, rStrip);
         });
 }
 
-void CViewGrid::AddTriangle(const SScreenTriangle& t, bool bClipped, SPartGrid& rGrid,
-                            const SStrip& rStrip) const
+void CViewGrid::AddTriangle(const SScreenTriangle& t, bool bClipped, const CPixelOptics* pOptics,
+                            SPartGrid& rGrid, const SStrip& rStrip) const
 {
     bool bGone = false;
     const bool bCut = IsCut(t, m_sCuts, bGone);
@@ -86,8 +86,8 @@ void CViewGrid::AddTriangle(const SScreenTriangle& t, bool bClipped, SPartGrid& 
     s.nStep = rGrid.nStep;
     s.fOriginX = rGrid.nOriginX + 0.5;
     s.fOriginY = rGrid.nOriginY + 0.5;
-    if (bCut)
-        FillCutTriangle(t, m_sCuts, s);
+    if (bCut || pOptics != nullptr)
+        FillOddTriangle(t, bCut ? m_sCuts : SCuts(), pOptics, s);
     else
         BestGridLoops().pFillTriangle(t, s);
 }

@@ -4,14 +4,19 @@
 
 #include <cmath>
 
+SWindow WindowOf(const SViewPart& rPart)
+{
+    return {static_cast<double>(rPart.nX), static_cast<double>(rPart.nY), 0.5 * rPart.nWidth,
+            0.5 * rPart.nHeight};
+}
+
 void CProjection::Project(const CMeshIndex& rMesh, const SViewPart& rPart, const SFrameShape& rFrame)
 {
     const std::size_t nCount = rMesh.vX.size();
     m_vClip.resize(nCount);
     m_vScreen.resize(nCount);
     m_vOutside.resize(nCount);
-    m_sWindow = {static_cast<double>(rPart.nX), static_cast<double>(rPart.nY), 0.5 * rPart.nWidth,
-                 0.5 * rPart.nHeight};
+    m_sWindow = WindowOf(rPart);
     const float* const m = rPart.fMVP;
     const double fScaleU = static_cast<double>(rFrame.nWidth) * POSITION_ONE;
     const double fScaleV = static_cast<double>(rFrame.nHeight) * POSITION_ONE;

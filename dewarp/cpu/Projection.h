@@ -19,6 +19,9 @@ struct SFrameShape
     bool operator==(const SFrameShape& sOther) const = default;
 };
 
+/// Where a part is drawn.
+SWindow WindowOf(const SViewPart& rPart);
+
 /// Owns: its arrays; they grow, never shrink. Thread: any, serialised by the host. Fails: throws for lack of
 /// memory.
 class CProjection

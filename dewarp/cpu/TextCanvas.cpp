@@ -3,7 +3,6 @@
 #include "dewarp/tables/GPUFont.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 namespace
@@ -23,9 +22,21 @@ STextColour FromPixel(std::uint32_t n)
             static_cast<float>(n >> 24) / 255.0f};
 }
 
+/// To the nearest, halves up; f is not negative.
 std::uint32_t ToByte(float f)
 {
-    return static_cast<std::uint32_t>(std::lround(f * 255.0f));
+    const float fByte = f * 255.0f;
+    const int n = static_cast<int>(fByte);
+    return static_cast<std::uint32_t>(n + (fByte - static_cast<float>(n) >= 0.5f ? 1 : 0));
+}
+
+/// A colour's channels in the low bytes of a pixel.
+std::uint32_t Channels(const STextColour& rText)
+{
+    std::uint32_t n = 0;
+    for (int i = 0; i < 3; ++i)
+        n |= ToByte(std::min(1.0f, rText.afRGB[i])) << (8 * i);
+    return n;
 }
 
 /// A sample over what is there, by the higher of their alphas; 8 bits a channel.
@@ -95,22 +106,41 @@ void CTextCanvas::DrawGlyph(int nGlyph, const SPlacedString& rPlaced, int x, uns
     // The font's alpha comes in bytes.
     const float fAlpha = static_cast<float>(nColor & 255) / (255.0f * 255.0f);
     STextColour sText = FromPixel((nColor >> 24 & 255) | (nColor >> 8 & 0xFF00) | (nColor << 8 & 0xFF0000));
+    const std::uint32_t nChannels = Channels(sText);
+    m_anMeanRows[0] = m_anMeanRows[1] = -1;
     for (int y = std::max(nTop, m_sRect.y); y < nBottom; ++y) {
         const STap sRow =
             TapAt(y - nTop, rPlaced.nHeight, nGlyph / GPU_FONT::nCols, nCellHeight, GPU_FONT::nH);
+        const float* const pUpper = MeansOf(sRow.nFirst);
+        const float* const pLower = MeansOf(sRow.nSecond);
         const std::uint32_t* const pBelow = m_vPixels.data() + Offset(nLeft, y);
         std::uint32_t* const pDrawn = m_vDrawn.data() + Offset(nLeft, y);
         for (std::size_t i = 0; i < m_vColumns.size(); ++i) {
-            const STap& s = m_vColumns[i];
-            const auto Mean = [&](int nRow) {
-                const float f = FontAlpha(s.nFirst, nRow);
-                return f + (FontAlpha(s.nSecond, nRow) - f) * s.fShare;
-            };
-            const float fUpper = Mean(sRow.nFirst);
-            sText.fAlpha = (fUpper + (Mean(sRow.nSecond) - fUpper) * sRow.fShare) * fAlpha;
-            pDrawn[i] = Over(pBelow[i], sText);
+            sText.fAlpha = (pUpper[i] + (pLower[i] - pUpper[i]) * sRow.fShare) * fAlpha;
+            // Over nothing, which most pixels are, the text is what it is.
+            if (pBelow[i] == 0)
+                pDrawn[i] = sText.fAlpha > 0.0f ? ToByte(sText.fAlpha) << 24 | nChannels : 0;
+            else
+                pDrawn[i] = Over(pBelow[i], sText);
         }
     }
+}
+
+/// A row of the font between the columns of a glyph's pixels. Rows beside each other are kept.
+const float* CTextCanvas::MeansOf(int nRow)
+{
+    const std::size_t n = static_cast<std::size_t>(nRow & 1);
+    std::vector<float>& rMeans = m_avMeans[n];
+    if (m_anMeanRows[n] == nRow)
+        return rMeans.data();
+    m_anMeanRows[n] = nRow;
+    rMeans.resize(m_vColumns.size());
+    for (std::size_t i = 0; i < rMeans.size(); ++i) {
+        const STap& s = m_vColumns[i];
+        const float f = FontAlpha(s.nFirst, nRow);
+        rMeans[i] = f + (FontAlpha(s.nSecond, nRow) - f) * s.fShare;
+    }
+    return rMeans.data();
 }
 
 /// What was drawn becomes what is there, under nothing: a step that text without alpha does not survive

@@ -22,7 +22,8 @@ public:
     void Draw(const SGPUString& rString, const SPlacedString& rPlaced);
     std::size_t CountBytes() const
     {
-        return (m_vPixels.capacity() + m_vDrawn.capacity()) * 4 + m_vColumns.capacity() * sizeof(STap);
+        return (m_vPixels.capacity() + m_vDrawn.capacity()) * 4 + m_vColumns.capacity() * sizeof(STap) +
+               (m_avMeans[0].capacity() + m_avMeans[1].capacity()) * sizeof(float);
     }
     const std::uint32_t* Row(int y) const { return m_vPixels.data() + Offset(m_sRect.x, y); }
 
@@ -41,10 +42,13 @@ private:
     }
     static STap TapAt(int nPixel, int nPixels, int nCell, int nCellTexels, int nTexels);
     void DrawGlyph(int nGlyph, const SPlacedString& rPlaced, int x, unsigned int nColor);
+    const float* MeansOf(int nRow);
     void TakeOver(const SGRect& rRect);
 
     SGRect m_sRect;
     std::vector<std::uint32_t> m_vPixels; ///< what strings are drawn over
     std::vector<std::uint32_t> m_vDrawn;  ///< what they are drawn into
     std::vector<STap> m_vColumns;         ///< of a glyph
+    std::vector<float> m_avMeans[2];      ///< coverage of two rows of the font at these columns
+    int m_anMeanRows[2] = {-1, -1};       ///< which rows
 };

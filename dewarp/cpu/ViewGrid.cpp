@@ -72,7 +72,9 @@ void CViewGrid::Build(const SFrameDecision& rDecision, const CMeshIndex& rMesh, 
     FindRemainder(rDecision);
     for (int i = 0; i < rDecision.nParts; ++i) {
         if (m_anPartGrid[i] >= 0)
-            m_aProjections[i].Project(rMesh, rDecision.aParts[i], rFrame);
+            m_asSources[i].oProjection.Project(rMesh, rDecision.aParts[i], rFrame);
+        m_asSources[i].oOptics =
+            m_bExactGeometry ? CPixelOptics(rDecision.sMesh, rDecision.aParts[i], rFrame) : CPixelOptics();
     }
     for (int g = 0; g < m_nParts; ++g)
         FillGrid(g, rDecision, CELL_SIDE);
@@ -138,7 +140,7 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
     const auto EachPart = [&](auto&& rUse) {
         for (int i = 0; i < rDecision.nParts; ++i) {
             if (m_anPartGrid[i] == nGrid)
-                rUse(m_aProjections[i]);
+                rUse(m_asSources[i]);
         }
     };
     rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) {
@@ -148,16 +150,16 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
                   rGrid.vPoints.data() + rGrid.PointIndex(0, nLastRow), SGridPoint{NOWHERE, NOWHERE});
         std::fill(rGrid.vKinds.data() + rGrid.CellIndex(0, sStrip.nFirst),
                   rGrid.vKinds.data() + rGrid.CellIndex(0, sStrip.nEnd), CELL_SMOOTH);
-        EachPart([&](const CProjection& rProjection) {
-            FillPoints(rProjection, rGrid, sStrip);
-            MarkBorders(rProjection, rGrid, sStrip);
+        EachPart([&](const SPartSource& rPart) {
+            FillPoints(rPart, rGrid, sStrip);
+            MarkBorders(rPart.oProjection, rGrid, sStrip);
         });
     });
     m_vScratch.resize(static_cast<std::size_t>(m_nStrips) * SCRATCH_ROWS *
                       static_cast<std::size_t>(rGrid.nPointCols));
     std::atomic<int> nBent{0};
     rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) { nBent.fetch_add(Classify(rGrid, nStrip)); });
-    if (nStep == CELL_SIDE && m_nMostError > 0 && nBent > rGrid.nCols * rGrid.nRows / DENSE_FROM) {
+    if (nStep == CELL_SIDE && nBent > rGrid.nCols * rGrid.nRows / DENSE_FROM) {
         FillGrid(nGrid, rDecision, CELL_SIDE / 2);
         return;
     }
@@ -166,7 +168,7 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
     rPool.Run(m_nThreads, m_nStrips, [&](int nStrip) {
         const SStrip sStrip = Strip(rGrid, nStrip);
         FindExactCells(rGrid, sStrip);
-        EachPart([&](const CProjection& rProjection) { FillExactCells(rProjection, rGrid, sStrip); });
+        EachPart([&](const SPartSource& rPart) { FillExactCells(rPart, rGrid, sStrip); });
         for (int n = ExactBefore(rGrid, sStrip.nFirst); n < ExactBefore(rGrid, sStrip.nEnd); ++n)
             SetLines(rGrid.vExact[static_cast<std::size_t>(n)], m_sInside);
     });

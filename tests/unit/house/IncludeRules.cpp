@@ -91,6 +91,7 @@ const std::vector<SRoomRule>& HouseRules()
         {"dewarp/cpu/", CARRYING, TELLING, {}},
         // The files that are written for one set of instructions.
         {"dewarp/cpu/CellAVX", CARRYING, TELLING | HEADER_OTHER, {}},
+        {"dewarp/cpu/GridLoopsAVX", CARRYING, TELLING | HEADER_OTHER, {}},
         // Of control only its records: what was decided, not how.
         {"dewarp/gl/",
          With(DECIDING, {"dewarp/gl/", "dewarp/tables/", "dewarp/overlays/", "dewarp/shaders/",
