@@ -77,6 +77,9 @@ Who draws
                         processor), cpu or gl (OpenGL ES, by a software driver
                         too)
   --threads N           processor: 1..1024 threads draw; 0 (default): one a core
+  --exact-geometry      the processor draws, and takes what a pixel shows from the
+                        view's definition instead of its mesh: within 0.01 input
+                        pixels of the lens, for measuring and for straight lines
   --buffers             draws from graphic buffer to graphic buffer, NV12 in and
                         out, as the library does on Android, with OpenGL ES. The
                         picture stays YUV; --interpolation, --flip and --gain

@@ -28,6 +28,7 @@ struct SOptionTexts
     bool bVerbose = false;
     bool bHelp = false;
     bool bVersion = false;
+    bool bExactGeometry = false;
 };
 
 void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
@@ -36,6 +37,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
     oApp.add_flag("-h,--help", sTexts.bHelp);
     oApp.add_flag("--version", sTexts.bVersion);
     oApp.add_flag("--buffers", sTexts.bBuffers);
+    oApp.add_flag("--exact-geometry", sTexts.bExactGeometry);
     oApp.add_flag("--stats", sTexts.bStats);
     oApp.add_flag("--verbose", sTexts.bVerbose);
     oApp.add_flag("--no-strict-tilt", sTexts.bNoStrictTilt);
@@ -199,6 +201,12 @@ void ReadEngineOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
     sOptions.bBuffers = sTexts.bBuffers;
     if (sOptions.bBuffers && sOptions.eEngine == ENGINE_CPU)
         ThrowUsage("--engine: 'cpu' does not draw graphic buffers; leave out --buffers or give gl");
+    sOptions.bExactGeometry = sTexts.bExactGeometry;
+    if (!sOptions.bExactGeometry)
+        return;
+    if (sOptions.bBuffers || sOptions.eEngine == ENGINE_GL)
+        ThrowUsage("--exact-geometry: only the processor draws it; leave out --buffers and --engine gl");
+    sOptions.eEngine = ENGINE_CPU;
 }
 
 } // namespace

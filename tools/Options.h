@@ -66,6 +66,7 @@ struct SToolOptions
 
     EDewarpEngine eEngine = ENGINE_AUTO;
     std::optional<int> oThreads; ///< that draw; 0: one a core
+    bool bExactGeometry = false; ///< the processor draws
     bool bBuffers = false;       ///< through graphic buffers
     bool bStats = false;
     bool bVerbose = false;

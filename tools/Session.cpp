@@ -4,6 +4,8 @@
 #include "SessionOf.h"
 #include "ToolLog.h"
 
+#include "dewarp/cpu/CustomCPUDewarper.h"
+
 #include <cstddef>
 
 SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput)
@@ -25,6 +27,8 @@ public:
     {
         m_pDewarper->SetDriverLog(sOptions.bVerbose, sOptions.bVerbose);
         m_pDewarper->SetThreadCount(sOptions.oThreads.value_or(0));
+        if (sOptions.bExactGeometry)
+            static_cast<CCustomCPUDewarper&>(*m_pDewarper).SetExactGeometry(true);
     }
 
     SPicture ReadBack() override;

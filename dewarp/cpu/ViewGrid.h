@@ -52,9 +52,9 @@ private:
         CProjection oProjection;
         CPixelOptics oOptics;
     };
-    // How far a cell's interpolation may be off, positions, in each direction: 0.05 pixels at a mesh's kinks;
-    // a third of a hundredth where there are none, so that all four together stay below one.
-    static constexpr int MESH_ERROR = 100;
+    // How far a cell's interpolation may be off, positions, in each direction: 0.06 pixels at a mesh's kinks;
+    // a quarter of a hundredth where there are none, so that all four together stay below one.
+    static constexpr int MESH_ERROR = 130;
     static constexpr int OPTICS_ERROR = 5;
 
     int LayOut(const SViewPart& rPart, const SFrameDecision& rDecision);

@@ -71,6 +71,15 @@ const std::pair<const char*, const char*> OPTIONS[] = {
 
 } // namespace
 
+TEST(Options, ExactGeometryIsTheProcessors)
+{
+    EXPECT_NE(std::string(HELP_TEXT).find("\n  --exact-geometry "), std::string::npos);
+    const SToolOptions sOptions = ParseWithFiles({"--exact-geometry"});
+    EXPECT_TRUE(sOptions.bExactGeometry);
+    EXPECT_EQ(sOptions.eEngine, ENGINE_CPU);
+    EXPECT_FALSE(ParseWithFiles({"--engine", "cpu"}).bExactGeometry);
+}
+
 TEST(Options, EveryOptionIsTakenAndExplained)
 {
     std::vector<const char*> vArguments;
@@ -120,13 +129,14 @@ TEST(Options, HelpNamesNoOptionThatIsNotTaken)
     for (std::size_t n = strHelp.find("\n  --"); n != std::string::npos; n = strHelp.find("\n  --", n + 1)) {
         const std::size_t nBegin = n + 3;
         const std::string strName = strHelp.substr(nBegin, strHelp.find_first_of(" \n", nBegin) - nBegin);
-        bool bKnown = strName == "--version";
+        // These two go with few others.
+        bool bKnown = strName == "--version" || strName == "--exact-geometry";
         for (const auto& [pName, pValue] : OPTIONS)
             bKnown = bKnown || strName == pName;
         EXPECT_TRUE(bKnown) << strName;
         nFound++;
     }
-    EXPECT_EQ(nFound, static_cast<int>(std::size(OPTIONS)) + 1);
+    EXPECT_EQ(nFound, static_cast<int>(std::size(OPTIONS)) + 2);
 }
 
 TEST(Options, NothingIsAskedForByDefault)
@@ -207,6 +217,8 @@ TEST(Options, CommandLinesThatCannotBeFollowedAreRefused)
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--threads", "-1"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--threads", "1025"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--buffers", "--engine", "cpu"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--exact-geometry", "--engine", "gl"}));
+    EXPECT_TRUE(IsRefused({"in.png", "out.png", "--exact-geometry", "--buffers"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--mask-file", ""}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text-at", "1,1"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text", "a", "--text-height", "9", "--text-height", "9"}));
