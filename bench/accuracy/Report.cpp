@@ -155,8 +155,8 @@ std::string SCaseResult::Broken() const
     std::string strText;
     if (sPlaces.nPixels * 5 < sCase.sSetup.nTargetWidth * sCase.sSetup.nTargetHeight)
         strText += " too few pixels drawn;";
-    // Strips of lenses whose circle leaves the frame end where their rule leaves it, which is not where the optics
-    // do.
+    // Strips of lenses whose circle leaves the frame end where their rule leaves it, which is not where the
+    // optics do.
     const bool bOtherEnd = sLimits.bOpticsOnly && EndsByRows(sCase.sSetup);
     if (sPlaces.nWronglyDrawn > sPlaces.nPixels / 1000 && !bOtherEnd)
         strText += Format(" %d pixels drawn or not drawn wrongly;", sPlaces.nWronglyDrawn);
