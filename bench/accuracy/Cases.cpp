@@ -100,7 +100,7 @@ SPlaceLimits ProcessorLimits(const SPlaceLimits& rLimits, bool bExact)
     // A coarse grid, which is exact where the mesh bends more.
     s.fMean += 0.01;
     s.fMost += 0.05;
-    s.fDriver = 0.12;
+    s.fDriver = 0.14;
     s.bOpticsOnly = bExact;
     return s;
 }
