@@ -43,7 +43,7 @@ ECellKind CViewGrid::KindOf(const SPartGrid& rGrid, int nCol, int nRow, const SB
 int CViewGrid::Classify(SPartGrid& rGrid, int nStrip)
 {
     const SStrip sStrip = Strip(rGrid, nStrip);
-    const int k = rGrid.PointsPerCell();
+    const int k = std::min(rGrid.PointsPerCell(), 2); // never more; the analyser cannot know
     const std::size_t nPoints = static_cast<std::size_t>(rGrid.nPointCols);
     short* p = m_vScratch.data() + static_cast<std::size_t>(nStrip) * SCRATCH_ROWS * nPoints;
     const auto Row = [&] { return std::exchange(p, p + nPoints); };

@@ -3,8 +3,6 @@
 #include "tests/support/ReferenceView.h"
 #include "tests/unit/cpu/GridScene.h"
 
-#include "dewarp/cpu/CellKernel.h"
-
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -92,18 +90,11 @@ protected:
         m_oGrid.Build(m_sDecision, m_oMesh, {s.nImageWidth, s.nImageHeight, false, false}, 1);
     }
 
-    /// Calls rUse(x, y, position) for each pixel that is drawn.
     template <class F>
-    void ForPixels(F&& rUse)
+    void ForAllPixels(F&& rUse)
     {
-        for (int g = 0; g < m_oGrid.CountParts(); ++g) {
-            const SPartGrid& rGrid = m_oGrid.Parts()[g];
-            std::size_t nExact = 0;
-            for (int nRow = 0; nRow < rGrid.nRows; ++nRow) {
-                for (int nCol = 0; nCol < rGrid.nCols; ++nCol)
-                    UseCell(rGrid, nRow, nCol, nExact, rUse);
-            }
-        }
+        for (int g = 0; g < m_oGrid.CountParts(); ++g)
+            ForPixels(m_oGrid.Parts()[g], rUse);
     }
 
     CReport m_oReport{"ExactGeometry"};
@@ -112,31 +103,6 @@ protected:
     CCustomGPUGeometry m_oGeometry;
     CMeshIndex m_oMesh;
     CViewGrid m_oGrid;
-
-private:
-    template <class F>
-    static void UseCell(const SPartGrid& rGrid, int nRow, int nCol, std::size_t& rExact, F&& rUse)
-    {
-        const unsigned char nKind = rGrid.vKinds[rGrid.CellIndex(nCol, nRow)];
-        SGridPoint asPositions[CELL_PIXELS];
-        std::uint64_t nCovered = nKind == CELL_EMPTY ? 0 : ~std::uint64_t{0};
-        if (nKind == CELL_EXACT) {
-            nCovered = rGrid.vExact[rExact].nCovered;
-            ExactPositions(rGrid.vExact[rExact++], asPositions);
-        } else if (nKind != CELL_EMPTY) {
-            const int n = rGrid.PointsPerCell();
-            PixelPositions(
-                {&rGrid.vPoints[rGrid.PointIndex(nCol * n, nRow * n)], rGrid.nPointCols, rGrid.nStep},
-                asPositions);
-        }
-        for (int i = 0; i < CELL_PIXELS; ++i) {
-            const int x = rGrid.nOriginX + nCol * CELL_SIDE + i % CELL_SIDE;
-            const int y = rGrid.nOriginY + nRow * CELL_SIDE + i / CELL_SIDE;
-            const SGRect& r = rGrid.sRect;
-            if ((nCovered >> i & 1) != 0 && x >= r.x && y >= r.y && x < r.x + r.width && y < r.y + r.height)
-                rUse(x, y, asPositions[i]);
-        }
-    }
 };
 
 struct SDisplacement
@@ -156,7 +122,7 @@ TEST_F(CExactGeometry, LiesWithinAHundredthOfAPixelOfTheOptics)
         const CReferenceView oView(s);
         ASSERT_NO_FATAL_FAILURE(Build(s, true));
         SDisplacement sFound;
-        ForPixels([&](int x, int y, const SGridPoint& rPlace) {
+        ForAllPixels([&](int x, int y, const SGridPoint& rPlace) {
             const SReferencePixel sPixel = oView.At(x + 0.5, y + 0.5);
             // There are no optics behind the camera; the last pixel of a view may be its mesh's alone.
             if (!sPixel.bDrawn || sPixel.aRay[2] < 0.001)
@@ -186,9 +152,10 @@ TEST_F(CExactGeometry, CoversTheSamePixelsAsTheMesh)
         std::vector<unsigned char> vMesh(960 * 540);
         std::vector<unsigned char> vExact(960 * 540);
         ASSERT_NO_FATAL_FAILURE(Build(rScene.sSetup, false));
-        ForPixels([&](int x, int y, const SGridPoint&) { vMesh[static_cast<std::size_t>(y * 960 + x)] = 1; });
+        ForAllPixels(
+            [&](int x, int y, const SGridPoint&) { vMesh[static_cast<std::size_t>(y * 960 + x)] = 1; });
         ASSERT_NO_FATAL_FAILURE(Build(rScene.sSetup, true));
-        ForPixels(
+        ForAllPixels(
             [&](int x, int y, const SGridPoint&) { vExact[static_cast<std::size_t>(y * 960 + x)] = 1; });
         EXPECT_EQ(vMesh, vExact);
     }
