@@ -1,5 +1,6 @@
 #include "dewarp/cpu/GridLoops.h"
 
+#include "dewarp/cpu/CellTargets.h"
 #include "dewarp/cpu/PixelOptics.h"
 
 namespace
@@ -54,6 +55,11 @@ const SGridLoops& PlainGridLoops()
 
 const SGridLoops& BestGridLoops()
 {
-    static const SGridLoops& rBest = AVX2GridLoops() != nullptr ? *AVX2GridLoops() : PlainGridLoops();
+    // As the cells' kernels: what was asked for holds for grids too, and is tested with them.
+    static const SGridLoops& rBest = []() -> const SGridLoops& {
+        const SCellKernels* const p = &BestKernels();
+        const bool bOlder = p == &PlainKernels() || p == BaselineKernels();
+        return bOlder || AVX2GridLoops() == nullptr ? PlainGridLoops() : *AVX2GridLoops();
+    }();
     return rBest;
 }

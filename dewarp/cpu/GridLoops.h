@@ -51,7 +51,8 @@ struct SGridLoops
                        const SStraightRule& rRule, short* pStraight, short* pPlain);
 };
 
-/// The fastest that this processor runs; all give the same grids.
+/// The fastest that this processor runs, or those that go with the kernels that were asked for; all give the
+/// same grids.
 const SGridLoops& BestGridLoops();
 const SGridLoops& PlainGridLoops();
 /// Null where there are none.
