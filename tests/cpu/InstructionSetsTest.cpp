@@ -3,6 +3,7 @@
 //
 // LUMOR_PATH_CASES=N in the environment draws N cases, LUMOR_PATH_SEED=N begins with another one.
 #include "tests/cpu/PathDrawing.h"
+#include "tests/support/Setting.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -10,12 +11,6 @@
 #include <map>
 
 static const int CASES = 300;
-
-static int Setting(const char* pVariable, int nElse)
-{
-    const char* pValue = std::getenv(pVariable);
-    return pValue == nullptr ? nElse : std::atoi(pValue);
-}
 
 /// Where two pictures differ, in words.
 static std::string Difference(const std::vector<unsigned char>& vA, const std::vector<unsigned char>& vB)

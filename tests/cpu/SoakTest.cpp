@@ -3,6 +3,7 @@
 // frames at least.
 #include "tests/soak/ReliabilityScene.h"
 #include "tests/support/EngineDewarper.h"
+#include "tests/support/Setting.h"
 
 #include <chrono>
 #include <cstdio>
@@ -14,12 +15,6 @@ namespace
 {
 
 using CClock = std::chrono::steady_clock;
-
-double Setting(const char* pName, double fDefault)
-{
-    const char* pValue = std::getenv(pName);
-    return pValue != nullptr ? std::atof(pValue) : fDefault;
-}
 
 std::vector<CTestFrame> Frames()
 {

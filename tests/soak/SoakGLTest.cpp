@@ -3,6 +3,7 @@
 // frames at least; LUMOR_SOAK_TIMES makes frame times count.
 
 #include "tests/soak/ReliabilityScene.h"
+#include "tests/support/Setting.h"
 
 #include <gtest/gtest.h>
 
@@ -18,12 +19,6 @@ namespace
 {
 
 using CClock = std::chrono::steady_clock;
-
-double Setting(const char* pName, double fDefault)
-{
-    const char* pValue = std::getenv(pName);
-    return pValue != nullptr ? std::atof(pValue) : fDefault;
-}
 
 /// Milliseconds that this process has computed, on all its threads: what other processes do does not count.
 double ComputedMilliseconds()

@@ -6,6 +6,7 @@
 #include "tests/gl/engines/StateJudge.h"
 #include "tests/gl/state/StateCalls.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Setting.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -16,12 +17,6 @@ static const int STATES = 250;
 static const int MOST_CALLS = 40;
 static const int MOST_BYTES = 180;
 static const int MOST_FAULTS = 5;
-
-static int Setting(const char* pVariable, int nElse)
-{
-    const char* pValue = std::getenv(pVariable);
-    return pValue == nullptr ? nElse : std::atoi(pValue);
-}
 
 static std::vector<SStateCall> CallsOfSeed(unsigned int nSeed)
 {

@@ -8,6 +8,7 @@
 #include "tests/gl/state/StateCalls.h"
 #include "tests/support/EngineDewarper.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Setting.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,12 +20,6 @@ static const int SEQUENCES = 250;
 static const int MOST_CALLS = 40;
 static const int MOST_BYTES = 180;
 static const int MOST_FAULTS = 5;
-
-static int Setting(const char* pVariable, int nElse)
-{
-    const char* pValue = std::getenv(pVariable);
-    return pValue == nullptr ? nElse : std::atoi(pValue);
-}
 
 /// True for a call that was to be left out.
 static bool IsLeftOut(const SStateCall& rCall)
