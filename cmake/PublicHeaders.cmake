@@ -22,6 +22,7 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/gl/SGOverlay.h
     dewarp/gl/SShaderProperties.h
     dewarp/lenses/LensSizes.h
+    dewarp/lenses/SLens.h
     dewarp/offscreen/CustomGPUDewarperOffscreen.h
     dewarp/overlays/MaskPolygonFormat.h
     dewarp/overlays/SGPUString.h

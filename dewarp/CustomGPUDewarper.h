@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/DewarperState.h"
+#include "dewarp/lenses/SLens.h"
 #include "platform/Export.h"
 
 struct STargetShape;
@@ -118,6 +119,30 @@ public:
     /// (stereographic). Values outside are limited, one that is not a number is refused with a log line.
     void SetEyeDistance(float fDistance);
     float GetEyeDistance();
+    // The camera, beyond the number of a known lens. Each is seen with the next frame; what cannot be is
+    // refused with a log line and false.
+    /// Any lens. It stands until SetLensType is called.
+    bool SetLens(const SLens& rLens);
+    /// Where the lens's circle lies in the frame, also partly outside: pixels from the top left, halves in
+    /// the middles of pixels. The radii are those of 90 degrees for known lenses, of the lens's edge for one
+    /// of SetLens; a calibration has a centre and scale of its own, and the circle only says where its light
+    /// ends. Radii of 0: the lens's own rule.
+    bool SetImageCircle(float fCenterX, float fCenterY, float fRadiusX, float fRadiusY);
+    /// Where it lies, by whichever rule; false as long as no frame and lens are known.
+    bool GetImageCircle(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY);
+    /// How the body is turned away from where its mount says that it looks, about its own axes, in this
+    /// order: yaw to the right, pitch upward, roll clockwise as seen from behind it. All views but the
+    /// fisheye follow.
+    bool SetMountOrientation(float fYaw, float fPitch, float fRoll);
+    void GetMountOrientation(float& fYaw, float& fPitch, float& fRoll);
+    /// Ends every view where the light of the lens does: what it does not see is transparent, and colour and
+    /// alpha fade together (premultiplied) across one pixel. Always so with a lens, circle or orientation of
+    /// the host's; off by default for known lenses, whose views end as they always did.
+    void SetCleanRim(bool bClean);
+    bool GetCleanRim();
+    /// Turns virtual cameras about their axis, positive clockwise as seen from behind.
+    void SetRoll(float fDegrees);
+    float GetRoll();
     void SetLogGLErrors(bool bEnable);
     bool GetLogGLErrors();
     void SetLogShaderCode(bool bEnable);
@@ -169,7 +194,8 @@ public:
     bool IsDrawRequired();
     /// What went wrong last with this dewarper, as the log said it; empty when nothing has.
     std::string GetLastErrorText();
-    /// The lens that the picture is drawn with: what LENS_AUTO found; LENS_UNSET before the first frame.
+    /// The lens that the picture is drawn with: what LENS_AUTO found; LENS_UNSET before the first frame,
+    /// LENS_OWN for a lens of SetLens.
     ELensType GetLensInForce();
 
     // What a host would have to guess.
@@ -249,6 +275,8 @@ protected:
     bool IsViewDrawn() const;
     /// Something was asked for that a frame is to show.
     void RequestFrame();
+    /// The statements that end the view at the lens's rim, if it has one.
+    std::string GetFragShaderRimCode();
     void EnterLocked();
     void LeaveLocked();
 };

@@ -40,6 +40,7 @@ void CCustomGPUDewarper::SetLensType(ELensType eLens)
 {
     CLockScope oScope(*this);
     eRequestedLens = eLens;
+    pRooms->oControl.DropLens();
     RequestFrame();
 }
 
@@ -52,7 +53,7 @@ ELensType CCustomGPUDewarper::GetLensType()
 ELensType CCustomGPUDewarper::GetLensInForce()
 {
     CLockScope oScope(*this);
-    return pParams->eLensType;
+    return pRooms->oControl.LensInForce();
 }
 
 void CCustomGPUDewarper::SetInterpolationType(EInterpolationType eType)

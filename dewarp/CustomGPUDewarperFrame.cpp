@@ -7,6 +7,7 @@
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/gl/PictureRequests.h"
 #include "dewarp/records/LogTag.h"
+#include "dewarp/records/Mirrors.h"
 #include "platform/Assert.h"
 #include "platform/MemoryGuard.h"
 
@@ -44,6 +45,8 @@ bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
         ResetCustomGPUObjects();
         bResetObjects = false;
     }
+    const SPictureSettings sSettings = RequestedSettings(sMainShader);
+    r.oControl.FollowMirrors(MirrorsOf(sSettings.bFlipHorizontal, sSettings.bFlipVertical, nRotation));
     const SAppliedRequests sApplied = r.oControl.ApplyRequests();
     pRequestedViewObject = ObjectInForce();
     DecideLayers();

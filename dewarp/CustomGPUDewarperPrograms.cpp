@@ -7,9 +7,12 @@
 #include "dewarp/records/ColourMatrix.h"
 #include "dewarp/shaders/DiscardText.h"
 #include "dewarp/shaders/FragmentText.h"
+#include "dewarp/shaders/RimText.h"
 #include "dewarp/shaders/VertexText.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace
 {
@@ -151,6 +154,7 @@ std::string CCustomGPUDewarper::GetFragShaderCode()
     sInput.bInputOverlay = sMainShader.bInputOverlay;
     sInput.bQPTextures = sMainShader.bQPTextures;
     sInput.strDiscard = GetFragShaderDiscardCode();
+    sInput.strRim = GetFragShaderRimCode();
     return FragmentText(sInput);
 }
 
@@ -171,4 +175,12 @@ std::string CCustomGPUDewarper::GetFragShaderDiscardCode()
     sInput.fClipValue = rShader.fClipValue;
     sInput.bTexCoordClip = rShader.bTexCoordClip;
     return DiscardText(sInput);
+}
+
+std::string CCustomGPUDewarper::GetFragShaderRimCode()
+{
+    std::copy(std::begin(sMainShader.afRimRequested), std::end(sMainShader.afRimRequested),
+              sMainShader.afRim);
+    const float* f = sMainShader.afRim;
+    return RimText({f[0], f[1], f[2], f[3]});
 }

@@ -2,6 +2,7 @@
 /// One dewarper, whichever engine draws: the operations of a host that does not care.
 #pragma once
 
+#include "dewarp/lenses/SLens.h"
 #include "dewarp/overlays/SGPUString.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SFrameTarget.h"
@@ -124,6 +125,17 @@ public:
     virtual bool GetTargetSize(int& nWidth, int& nHeight);
     /// Logs what the driver finds wrong, and the texts of the shaders that it gets. ENGINE_CPU has neither.
     virtual void SetDriverLog(bool bErrors, bool bShaderTexts);
+
+    // The camera, beyond the number of a known lens.
+    virtual bool SetLens(const SLens& rLens) = 0;
+    virtual bool SetImageCircle(float fCenterX, float fCenterY, float fRadiusX, float fRadiusY) = 0;
+    virtual bool GetImageCircle(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY) = 0;
+    virtual bool SetMountOrientation(float fYaw, float fPitch, float fRoll) = 0;
+    virtual void GetMountOrientation(float& fYaw, float& fPitch, float& fRoll) = 0;
+    virtual void SetCleanRim(bool bClean) = 0;
+    virtual bool GetCleanRim() = 0;
+    virtual void SetRoll(float fDegrees) = 0;
+    virtual float GetRoll() = 0;
 
     // What a host would have to guess.
     /// Where a view starts on a mount.

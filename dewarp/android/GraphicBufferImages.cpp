@@ -328,5 +328,6 @@ std::string CCustomGPUDewarperVela::GetVertexShaderCode()
 std::string CCustomGPUDewarperVela::GetFragShaderCode()
 {
     sMainShader.bInputOverlayInShader = sMainShader.bInputOverlay;
-    return YUVTargetFragmentText(mDrawToTexture, sMainShader.bInputOverlay, GetFragShaderDiscardCode());
+    return YUVTargetFragmentText(mDrawToTexture, sMainShader.bInputOverlay, GetFragShaderDiscardCode(),
+                                 GetFragShaderRimCode());
 }

@@ -2,6 +2,8 @@
 /// What a dewarper was asked for and what is in force, and every operation that changes either.
 #pragma once
 
+#include "dewarp/lenses/CameraOptics.h"
+#include "dewarp/records/Mirrors.h"
 #include "dewarp/records/SDewarpParams.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/views/View.h"
@@ -41,6 +43,23 @@ public:
     /// 0, 90, 180 or 270. bChanged: it is another than before.
     bool SetRotation(int nDegrees, bool& bChanged);
     bool SetEyeDistance(float fDistance);
+    /// Degrees; positive turns virtual cameras clockwise as seen from behind.
+    bool SetRoll(float fDegrees);
+
+    // The camera, beyond the number of a known lens. A lens of the host's own stands until a number is asked
+    // for.
+    bool SetLens(const SLens& rLens);
+    void DropLens();
+    bool SetImageCircle(const SImageCircle& rCircle);
+    bool SetMountOrientation(const SMountOrientation& rOrientation);
+    void SetCleanRim(bool bClean);
+    /// What the host said; nothing when it said nothing.
+    SCameraOptics Optics() const;
+    /// Where the circle lies: as the host said, or by the lens's own rule. False before a frame was drawn.
+    bool CircleInForce(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY) const;
+    ELensType LensInForce() const;
+    /// How frames are shown: what counts in their pixels follows.
+    void FollowMirrors(const SMirrors& rMirrors);
 
     // Steering. bInForce: the view in force is the one that is drawn, so its limits count at once.
     bool AbsolutePTZ(float fPan, float fTilt, float fZoom);
@@ -100,6 +119,7 @@ private:
     void ApplyAbsolutePTZ();
     void ApplyAnalogPTZ();
     void ApplyLensRequest(SAppliedRequests& rApplied);
+    void PutOptics(const SCameraOptics& rOptics);
 
     CReport& m_rReport;
 };

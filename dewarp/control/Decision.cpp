@@ -59,7 +59,7 @@ void DecideView(const CControl& rControl, const STargetShape& rTarget, SFrameDec
     d.sMesh = rView.MeshKey(d.sParams);
     d.fMeshAspect = rView.MeshAspect(d.sParams);
     d.fImageAspect = ShownImageAspect(d.sParams, d.nRotation);
-    d.sBands = rView.ClipBands(d.sParams, d.fMeshAspect, rTarget.nWidth, rTarget.nHeight);
+    d.sBands = rView.Bands(d.sParams, d.fMeshAspect, rTarget.nWidth, rTarget.nHeight);
 
     SDewarpMatrices& m = d.sMatrices;
     m = SDewarpMatrices();

@@ -34,6 +34,8 @@ bool CCustomCPUDewarper::SState::HasFrameAndTarget(const char* pFunction)
 /// Requests are put in force, the view is decided, and the grid stands for it.
 void CCustomCPUDewarper::SState::PrepareView()
 {
+    const SMirrors sMirrors = MirrorsOf(sPicture.bFlipHorizontal, sPicture.bFlipVertical, oControl.nRotation);
+    oControl.FollowMirrors(sMirrors);
     oControl.ApplyRequests();
     bViewDrawn = true;
     const STargetShape sTarget = {nTargetWidth, nTargetHeight, true};
@@ -43,7 +45,6 @@ void CCustomCPUDewarper::SState::PrepareView()
     }
     sDecision.sPicture = sPicture;
     PrepareMesh();
-    const SMirrors sMirrors = MirrorsOf(sPicture.bFlipHorizontal, sPicture.bFlipVertical, oControl.nRotation);
     const SFrameShape sShape = {sImage.nWidth, sImage.nHeight, sMirrors.bX, sMirrors.bY};
     if (bGridBuilt && sGridShape == sShape)
         return;
@@ -78,6 +79,7 @@ bool CCustomCPUDewarper::SState::PrepareLayers(const SFrameTarget& rTarget, cons
     sPlace.nFrameHeight = sImage.nHeight;
     sPlace.nTargetWidth = nTargetWidth;
     sPlace.nTargetHeight = nTargetHeight;
+    sPlace.sRim = sDecision.sBands.sRim;
     sPlace.nGridNumber = nGridNumber;
     if (oLayers.Prepare(sPlace, oGrid, CountThreads()))
         return true;
@@ -103,10 +105,11 @@ bool CCustomCPUDewarper::SState::DrawView(const SFrameTarget& rTarget, const cha
     for (int g = 0; g < oGrid.CountParts(); ++g) {
         const SPartGrid& rGrid = oGrid.Parts()[g];
         const CRunLayer& rLayer = oLayers.InputLayer(g);
+        const CRunLayer& rRim = oLayers.RimLayer(g);
         rPool.Run(nThreadCount, rGrid.nRows, [&](int nRow) {
             const int y = rGrid.nOriginY + nRow * CELL_SIDE;
-            if (rLayer.HasRows(y, y + CELL_SIDE))
-                DrawCoveredRow(sJob, rGrid, nRow, rLayer, oScratch);
+            if (rLayer.HasRows(y, y + CELL_SIDE) || rRim.HasRows(y, y + CELL_SIDE))
+                DrawCoveredRow(sJob, rGrid, nRow, rLayer, rRim, oScratch);
             else
                 oDraw.DrawCellRow(rGrid, nRow);
         });

@@ -82,6 +82,7 @@ void CCustomCPUDewarper::SetLensType(ELensType eLens)
 {
     const CCPULock oLock(pState->oMutex);
     pState->oControl.eRequestedLens = eLens;
+    pState->oControl.DropLens();
     pState->RequestFrame();
 }
 
@@ -94,7 +95,7 @@ ELensType CCustomCPUDewarper::GetLensType()
 ELensType CCustomCPUDewarper::GetLensInForce()
 {
     const CCPULock oLock(pState->oMutex);
-    return pState->oControl.sParams.eLensType;
+    return pState->oControl.LensInForce();
 }
 
 void CCustomCPUDewarper::SetInterpolationType(EInterpolationType eType)

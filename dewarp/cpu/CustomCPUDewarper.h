@@ -51,6 +51,15 @@ public:
     void GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChromaMin) override;
     void SetEyeDistance(float fDistance) override;
     float GetEyeDistance() override;
+    bool SetLens(const SLens& rLens) override;
+    bool SetImageCircle(float fCenterX, float fCenterY, float fRadiusX, float fRadiusY) override;
+    bool GetImageCircle(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY) override;
+    bool SetMountOrientation(float fYaw, float fPitch, float fRoll) override;
+    void GetMountOrientation(float& fYaw, float& fPitch, float& fRoll) override;
+    void SetCleanRim(bool bClean) override;
+    bool GetCleanRim() override;
+    void SetRoll(float fDegrees) override;
+    float GetRoll() override;
     void AbsolutePTZ(float fPan, float fTilt, float fZoom) override;
     void RelativePTZ(float fPan, float fTilt, float fZoom) override;
     void AnaloguePTZ(float fPan, float fTilt, float fZoom) override;

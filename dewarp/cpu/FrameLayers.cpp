@@ -34,6 +34,8 @@ bool CFrameLayers::Prepare(const SLayerPlace& rPlace, const CViewGrid& rGrid, in
         return false;
     if (m_bInputStale)
         BuildInput(rPlace, rGrid, nThreads);
+    if (bOtherPlace)
+        m_oRim.Build(rGrid, rPlace.sRim, rPlace.nFrameWidth, rPlace.nFrameHeight, rPlace.sFormat);
     if (m_bTextStale) {
         m_oText.Build(sStrings.vStrings, rPlace.nTargetWidth, rPlace.nTargetHeight, rPlace.sFormat);
         m_bTextStale = false;
@@ -120,5 +122,5 @@ void CFrameLayers::BlendTop(const SFrameTarget& t, int nFirstRow, int nEndRow) c
 std::size_t CFrameLayers::CountBytes() const
 {
     return m_oInputImage.CountBytes() + m_oOutputImage.CountBytes() + m_oMasks.CountBytes() +
-           m_oInput.CountBytes() + m_oText.CountBytes() + m_oOutput.CountBytes();
+           m_oInput.CountBytes() + m_oRim.CountBytes() + m_oText.CountBytes() + m_oOutput.CountBytes();
 }

@@ -5,6 +5,7 @@
 #include "dewarp/cpu/InputLayer.h"
 #include "dewarp/cpu/MaskImage.h"
 #include "dewarp/cpu/OverlayImage.h"
+#include "dewarp/cpu/RimLayer.h"
 #include "dewarp/cpu/TextLayer.h"
 #include "dewarp/overlays/MaskList.h"
 #include "dewarp/overlays/StringList.h"
@@ -20,6 +21,7 @@ struct SLayerPlace
     int nFrameHeight = 0;
     int nTargetWidth = 0;
     int nTargetHeight = 0;
+    SRimCut sRim;
     unsigned int nGridNumber = 0; ///< which grid: another number, another grid
 
     bool operator==(const SLayerPlace& sOther) const = default;
@@ -42,6 +44,8 @@ public:
     bool Prepare(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads);
     /// Lays over the rows of one part what lies over the frame.
     const CRunLayer& InputLayer(int nPart) const { return m_oInput.Layer(nPart); }
+    /// Ends one part where the light of the lens does.
+    const CRunLayer& RimLayer(int nPart) const { return m_oRim.Layer(nPart); }
     /// Whether something lies over the picture as a whole.
     bool HasTop() const { return !m_oText.IsEmpty() || !m_oOutputImage.IsEmpty(); }
     /// Lays text and output overlay over rows of a finished picture; the first one is even.
@@ -59,6 +63,7 @@ private:
     COverlayImage m_oOutputImage;
     CMaskImage m_oMasks;
     CInputLayer m_oInput;
+    CRimLayer m_oRim;
     CTextLayer m_oText;
     CRunLayer m_oOutput;
     SLayerPlace m_sPlace; ///< what the layers stand for

@@ -37,7 +37,7 @@ static bool Invert(const float* pMatrix, double* pInverse)
 CPixelOptics::CPixelOptics(const SMeshKey& rMesh, const SViewPart& rPart, const SFrameShape& rFrame)
     : m_oOptics(rMesh), m_sFrame(rFrame), m_sWindow(WindowOf(rPart))
 {
-    m_bUsed = m_oOptics.HasDirections() && Invert(rPart.fMVP, m_afInverse);
+    m_bUsed = CViewOptics::HasDirections(rMesh.eMesh) && Invert(rPart.fMVP, m_afInverse);
 }
 
 /// A point of the model from normalised device coordinates.

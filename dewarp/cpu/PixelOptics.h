@@ -29,7 +29,7 @@ private:
     };
     SPoint At(double x, double y, double z) const;
 
-    CViewOptics m_oOptics;
+    CViewOptics m_oOptics{SMeshKey()};
     SFrameShape m_sFrame;
     SWindow m_sWindow;
     double m_afInverse[16] = {}; ///< of the matrix, column by column

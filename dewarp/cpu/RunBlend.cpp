@@ -211,6 +211,18 @@ void CRunLayer::BlendPixels(unsigned char* pTarget, std::ptrdiff_t nStride, int 
     });
 }
 
+void CRunLayer::FadePixels(unsigned char* pTarget, std::ptrdiff_t nStride, int nFirstRow, int nEndRow) const
+{
+    m_sPixels.Walk(nFirstRow, nEndRow, [&](int y, const SLayerRun& rRun) {
+        unsigned char* const pRun = pTarget + y * nStride + std::ptrdiff_t{rRun.x} * 4;
+        const std::uint32_t* const pLayer = m_vPixels.data() + rRun.nFirst;
+        for (int i = 0; i < 4 * rRun.nPixels; ++i) {
+            const std::uint32_t nKeep = 255 - (pLayer[rRun.bPlain ? 0 : i / 4] >> 24);
+            pRun[i] = static_cast<unsigned char>((pRun[i] * nKeep + 127) / 255);
+        }
+    });
+}
+
 void CRunLayer::BlendYUV(const SFrameTarget& rTarget, int nFirstRow, int nEndRow) const
 {
     m_sPixels.Walk(nFirstRow, nEndRow, [&](int y, const SLayerRun& rRun) {

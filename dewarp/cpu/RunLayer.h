@@ -37,6 +37,8 @@ public:
     /// much as that alpha, as in pictures that are premultiplied by it.
     void BlendPixels(unsigned char* pTarget, std::ptrdiff_t nStride, int nFirstRow, int nEndRow,
                      bool bByAlpha) const;
+    /// Rows likewise, of a layer whose pixels are black: colour and alpha fade together.
+    void FadePixels(unsigned char* pTarget, std::ptrdiff_t nStride, int nFirstRow, int nEndRow) const;
     /// The same in a picture of IMAGE_FORMAT_NV12 or IMAGE_FORMAT_YUV420P. nFirstRow is even; nEndRow, too,
     /// unless the picture ends there.
     void BlendYUV(const SFrameTarget& rTarget, int nFirstRow, int nEndRow) const;

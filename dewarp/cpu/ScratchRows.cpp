@@ -58,7 +58,7 @@ static SFrameTarget Raised(const SFrameTarget& rRows, int nFirstRow)
 }
 
 void DrawCoveredRow(const SFrameJob& rJob, const SPartGrid& rGrid, int nRow, const CRunLayer& rLayer,
-                    CScratchRows& rScratch)
+                    const CRunLayer& rRim, CScratchRows& rScratch)
 {
     const SGRect& r = rGrid.sRect;
     const SFrameTarget& t = rJob.sTarget;
@@ -76,9 +76,11 @@ void DrawCoveredRow(const SFrameJob& rJob, const SPartGrid& rGrid, int nRow, con
     if (t.eFormat != IMAGE_FORMAT_NV12 && t.eFormat != IMAGE_FORMAT_YUV420P) {
         rLayer.BlendPixels(sLayered.apPlanes[0], sLayered.anStrides[0], nFirst, nEnd,
                            rJob.pColours->sJob.bPremultiply);
+        rRim.FadePixels(sLayered.apPlanes[0], sLayered.anStrides[0], nFirst, nEnd);
         CopyRows(sRows.sTarget, t, 0, nTop, nFirst, nEnd, std::ptrdiff_t{4} * r.x, nWidth * 4);
     } else {
         rLayer.BlendYUV(sLayered, nTop, nEnd);
+        rRim.BlendYUV(sLayered, nTop, nEnd);
         CopyRows(sRows.sTarget, t, 0, nTop, nFirst, nEnd, r.x, nWidth);
         // Places that another part has begun are its own.
         const int nPlaceX = r.x / 2 + (oDraw.IsShared(rGrid, r.x - 1, r.y) ? r.x % 2 : 0);

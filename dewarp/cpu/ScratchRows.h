@@ -31,7 +31,7 @@ private:
     std::atomic<std::uint64_t> m_nTaken{0};
 };
 
-/// Draws a row of cells with a layer over it and puts it into the target when it is finished: whoever looks
-/// at the target meanwhile never sees what a mask is to hide. Thread: as CFrameDraw.
+/// Draws a row of cells with a layer over it, ends it at the rim and puts it into the target when it is
+/// finished: whoever looks at the target meanwhile never sees what a mask is to hide. Thread: as CFrameDraw.
 void DrawCoveredRow(const SFrameJob& rJob, const SPartGrid& rGrid, int nRow, const CRunLayer& rLayer,
-                    CScratchRows& rScratch);
+                    const CRunLayer& rRim, CScratchRows& rScratch);

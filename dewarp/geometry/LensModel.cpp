@@ -10,7 +10,7 @@
 #include <cmath>
 #include <cstddef>
 
-void FillTheta2r(const SLens& rLens, float* pTheta2r)
+void FillTheta2r(const SGivenLens& rLens, float* pTheta2r)
 {
     if (!FillAngleToRadius(rLens, pTheta2r))
         __assert2("dewarp/CustomGPUGeometry", __LINE__,

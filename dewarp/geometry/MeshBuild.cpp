@@ -2,6 +2,7 @@
 
 #include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshAspect.h"
+#include "dewarp/geometry/OpticsMesh.h"
 
 SMeshKey MeshKeyOf(EViewMesh eMesh, const SDewarpParams& sParams)
 {
@@ -11,8 +12,10 @@ SMeshKey MeshKeyOf(EViewMesh eMesh, const SDewarpParams& sParams)
     sKey.eMesh = eMesh;
     sKey.nImageWidth = sParams.nImageWidth;
     sKey.nImageHeight = sParams.nImageHeight;
-    if (eMesh != MESH_FISHEYE)
+    if (eMesh != MESH_FISHEYE) {
         sKey.eLens = sParams.eLensType;
+        sKey.pOptics = sParams.pOptics;
+    }
     if (eMesh == MESH_PANORAMA_WALL) {
         sKey.fPan = sParams.fPan;
         sKey.fMountTilt = sParams.fMountTilt;
@@ -28,6 +31,10 @@ void BuildMesh(CCustomGPUGeometry& oGeometry, const SMeshKey& sKey)
 {
     const int nWidth = sKey.nImageWidth;
     const int nHeight = sKey.nImageHeight;
+    if (sKey.pOptics != nullptr && IsOpticsMesh(sKey.eMesh)) {
+        BuildOpticsMesh(oGeometry, sKey);
+        return;
+    }
     switch (sKey.eMesh) {
     case MESH_FISHEYE:
         oGeometry.GenerateFisheyeVertices(nWidth, nHeight);

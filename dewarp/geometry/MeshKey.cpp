@@ -13,5 +13,5 @@ bool SMeshKey::operator==(const SMeshKey& sOther) const
     return eMesh == sOther.eMesh && eView == sOther.eView && eLens == sOther.eLens &&
            nImageWidth == sOther.nImageWidth && nImageHeight == sOther.nImageHeight &&
            SameBits(fPan, sOther.fPan) && SameBits(fTilt, sOther.fTilt) &&
-           SameBits(fMountTilt, sOther.fMountTilt) && bStrict == sOther.bStrict;
+           SameBits(fMountTilt, sOther.fMountTilt) && bStrict == sOther.bStrict && pOptics == sOther.pOptics;
 }

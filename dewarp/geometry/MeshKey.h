@@ -5,6 +5,10 @@
 #include "dewarp/records/Enumerations.h"
 #include "platform/Export.h"
 
+#include <memory>
+
+class CCameraOptics;
+
 enum EViewMesh : int
 {
     MESH_NONE,
@@ -31,6 +35,7 @@ struct LUMOR_API SMeshKey
     float fTilt = 0.0f;
     float fMountTilt = 0.0f;
     bool bStrict = false;
+    std::shared_ptr<const CCameraOptics> pOptics; ///< null: by the known lens's own rules
 
     /// Angles are the same when their bits are: a NaN equals itself, -0 is not 0.
     bool operator==(const SMeshKey& sOther) const;

@@ -1,6 +1,6 @@
 #include "dewarp/geometry/ViewOptics.h"
 
-#include "dewarp/lenses/SLens.h"
+#include "dewarp/lenses/CameraOptics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,6 +10,8 @@ namespace
 {
 
 const double RADIANS = std::numbers::pi / 180.0;
+/// Degrees off the axis where known lenses end.
+const double RIM_ANGLE = 90.0;
 /// Width of one turn of the panorama's band, whose height is 2.
 const double BAND_WIDTH = 100.0 / 7.0;
 /// Width of a strip of the dual and triple panoramas, and what it spans.
@@ -17,31 +19,50 @@ const double STRIP_WIDTH = 0.8;
 const double STRIP_FIRST = 54.0; ///< degrees off the axis
 const double STRIP_SPAN = 72.0;
 
-/// Height of an angle, between the lens's rows next to it.
-double HeightAt(const SLens& rLens, double fDegrees)
-{
-    if (rLens.vDomain.empty())
-        return fDegrees;
-    const auto it = std::upper_bound(rLens.vDomain.begin() + 1, rLens.vDomain.end() - 1, fDegrees,
-                                     [](double f, float fRow) { return f < static_cast<double>(fRow); });
-    const std::size_t n = static_cast<std::size_t>(it - rLens.vDomain.begin());
-    const double fFirst = static_cast<double>(rLens.vDomain[n - 1]);
-    const double fShare = (fDegrees - fFirst) / (static_cast<double>(rLens.vDomain[n]) - fFirst);
-    return static_cast<double>(rLens.vRange[n - 1]) * (1.0 - fShare) +
-           static_cast<double>(rLens.vRange[n]) * fShare;
-}
-
 } // namespace
 
+/// Half of what a lens shows, degrees; known ones count as half-spheres, wherever the frame cuts them.
+static double LensHalfField(const CCameraOptics* pOptics, const CLensMap& rLens)
+{
+    return pOptics != nullptr && pOptics->Said().bOwnLens ? rLens.HalfField() : RIM_ANGLE;
+}
+
+static SMountOrientation OrientationOf(const SMeshKey& rKey)
+{
+    return rKey.pOptics != nullptr ? rKey.pOptics->Said().sOrientation : SMountOrientation();
+}
+
 CViewOptics::CViewOptics(const SMeshKey& rKey)
-    : m_sKey(rKey), m_pLens(&FindLens(rKey.eLens)),
-      m_fRadius(static_cast<double>(LensRadius(*m_pLens, rKey.nImageWidth, rKey.nImageHeight))),
-      m_fRimHeight(HeightAt(*m_pLens, 90.0))
+    : m_sKey(rKey), m_oLens(rKey.pOptics.get(), rKey.eLens, rKey.nImageWidth, rKey.nImageHeight,
+                            rKey.pOptics != nullptr && rKey.eMesh == MESH_VCAM),
+      m_oBody(OrientationOf(rKey)),
+      m_fWallSpan(2.0 * std::max(RIM_ANGLE, LensHalfField(rKey.pOptics.get(), m_oLens)))
 {}
 
-bool CViewOptics::HasDirections() const
+static CLensMap LensOf(const SDewarpParams& rParams)
 {
-    switch (m_sKey.eMesh) {
+    return CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth, rParams.nImageHeight,
+                    false);
+}
+
+double HalfFieldOf(const SDewarpParams& rParams)
+{
+    if (rParams.pOptics == nullptr)
+        return RIM_ANGLE;
+    const double fLean = CBodyTurn(rParams.pOptics->Said().sOrientation).Lean();
+    return std::min(LensHalfField(rParams.pOptics.get(), LensOf(rParams)) + fLean, 180.0);
+}
+
+double WallSpanOf(const SDewarpParams& rParams)
+{
+    if (rParams.pOptics == nullptr)
+        return 2.0 * RIM_ANGLE;
+    return 2.0 * std::max(RIM_ANGLE, LensHalfField(rParams.pOptics.get(), LensOf(rParams)));
+}
+
+bool CViewOptics::HasDirections(EViewMesh eMesh)
+{
+    switch (eMesh) {
     case MESH_VCAM:
     case MESH_PANORAMA:
     case MESH_PANORAMA_WALL:
@@ -54,7 +75,7 @@ bool CViewOptics::HasDirections() const
 }
 
 /// A band of bearings, a turn wide; its rows run from 90 to 39.6 degrees off the axis.
-CViewOptics::SDirection CViewOptics::OfStrip(double x, double y) const
+SDirection CViewOptics::OfStrip(double x, double y) const
 {
     const double fBearing = 2.0 * std::numbers::pi * x / BAND_WIDTH;
     const double fAngle = 90.0 * (1.0 - 0.28 * (1.0 - y)) * RADIANS;
@@ -62,7 +83,7 @@ CViewOptics::SDirection CViewOptics::OfStrip(double x, double y) const
 }
 
 /// Rays of a camera that hangs under a ceiling or on a wall, turned about the optical axis.
-CViewOptics::SDirection CViewOptics::Turned(double fDown, double fSide, double fAhead, double fDegrees) const
+SDirection CViewOptics::Turned(double fDown, double fSide, double fAhead, double fDegrees) const
 {
     const double c = std::cos(fDegrees * RADIANS);
     const double s = std::sin(fDegrees * RADIANS);
@@ -70,7 +91,7 @@ CViewOptics::SDirection CViewOptics::Turned(double fDown, double fSide, double f
 }
 
 /// Strips of 90 degrees of azimuth; the middle one of three follows no tilt and stands a quarter further.
-CViewOptics::SDirection CViewOptics::OfStrips(double x, double y) const
+SDirection CViewOptics::OfStrips(double x, double y) const
 {
     const bool bTriple = m_sKey.eMesh == MESH_PANORAMA_TRIPLE;
     const double fEdge = STRIP_WIDTH * (bTriple ? 1.5 : 1.0);
@@ -87,13 +108,16 @@ CViewOptics::SDirection CViewOptics::OfStrips(double x, double y) const
 
 /// The half-sphere before an inclined camera: columns are azimuth, rows elevation. An inclination widens
 /// both, so that the inclined half-sphere stays inside, unless limits are strict.
-CViewOptics::SDirection CViewOptics::OfWall(double x, double y) const
+SDirection CViewOptics::OfWall(double x, double y) const
 {
     const double fTau = static_cast<double>(m_sKey.fMountTilt);
     const bool bWide = !m_sKey.bStrict;
-    const double fSpan = 180.0 + (bWide ? 2.0 * std::fabs(fTau) : 0.0);
-    const double fAzimuth = ((bWide ? std::fabs(fTau) : 0.0) - fSpan * 0.5 * (x + 1.0)) * RADIANS;
-    const double fElevation = ((bWide && fTau > 0.0 ? -2.0 * fTau : 0.0) + fSpan * 0.5 * (y + 1.0)) * RADIANS;
+    const double fSpan = m_fWallSpan + (bWide ? 2.0 * std::fabs(fTau) : 0.0);
+    // How far a lens beyond the half-sphere reaches past either side.
+    const double fPast = 0.5 * m_fWallSpan - RIM_ANGLE;
+    const double fAzimuth = (fPast + (bWide ? std::fabs(fTau) : 0.0) - fSpan * 0.5 * (x + 1.0)) * RADIANS;
+    const double fElevation =
+        ((bWide && fTau > 0.0 ? -2.0 * fTau : 0.0) - fPast + fSpan * 0.5 * (y + 1.0)) * RADIANS;
     const double fDown = std::cos(fElevation);
     const double fAhead = -std::sin(fElevation) * std::sin(fAzimuth);
     const double c = std::cos(fTau * RADIANS);
@@ -102,19 +126,29 @@ CViewOptics::SDirection CViewOptics::OfWall(double x, double y) const
                   -static_cast<double>(m_sKey.fPan));
 }
 
+SDirection CViewOptics::DirectionAt(double x, double y, double z) const
+{
+    switch (m_sKey.eMesh) {
+    case MESH_PANORAMA:
+        return OfStrip(x, y);
+    case MESH_PANORAMA_WALL:
+        return OfWall(x, y);
+    case MESH_PANORAMA_DUAL:
+    case MESH_PANORAMA_TRIPLE:
+        return OfStrips(x, y);
+    default:
+        return {x, y, -z};
+    }
+}
+
 void CViewOptics::At(double x, double y, double z, double& u, double& v) const
 {
-    SDirection d = {x, y, -z};
-    if (m_sKey.eMesh == MESH_PANORAMA)
-        d = OfStrip(x, y);
-    else if (m_sKey.eMesh == MESH_PANORAMA_WALL)
-        d = OfWall(x, y);
-    else if (m_sKey.eMesh != MESH_VCAM)
-        d = OfStrips(x, y);
-    const double fAcross = std::hypot(d.x, d.y);
-    const double fAngle = std::min(std::atan2(fAcross, d.z) / RADIANS, 90.0);
-    const double fDistance = m_fRadius * HeightAt(*m_pLens, fAngle) / m_fRimHeight;
-    const double f = fAcross > 0.0 ? fDistance / fAcross : 0.0;
-    u = 0.5 + f * d.x / m_sKey.nImageWidth;
-    v = 0.5 - f * d.y / m_sKey.nImageHeight;
+    SDirection d = m_oBody.ToBody(DirectionAt(x, y, z));
+    if (m_sKey.pOptics == nullptr)
+        d.z = std::max(d.z, 0.0);
+    double fFrameX = 0.0;
+    double fFrameY = 0.0;
+    m_oLens.ToFrame(d, fFrameX, fFrameY);
+    u = fFrameX / m_sKey.nImageWidth;
+    v = fFrameY / m_sKey.nImageHeight;
 }

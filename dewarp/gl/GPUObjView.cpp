@@ -29,8 +29,8 @@ void CCGPUObjView::OnMouseMove(SGPoint* pFrom, SGPoint* pTo, SDewarpParams* pPar
 void CCGPUObjView::CheckClipPlanes(SDewarpParams* pParams, SDewarpMatrices* pMatrices,
                                    SShaderProperties* pShader)
 {
-    SClipBands sBands = m_pView->ClipBands(*pParams, m_fGeometryAspect, pMatrices->nViewportWidth,
-                                           pMatrices->nViewportHeight);
+    SClipBands sBands =
+        m_pView->Bands(*pParams, m_fGeometryAspect, pMatrices->nViewportWidth, pMatrices->nViewportHeight);
     RequestBands(sBands, *pShader);
 }
 

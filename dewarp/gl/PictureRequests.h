@@ -50,4 +50,7 @@ inline void RequestBands(const SClipBands& rBands, SShaderProperties& rShader)
     std::copy(std::begin(rBands.anPlanes), std::end(rBands.anPlanes), rShader.anClipPlanesRequested);
     rShader.fClipValueRequested = rBands.fDepth;
     rShader.bTexCoordClipRequested = rBands.bTexCoordRows;
+    const SRimCut& r = rBands.sRim;
+    const float afRim[] = {r.fCenterU, r.fCenterV, r.fInverseU, r.fInverseV};
+    std::copy(std::begin(afRim), std::end(afRim), rShader.afRimRequested);
 }

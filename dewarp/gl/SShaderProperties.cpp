@@ -27,7 +27,7 @@ bool SShaderProperties::ShouldReloadShaders() const
     if (bForceReload || bTexCoordClip != bTexCoordClipRequested)
         return true;
     for (int i = 0; i < 4; ++i) {
-        if (anClipPlanes[i] != anClipPlanesRequested[i])
+        if (anClipPlanes[i] != anClipPlanesRequested[i] || afRim[i] != afRimRequested[i])
             return true;
     }
     return bGain != bGainRequested || fLumaGain != fLumaGainRequested ||

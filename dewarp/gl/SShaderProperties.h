@@ -59,7 +59,10 @@ struct LUMOR_API SShaderProperties
     bool bFlipHorizontal = false;
     bool bFlipVerticalRequested = false;
     bool bFlipVertical = false;
-    bool bQPTextures = false;  ///< the quantiser and macroblock-type textures are in use
+    bool bQPTextures = false; ///< the quantiser and macroblock-type textures are in use
+    /// Centre and inverse radii of the rim in texture coordinates; 0 without one.
+    float afRim[4] = {0.0f, 0.0f, 0.0f, 0.0f};
+    float afRimRequested[4] = {0.0f, 0.0f, 0.0f, 0.0f};
     bool bForceReload = false; ///< rebuild at the next check whatever the pairs say
 
     /// Deletes the program, then the vertex and the fragment shader, if they are this record's own, and

@@ -1,194 +1,201 @@
 #include "dewarp/lenses/SLens.h"
 
-#include "dewarp/tables/LensDistortion.h"
+#include "dewarp/lenses/RadialCurve.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <initializer_list>
+#include <numbers>
+#include <utility>
+
+static const double DEGREES = 180.0 / std::numbers::pi;
+static const std::size_t MOST_ROWS = 4096;
+static const double MOST_TABLE_ANGLE = 179.0;
+/// Pixels; also the ratio of a height to the pixels under it.
+static const double MOST_PIXELS = 1e6;
+/// Rows nearer than this cannot be told apart in the arithmetic that follows.
+static const double LEAST_STEP = 1e-9;
 
 namespace
 {
 
-constexpr float RIM_ANGLE = 90.0f;
-
-/// A million pixels of radius; images of that size do not exist.
-constexpr int MOST_RADIUS_STEPS = 1 << 20;
-
-/// Heights times angles and pixels stay finite up to here, and their ratios exact enough down to the inverse.
-constexpr float MOST_HEIGHT = 1e30f;
-
-constexpr SLens EQUIDISTANT;
-
-constexpr SLens LENSES[] = {
-    {LENS_DSL215, LENS_DISTORTION::fDomainForDSL215, LENS_DISTORTION::fRangeForDSL215,
-     LENS_RADIUS_LARGER_SIDE, true},
-    {LENS_DSL239, LENS_DISTORTION::fDomainForDSL239, LENS_DISTORTION::fRangeForDSL239, LENS_RADIUS_WIDTH,
-     true},
-    {LENS_DSL418, LENS_DISTORTION::fDomainForDSL418, LENS_DISTORTION::fRangeForDSL418, LENS_RADIUS_HEIGHT,
-     false},
-    {LENS_DSL419, LENS_DISTORTION::fDomainForDSL419, LENS_DISTORTION::fRangeForDSL419, LENS_RADIUS_HEIGHT,
-     false},
+struct SModelName
+{
+    ELensModel eModel;
+    const char* pName;
+    double fMostField;
 };
 
-bool IsEquidistant(const SLens& rLens)
+constexpr SModelName MODELS[] = {
+    {LENS_EQUIDISTANT, "equidistant", 280.0},     {LENS_EQUISOLID, "equisolid", 280.0},
+    {LENS_STEREOGRAPHIC, "stereographic", 280.0}, {LENS_ORTHOGRAPHIC, "orthographic", 180.0},
+    {LENS_RECTILINEAR, "rectilinear", 178.0},
+};
+
+const SModelName* NameOf(ELensModel eModel)
 {
-    return rLens.vDomain.empty();
+    for (const SModelName& rModel : MODELS) {
+        if (rModel.eModel == eModel)
+            return &rModel;
+    }
+    return nullptr;
 }
 
-/// The first row that does not follow its predecessor upward; the number of rows when all do.
-std::size_t FirstFallingRow(std::span<const float> vRows)
+bool AreFinite(std::initializer_list<double> vValues)
 {
-    for (std::size_t i = 1; i < vRows.size(); ++i) {
-        if (!(vRows[i] > vRows[i - 1]) || !std::isfinite(vRows[i]))
-            return i;
-    }
-    return vRows.size();
+    return std::all_of(vValues.begin(), vValues.end(), [](double f) { return std::isfinite(f); });
 }
 
 /// What is wrong with angles or heights alone.
-std::string FindRowFault(std::span<const float> vRows, const char* pName)
+std::string FindRowFault(const std::vector<double>& vRows, const char* pName)
 {
-    if (vRows[0] != 0.0f)
+    if (vRows[0] != 0.0)
         return std::string(pName) + " do not start at 0";
-    const std::size_t nRow = FirstFallingRow(vRows);
-    if (nRow == vRows.size())
-        return std::string();
-    return std::string(pName) + (std::isfinite(vRows[nRow]) ? " do not rise" : " are not finite") +
-           " at row " + std::to_string(nRow);
-}
-
-} // namespace
-
-const SLens& FindLens(int nLensType)
-{
-    for (const SLens& rLens : LENSES) {
-        if (rLens.eType == nLensType)
-            return rLens;
+    for (std::size_t n = 1; n < vRows.size(); ++n) {
+        if (!std::isfinite(vRows[n]))
+            return std::string(pName) + " are not finite at row " + std::to_string(n);
+        if (!(vRows[n] - vRows[n - 1] > LEAST_STEP * vRows.back()))
+            return std::string(pName) + " do not rise at row " + std::to_string(n);
     }
-    return EQUIDISTANT;
+    return std::string();
 }
 
-std::span<const SLens> KnownLenses()
+std::string FindTableFault(const SLens& rLens)
 {
-    return LENSES;
-}
-
-std::string FindLensFault(const SLens& rLens)
-{
-    if (rLens.vDomain.size() != rLens.vRange.size())
+    if (rLens.vAngles.size() != rLens.vHeights.size())
         return "as many heights as angles are needed";
-    if (IsEquidistant(rLens))
-        return std::string();
-    if (rLens.vDomain.size() < 2)
-        return "one row is no table";
-    std::string strFault = FindRowFault(rLens.vDomain, "angles");
+    if (rLens.vAngles.size() < 2)
+        return "a table needs two rows at least";
+    if (rLens.vAngles.size() > MOST_ROWS)
+        return "a table has 4096 rows at most";
+    std::string strFault = FindRowFault(rLens.vAngles, "angles");
     if (strFault.empty())
-        strFault = FindRowFault(rLens.vRange, "heights");
+        strFault = FindRowFault(rLens.vHeights, "heights");
     if (!strFault.empty())
         return strFault;
-    if (rLens.vDomain.back() < RIM_ANGLE)
-        return "angles do not reach 90 degrees";
-    if (rLens.vDomain.back() > 180.0f)
-        return "angles go beyond 180 degrees";
-    if (rLens.vRange.back() > MOST_HEIGHT || rLens.vRange.back() < 1.0f / MOST_HEIGHT)
+    if (rLens.vAngles.back() > MOST_TABLE_ANGLE)
+        return "angles go beyond 179 degrees off the axis";
+    if (rLens.vAngles.back() < 0.5)
+        return "no angle of half a degree is reached";
+    if (!(rLens.fPixelPitch >= 0.0) || !std::isfinite(rLens.fPixelPitch))
+        return "the pixel pitch is not a size";
+    const double fPixels = rLens.fPixelPitch > 0.0 ? rLens.vHeights.back() / rLens.fPixelPitch : 1.0;
+    if (!(fPixels < MOST_PIXELS && fPixels > 1.0 / MOST_PIXELS) || rLens.vHeights.back() > 1e30 ||
+        rLens.vHeights.back() < 1e-30)
         return "heights are out of proportion";
     return std::string();
 }
 
-float LensRadius(const SLens& rLens, int nWidth, int nHeight)
+std::string FindModelFault(const SLens& rLens)
 {
-    int nDiameter = std::max(nWidth, nHeight);
-    if (rLens.eRadiusRule == LENS_RADIUS_WIDTH)
-        nDiameter = nWidth;
-    else if (rLens.eRadiusRule == LENS_RADIUS_HEIGHT)
-        nDiameter = nHeight;
-    return 0.5f * static_cast<float>(nDiameter);
+    const SModelName* pModel = NameOf(rLens.eModel);
+    if (pModel == nullptr)
+        return "there is no such model";
+    if (!(rLens.fField >= 1.0 && rLens.fField <= pModel->fMostField))
+        return "the field of this model lies between 1 and " +
+               std::to_string(static_cast<int>(pModel->fMostField)) + " degrees";
+    return std::string();
 }
 
-float LensRimHeight(const SLens& rLens)
+std::string FindCalibrationFault(const SLens& rLens)
 {
-    if (IsEquidistant(rLens))
-        return RIM_ANGLE;
-    const std::span<const float> vDomain = rLens.vDomain;
-    const std::span<const float> vRange = rLens.vRange;
-    std::size_t m = vDomain.size() - 1;
-    if (!(vDomain[m] > RIM_ANGLE))
-        return vRange[m];
-    do
-        --m;
-    while (m > 0 && vDomain[m] > RIM_ANGLE);
-    return vRange[m] + (vRange[m + 1] - vRange[m]) * (RIM_ANGLE - vDomain[m]) / (vDomain[m + 1] - vDomain[m]);
+    const SLensCalibration& c = rLens.sCalibration;
+    if (c.eModel != CALIBRATION_FISHEYE && c.eModel != CALIBRATION_UNIFIED)
+        return "there is no such calibration";
+    if (!AreFinite({c.fFocalX, c.fFocalY, c.fCenterX, c.fCenterY, c.fSkew, c.fXi, c.fField, c.afRadial[0],
+                    c.afRadial[1], c.afRadial[2], c.afRadial[3], c.afTangential[0], c.afTangential[1]}))
+        return "a value is not finite";
+    if (!(c.fFocalX > 1e-3 && c.fFocalX < MOST_PIXELS && c.fFocalY > 1e-3 && c.fFocalY < MOST_PIXELS))
+        return "the focal lengths are no sizes in pixels";
+    if (std::fabs(c.fCenterX) > MOST_PIXELS || std::fabs(c.fCenterY) > MOST_PIXELS ||
+        std::fabs(c.fSkew) > MOST_PIXELS)
+        return "the centre lies out of reach";
+    if ((c.nWidth != 0 || c.nHeight != 0) && (c.nWidth < 1 || c.nHeight < 1))
+        return "the size of the calibrated frames is none";
+    if (c.fXi < 0.0 || c.fXi > 1e3)
+        return "xi is negative or too large";
+    if (c.fField < 0.0 || c.fField > 360.0)
+        return "the field lies outside 0 to 360 degrees";
+    if (CRadialCurve(rLens).Edge() * DEGREES < 1.0)
+        return "no angle is reached: heights do not rise from the axis on";
+    return std::string();
 }
 
-/// Heights at whole angles below 90 degrees, for a lens with rows.
-static bool ResampleHeights(const SLens& rLens, float* pTable)
+} // namespace
+
+SLens SLens::FromTable(std::vector<double> vAngles, std::vector<double> vHeights, double fPixelPitch)
 {
-    const std::span<const float> vDomain = rLens.vDomain;
-    const std::span<const float> vRange = rLens.vRange;
-    const std::size_t nLast = vDomain.size() - 1;
-    // The last row scaled to 90 degrees. The radius-to-angle table interpolates around 90 instead: on
-    // purpose the two are not exact inverses.
-    const float fRim = vRange[nLast] * RIM_ANGLE / vDomain[nLast];
-    std::size_t j = 0;
-    for (int i = 0; i < 90; ++i) {
-        const float fDegrees = static_cast<float>(i);
-        while (j + 1 < nLast && vDomain[j + 1] <= fDegrees)
-            ++j;
-        const float fBelow = vDomain[j];
-        const float fAbove = vDomain[j + 1];
-        if (!(fBelow <= fDegrees && fAbove > fDegrees))
-            return false;
-        const float fFrom = vRange[j] / fRim;
-        const float fTo = vRange[j + 1] / fRim;
-        pTable[i] = fFrom + (fDegrees - fBelow) * (fTo - fFrom) / (fAbove - fBelow);
-    }
-    return true;
+    SLens sLens;
+    sLens.eKind = LENS_KIND_TABLE;
+    sLens.vAngles = std::move(vAngles);
+    sLens.vHeights = std::move(vHeights);
+    sLens.fPixelPitch = fPixelPitch;
+    return sLens;
 }
 
-bool FillAngleToRadius(const SLens& rLens, float* pTable)
+SLens SLens::FromModel(ELensModel eModel, double fField)
 {
-    if (IsEquidistant(rLens)) {
-        for (int i = 0; i < 90; ++i)
-            pTable[i] = static_cast<float>(i) / RIM_ANGLE;
-    } else if (rLens.vDomain.size() < 2 || !ResampleHeights(rLens, pTable)) {
-        return false;
-    }
-    pTable[90] = 1.0f;
-    pTable[91] = 1.0f;
-    return true;
+    SLens sLens;
+    sLens.eKind = LENS_KIND_MODEL;
+    sLens.eModel = eModel;
+    sLens.fField = fField;
+    return sLens;
 }
 
-int CountRadiusSteps(float fRadius)
+SLens SLens::FromCalibration(const SLensCalibration& rCalibration)
 {
-    if (!(fRadius > 0.0f))
-        return 0;
-    return fRadius < static_cast<float>(MOST_RADIUS_STEPS) ? static_cast<int>(fRadius) : MOST_RADIUS_STEPS;
+    SLens sLens;
+    sLens.eKind = LENS_KIND_CALIBRATION;
+    sLens.sCalibration = rCalibration;
+    return sLens;
 }
 
-/// Field angle at every whole pixel of the radius, for a lens with rows.
-static void InvertHeights(const SLens& rLens, float fRadius, int nSteps, float* pTable)
+std::string FindLensFault(const SLens& rLens)
 {
-    const std::span<const float> vDomain = rLens.vDomain;
-    const std::span<const float> vRange = rLens.vRange;
-    const float fRim = LensRimHeight(rLens);
-    std::size_t m = 1;
-    for (int k = 0; k < nSteps; ++k) {
-        const float fHeight = (fRim * static_cast<float>(k)) / fRadius;
-        while (m < vRange.size() - 1 && vRange[m] <= fHeight)
-            ++m;
-        pTable[k] = vDomain[m - 1] +
-                    (fHeight - vRange[m - 1]) * (vDomain[m] - vDomain[m - 1]) / (vRange[m] - vRange[m - 1]);
+    switch (static_cast<int>(rLens.eKind)) {
+    case LENS_KIND_TABLE:
+        return FindTableFault(rLens);
+    case LENS_KIND_MODEL:
+        return FindModelFault(rLens);
+    case LENS_KIND_CALIBRATION:
+        return FindCalibrationFault(rLens);
+    default:
+        return "there is no such kind of lens";
     }
 }
 
-void FillRadiusToAngle(const SLens& rLens, float fRadius, float* pTable)
+double LensHeightAt(const SLens& rLens, double fDegrees)
 {
-    const int nSteps = CountRadiusSteps(fRadius);
-    if (IsEquidistant(rLens)) {
-        for (int k = 0; k < nSteps; ++k)
-            pTable[k] = static_cast<float>(k) / fRadius * RIM_ANGLE;
-    } else {
-        InvertHeights(rLens, fRadius, nSteps, pTable);
+    if (!FindLensFault(rLens).empty() || !(fDegrees >= 0.0) || !std::isfinite(fDegrees))
+        return 0.0;
+    return CRadialCurve(rLens).Height(fDegrees / DEGREES);
+}
+
+double LensEdgeAngle(const SLens& rLens)
+{
+    return FindLensFault(rLens).empty() ? CRadialCurve(rLens).Edge() * DEGREES : 0.0;
+}
+
+bool FindLensModel(const std::string& strName, ELensModel& rModel)
+{
+    for (const SModelName& r : MODELS) {
+        if (strName != r.pName)
+            continue;
+        rModel = r.eModel;
+        return true;
     }
-    pTable[nSteps] = RIM_ANGLE;
-    pTable[nSteps + 1] = RIM_ANGLE;
+    return false;
+}
+
+const char* LensModelName(ELensModel eModel)
+{
+    const SModelName* pModel = NameOf(eModel);
+    return pModel == nullptr ? nullptr : pModel->pName;
+}
+
+double MostLensField(ELensModel eModel)
+{
+    const SModelName* pModel = NameOf(eModel);
+    return pModel == nullptr ? 0.0 : pModel->fMostField;
 }

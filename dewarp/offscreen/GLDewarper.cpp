@@ -274,6 +274,11 @@ void CGLDewarper::SetEyeDistance(float fDistance)
     pState->oEngine.SetEyeDistance(fDistance);
 }
 
+CCustomGPUDewarper& CGLDewarper::Engine()
+{
+    return pState->oEngine;
+}
+
 float CGLDewarper::GetEyeDistance()
 {
     return pState->oEngine.GetEyeDistance();

@@ -4,6 +4,8 @@
 
 #include "dewarp/Dewarper.h"
 
+class CCustomGPUDewarper;
+
 /// Forwards every operation to a CCustomGPUDewarperOffscreen. What the processor engine has beside it, a
 /// number of threads and exact geometry, is kept and handed back.
 ///
@@ -49,6 +51,15 @@ public:
     void GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChromaMin) override;
     void SetEyeDistance(float fDistance) override;
     float GetEyeDistance() override;
+    bool SetLens(const SLens& rLens) override;
+    bool SetImageCircle(float fCenterX, float fCenterY, float fRadiusX, float fRadiusY) override;
+    bool GetImageCircle(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY) override;
+    bool SetMountOrientation(float fYaw, float fPitch, float fRoll) override;
+    void GetMountOrientation(float& fYaw, float& fPitch, float& fRoll) override;
+    void SetCleanRim(bool bClean) override;
+    bool GetCleanRim() override;
+    void SetRoll(float fDegrees) override;
+    float GetRoll() override;
     void AbsolutePTZ(float fPan, float fTilt, float fZoom) override;
     void RelativePTZ(float fPan, float fTilt, float fZoom) override;
     void AnaloguePTZ(float fPan, float fTilt, float fZoom) override;
@@ -80,5 +91,7 @@ public:
 
 private:
     struct SState;
+    CCustomGPUDewarper& Engine();
+
     const std::unique_ptr<SState> pState;
 };

@@ -21,6 +21,7 @@ enum EViewType : int
 /// Lens model; the values are the lens model numbers.
 enum ELensType : int
 {
+    LENS_OWN = -3,    ///< answer: the lens that the host made itself
     LENS_AUTO = -2,   ///< request: detect the lens from the frame size
     LENS_UNSET = -1,  ///< no lens chosen yet
     LENS_UNKNOWN = 0, ///< no lens matches; drawn as an ideal equidistant lens

@@ -5,6 +5,10 @@
 #include "dewarp/records/Enumerations.h"
 #include "platform/Export.h"
 
+#include <memory>
+
+class CCameraOptics;
+
 /// The mount in force of a dewarper whose GL objects were freed: the requested one is applied anew.
 inline constexpr EMountType MOUNT_NOT_APPLIED = static_cast<EMountType>(-1);
 
@@ -28,6 +32,9 @@ struct LUMOR_API SDewarpParams
     int nImageWidth = 0;
     int nImageHeight = 0;
     int nImageStride = 0; ///< bytes from one row of the first plane to the next
+    float fRoll = 0.0f;   ///< of virtual cameras: positive turns them clockwise as seen from behind
+    /// What the host said about its camera; null: known lenses are drawn by their own rules.
+    std::shared_ptr<const CCameraOptics> pOptics;
 
     /// True when the view differs. Lens, image size and stride are left out: their changes travel by flags of
     /// the dewarper. A NaN angle always differs.
@@ -35,7 +42,8 @@ struct LUMOR_API SDewarpParams
     {
         return fPan != sOther.fPan || fTilt != sOther.fTilt || fZoom != sOther.fZoom ||
                fMountTilt != sOther.fMountTilt || eMountType != sOther.eMountType ||
-               eViewType != sOther.eViewType || bStrictTiltLimits != sOther.bStrictTiltLimits;
+               eViewType != sOther.eViewType || bStrictTiltLimits != sOther.bStrictTiltLimits ||
+               fRoll != sOther.fRoll || pOptics != sOther.pOptics;
     }
 
     /// Parameters of a pass that draws a flat full-target picture (overlays, masks, strings, copies).

@@ -3,6 +3,7 @@
 #include "dewarp/records/ColourMatrix.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/shaders/NumberText.h"
+#include "dewarp/shaders/RimText.h"
 
 #include <cmath>
 #include <cstddef>
@@ -102,6 +103,9 @@ static const char* const pOverlayBlend =
 static const char* const pPremultiply = "   rgba.r = rgba.r * rgba.a;        \n"
                                         "   rgba.g = rgba.g * rgba.a;        \n"
                                         "   rgba.b = rgba.b * rgba.a;        \n";
+
+// Colour and alpha together: what lies behind shows through as much as is missing.
+static const char* const pFade = "   rgba = rgba * rimCover;        \n";
 
 static const char* const pOut = "   vOutputColor = rgba;        \n";
 
@@ -272,7 +276,14 @@ std::string FragmentText(const SFragmentTextInput& sInput)
         strText += COLOUR_TEXT::pOverlayBlend;
     if (HasAlpha(sInput.nFormat) && !sInput.bGain)
         strText += COLOUR_TEXT::pPremultiply;
+    if (sInput.strRim.empty()) {
+        strText += COLOUR_TEXT::pOut;
+        strText += COLOUR_TEXT::pEnd;
+        return strText;
+    }
+    strText += sInput.strRim;
+    strText += COLOUR_TEXT::pFade;
     strText += COLOUR_TEXT::pOut;
     strText += COLOUR_TEXT::pEnd;
-    return strText;
+    return HighTexCoords(strText);
 }

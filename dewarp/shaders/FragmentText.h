@@ -22,6 +22,7 @@ struct SFragmentTextInput
     float fChromaGain = 2.0f;
     bool bInputOverlay = false; ///< blend "samplerInputOverlay" over the picture
     bool bQPTextures = false;   ///< show quantiser and macroblock type, planar frames only
+    std::string strRim;         ///< RimText of the view
     std::string strDiscard;     ///< DiscardText of the view; goes in unchanged, before anything is sampled
 };
 

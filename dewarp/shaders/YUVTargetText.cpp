@@ -1,5 +1,7 @@
 #include "dewarp/shaders/YUVTargetText.h"
 
+#include "dewarp/shaders/RimText.h"
+
 namespace YUV_TARGET_TEXT
 {
 
@@ -40,6 +42,11 @@ static const char* const pOverlayBlend =
     "   yuvTex.g = yuvTex.g*(1.0 - overlay.a) + overlay.g * overlay.a;        \n"
     "   yuvTex.b = yuvTex.b*(1.0 - overlay.a) + overlay.b *  overlay.a;        \n";
 
+// Into a texture the fade is carried on as alpha, as from planes.
+static const char* const pFadePlain = "   yuvTex = yuvTex * rimCover;        \n";
+
+static const char* const pFadeYUV = "   yuvTex = mix(vec4(0.0, 0.5, 0.5, 0.0), yuvTex, rimCover);        \n";
+
 static const char* const pOutEnd = "   fragColor  = yuvTex;        \n"
                                    "}\n";
 
@@ -54,7 +61,8 @@ std::string YUVTargetVertexText(bool bDrawToTexture)
     return strText;
 }
 
-std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard)
+std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard,
+                                  const std::string& strRim)
 {
     std::string strText = YUV_TARGET_TEXT::pHead;
     strText += bDrawToTexture ? YUV_TARGET_TEXT::pOutPlain : YUV_TARGET_TEXT::pOutYUV;
@@ -65,6 +73,9 @@ std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const
     strText += YUV_TARGET_TEXT::pFetch;
     if (bInputOverlay)
         strText += YUV_TARGET_TEXT::pOverlayBlend;
-    strText += YUV_TARGET_TEXT::pOutEnd;
-    return strText;
+    if (strRim.empty())
+        return strText + YUV_TARGET_TEXT::pOutEnd;
+    strText += strRim;
+    strText += bDrawToTexture ? YUV_TARGET_TEXT::pFadePlain : YUV_TARGET_TEXT::pFadeYUV;
+    return HighTexCoords(strText + YUV_TARGET_TEXT::pOutEnd);
 }

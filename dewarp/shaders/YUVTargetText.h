@@ -12,7 +12,8 @@ std::string YUVTargetVertexText(bool bDrawToTexture);
 
 /// Samples "uTexture" as YUV and writes the sample unconverted: as YUV onto the target, as plain colour into
 /// a texture. An input overlay's channels are mixed into Y, U and V as they are. strDiscard comes from
-/// DiscardText.
+/// DiscardText, strRim from RimText: a rim fades to black.
 /// Thread: any. Touches no GL.
 /// Fails: never.
-std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard);
+std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard,
+                                  const std::string& strRim = std::string());

@@ -1,6 +1,6 @@
 #include "dewarp/views/PanoramaMultiView.h"
 
-#include "dewarp/lenses/SLens.h"
+#include "dewarp/lenses/GivenLens.h"
 #include "dewarp/views/PTZLimits.h"
 
 static const float MOST_TILT = 54.0f;

@@ -2,7 +2,7 @@
 
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/geometry/MeshAspect.h"
-#include "dewarp/lenses/SLens.h"
+#include "dewarp/lenses/GivenLens.h"
 #include "dewarp/views/PTZLimits.h"
 
 /// Matrix of one half: projection x view x translation, and half a turn more for a floor camera.

@@ -1,6 +1,7 @@
 #include "dewarp/views/PanoramaWallView.h"
 
-#include "dewarp/lenses/SLens.h"
+#include "dewarp/geometry/ViewOptics.h"
+#include "dewarp/lenses/GivenLens.h"
 #include "dewarp/views/PTZLimits.h"
 
 #include <cmath>
@@ -9,6 +10,13 @@ static const float WALL_ASPECT = 2.5f;
 // Rays behind a tilted camera lie nearer than this framebuffer depth.
 static const float BEHIND_CAMERA_DEPTH = 0.475f;
 static const float MOST_TILT = 54.0f;
+static const float HALF_SPHERE = 180.0f;
+
+/// Degrees across the picture.
+static float SpanOf(const SDewarpParams& rParams)
+{
+    return static_cast<float>(WallSpanOf(rParams));
+}
 
 SPTZRange CPanoramaWallView::TiltBand(float fWallAngle, bool bStrict)
 {
@@ -26,6 +34,16 @@ SPTZRange CPanoramaWallView::TiltBand(float fWallAngle, bool bStrict)
             fHigh = fHigh + c * 1.5f * a;
     }
     return {fLow, fHigh};
+}
+
+/// The band of a camera's lens: where more is shown across, more is shown upright, and less is left to move.
+static SPTZRange BandOf(const SDewarpParams& rParams)
+{
+    SPTZRange sBand = CPanoramaWallView::TiltBand(rParams.fMountTilt, rParams.bStrictTiltLimits);
+    const float fMore = 0.2f * (SpanOf(rParams) - HALF_SPHERE);
+    sBand.fLow = sBand.fLow + fMore;
+    sBand.fHigh = sBand.fHigh - fMore;
+    return sBand;
 }
 
 void CPanoramaWallView::LimitTilt(const SPTZRange& rBand, float& fTilt)
@@ -48,14 +66,12 @@ float CPanoramaWallView::ScaleMultiplier(const SDewarpParams& /*rParams*/) const
 
 SPTZLimits CPanoramaWallView::Limits(const SDewarpParams& rParams) const
 {
-    return {{-360.0f, 360.0f, true},
-            TiltBand(rParams.fMountTilt, rParams.bStrictTiltLimits),
-            {FIXED_ZOOM, FIXED_ZOOM}};
+    return {{-360.0f, 360.0f, true}, BandOf(rParams), {FIXED_ZOOM, FIXED_ZOOM}};
 }
 
 void CPanoramaWallView::LimitPTZ(SDewarpParams& rParams) const
 {
-    LimitTilt(TiltBand(rParams.fMountTilt, rParams.bStrictTiltLimits), rParams.fTilt);
+    LimitTilt(BandOf(rParams), rParams.fTilt);
     rParams.fZoom = FIXED_ZOOM;
 }
 
@@ -66,7 +82,7 @@ void CPanoramaWallView::Drag(const SDrag& rDrag, SDewarpParams& rParams) const
         h -= 2 * rDrag.nTopBand;
     const float dx = DragPixels(rDrag.sFrom.x, rDrag.sTo.x);
     const float dy = DragPixels(rDrag.sFrom.y, rDrag.sTo.y);
-    rParams.fTilt = rParams.fTilt + dy * 72.0f / static_cast<float>(h);
+    rParams.fTilt = rParams.fTilt + dy * (0.4f * SpanOf(rParams)) / static_cast<float>(h);
     // The horizontal step counts by the viewport's height too.
     rParams.fPan = rParams.fPan + rParams.fZoom * (dx / static_cast<float>(rDrag.nViewportHeight)) * 0.5f;
 }
@@ -89,8 +105,9 @@ SClipBands CPanoramaWallView::ClipBands(const SDewarpParams& rParams, float /*fM
 void CPanoramaWallView::Move(const SDewarpParams& rParams, float /*fMeshAspect*/, float /*fImageAspect*/,
                              int /*nRotation*/, float* m) const
 {
+    const float fUnit = 0.5f * SpanOf(rParams);
     for (int i = 0; i < 4; ++i)
-        m[12 + i] -= (rParams.fTilt / 90.0f) * m[4 + i];
+        m[12 + i] -= (rParams.fTilt / fUnit) * m[4 + i];
 }
 
 void CPanoramaWallView::DefaultSize(const SDewarpParams& /*rParams*/, int& nWidth, int& nHeight) const

@@ -2,6 +2,7 @@
 
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/geometry/MeshAspect.h"
+#include "dewarp/geometry/ViewOptics.h"
 #include "dewarp/views/PTZLimits.h"
 
 #include <algorithm>
@@ -30,10 +31,11 @@ SPTZ CVCAMView::DefaultPTZ(EMountType eMount) const
 SPTZLimits CVCAMView::Limits(const SDewarpParams& rParams) const
 {
     const SPTZRange sZoom = {LEAST_ZOOM, MOST_ZOOM};
+    const float fReach = static_cast<float>(HalfFieldOf(rParams));
     if (rParams.eMountType == MOUNT_WALL)
-        return {{0.0f, 180.0f}, {0.0f, 180.0f}, sZoom};
+        return {{90.0f - fReach, 90.0f + fReach}, {90.0f - fReach, 90.0f + fReach}, sZoom};
     const bool bFloor = rParams.eMountType == MOUNT_FLOOR;
-    return {{-360.0f, 360.0f, true}, {bFloor ? 90.0f : 0.0f, bFloor ? 180.0f : 90.0f}, sZoom};
+    return {{-360.0f, 360.0f, true}, {bFloor ? 180.0f - fReach : 0.0f, bFloor ? 180.0f : fReach}, sZoom};
 }
 
 void CVCAMView::LimitPTZ(SDewarpParams& rParams) const
@@ -84,6 +86,9 @@ void CVCAMView::Move(const SDewarpParams& rParams, float /*fMeshAspect*/, float 
                      int /*nRotation*/, float* m) const
 {
     const float a = 90.0f - rParams.fPan;
+    // The camera turns one way, its picture the other.
+    if (rParams.fRoll != 0.0f)
+        rotateM(m, 0, rParams.fRoll, 0.0f, 0.0f, 1.0f);
     switch (static_cast<int>(rParams.eMountType)) {
     case MOUNT_WALL:
         rotateM(m, 0, -(rParams.fTilt - 90.0f), 1.0f, 0.0f, 0.0f);

@@ -11,6 +11,19 @@
 
 class CCustomGPUGeometry;
 
+/// Where the light of a lens ends, in texture coordinates of the frame: an ellipse, and the frame's sides. A
+/// picture fades to nothing across a pixel there.
+struct SRimCut
+{
+    float fCenterU = 0.0f;
+    float fCenterV = 0.0f;
+    float fInverseU = 0.0f; ///< 1 over the radius; 0: there is no rim
+    float fInverseV = 0.0f;
+
+    bool IsSet() const { return fInverseU > 0.0f; }
+    bool operator==(const SRimCut& sOther) const = default;
+};
+
 /// Bands of the target that a view stays inside, as the shader texts take them: framebuffer x minimum and
 /// maximum, y minimum and maximum, -1 without a limit; depth below which nothing is drawn, 0 without one;
 /// whether texture rows outside the picture are left out.
@@ -19,6 +32,7 @@ struct SClipBands
     int anPlanes[4] = {-1, -1, -1, -1};
     float fDepth = 0.0f;
     bool bTexCoordRows = false;
+    SRimCut sRim;
 };
 
 /// A pointer's way over the picture, pixels. The bands are those of the picture that the pointer moves on.
@@ -85,6 +99,9 @@ public:
     virtual void Drag(const SDrag& rDrag, SDewarpParams& rParams) const = 0;
     virtual SClipBands ClipBands(const SDewarpParams& rParams, float fMeshAspect, int nWidth,
                                  int nHeight) const;
+    /// ClipBands; where the host said more about its camera than a known lens's number, a rim takes the place
+    /// of what keeps known lenses' views inside the frame.
+    SClipBands Bands(const SDewarpParams& rParams, float fMeshAspect, int nWidth, int nHeight) const;
     /// Writes a projection matrix. Bounds that are equal leave it as it is.
     virtual void Project(const SFrustum& rFrustum, float* pProjection) const;
     /// How far the eye stands in front of the model's origin; fChosen is the host's choice for cameras.

@@ -8,7 +8,7 @@
 #include <limits>
 
 /// Height of a lens at an angle in double precision, in table units.
-static double HeightAt(const SLens& rLens, double fDegrees)
+static double HeightAt(const SGivenLens& rLens, double fDegrees)
 {
     std::size_t j = 0;
     while (j + 2 < rLens.vDomain.size() && double(rLens.vDomain[j + 1]) <= fDegrees)
@@ -19,7 +19,7 @@ static double HeightAt(const SLens& rLens, double fDegrees)
 }
 
 /// The last sample, scaled in a straight line to 90 degrees.
-static double ScaledRim(const SLens& rLens)
+static double ScaledRim(const SGivenLens& rLens)
 {
     return double(rLens.vRange.back()) * 90.0 / double(rLens.vDomain.back());
 }
@@ -66,7 +66,7 @@ TEST(LensModel, RadiurLensFollowsTheMeasuredHeights)
     for (int nLens : {215, 239, 418, 419}) {
         CCustomGPUGeometry oGeometry;
         BuildTables(oGeometry, nLens, 1920, 1920);
-        const SLens& rLens = FindLens(nLens);
+        const SGivenLens& rLens = FindLens(nLens);
         for (int i = 0; i < 90; ++i)
             EXPECT_NEAR(oGeometry.m_pTheta2rMapping[i], HeightAt(rLens, i) / ScaledRim(rLens), 3e-7)
                 << "lens " << nLens << " at " << i;
@@ -80,7 +80,7 @@ TEST(LensModel, AngleTableInvertsTheMeasuredHeights)
     for (int nLens : {215, 239, 418, 419}) {
         CCustomGPUGeometry oGeometry;
         BuildTables(oGeometry, nLens, 1920, 1920);
-        const SLens& rLens = FindLens(nLens);
+        const SGivenLens& rLens = FindLens(nLens);
         const double fRim = HeightAt(rLens, 90.0);
         for (int k = 0; k < 960; ++k)
             EXPECT_NEAR(HeightAt(rLens, double(oGeometry.m_pR2ThetaMapping[k])) / fRim, k / 960.0, 5e-7)
@@ -110,7 +110,7 @@ TEST(LensModel, DSL215TablesAreNotExactInverses)
 {
     CCustomGPUGeometry oGeometry;
     BuildTables(oGeometry, LENS_DSL215, 2144, 1944);
-    const SLens& rLens = FindLens(LENS_DSL215);
+    const SGivenLens& rLens = FindLens(LENS_DSL215);
     const double fScaled = double(rLens.vRange[85]) * 90.0 / 93.5;
     const double fPart =
         (90.0 - double(rLens.vDomain[81])) / (double(rLens.vDomain[82]) - double(rLens.vDomain[81]));

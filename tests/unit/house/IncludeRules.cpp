@@ -85,7 +85,8 @@ const std::vector<SRoomRule>& HouseRules()
          {}},
         // The interface of both engines, and the one that needs no GL.
         {"dewarp/Dewarper.",
-         {"dewarp/Dewarper.h", "dewarp/records/", "dewarp/overlays/", "dewarp/views/", EXPORT},
+         {"dewarp/Dewarper.h", "dewarp/records/", "dewarp/lenses/", "dewarp/overlays/", "dewarp/views/",
+          EXPORT},
          PLAIN,
          {}},
         {"dewarp/cpu/", CARRYING, TELLING, {}},

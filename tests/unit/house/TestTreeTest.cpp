@@ -79,7 +79,7 @@ TEST(TestTree, EveryFileOfTestsIsNamed)
 TEST(HasWord, NamesAreWhole)
 {
     EXPECT_TRUE(HasWord("foreach(sRoom android cpu)", "cpu"));
-    EXPECT_TRUE(HasWord("    ../lenses/SLensTest.cpp)", "SLensTest.cpp"));
-    EXPECT_FALSE(HasWord("OldSLensTest.cpp SLensTest.cppx", "SLensTest.cpp"));
+    EXPECT_TRUE(HasWord("    ../lenses/GivenLensTest.cpp)", "GivenLensTest.cpp"));
+    EXPECT_FALSE(HasWord("OldGivenLensTest.cpp GivenLensTest.cppx", "GivenLensTest.cpp"));
     EXPECT_FALSE(HasWord("", "cpu"));
 }

@@ -1,200 +1,223 @@
 #include "dewarp/lenses/SLens.h"
 
+#include "dewarp/lenses/RadialCurve.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cmath>
 #include <limits>
-#include <vector>
+#include <numbers>
 
 namespace
 {
 
-const float INFINITE = std::numeric_limits<float>::infinity();
+const double RADIANS = std::numbers::pi / 180.0;
+const double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
-/// A lens of its own rows.
-struct SOwnLens
+/// An ideal lens by its textbook formula, focal length 1.
+double ModelHeight(ELensModel eModel, double fAngle)
 {
-    std::vector<float> vAngles;
-    std::vector<float> vHeights;
-
-    SLens Lens() const
-    {
-        SLens sLens;
-        sLens.vDomain = vAngles;
-        sLens.vRange = vHeights;
-        return sLens;
+    switch (eModel) {
+    case LENS_EQUIDISTANT:
+        return fAngle;
+    case LENS_EQUISOLID:
+        return 2.0 * std::sin(fAngle / 2.0);
+    case LENS_STEREOGRAPHIC:
+        return 2.0 * std::tan(fAngle / 2.0);
+    case LENS_ORTHOGRAPHIC:
+        return std::sin(fAngle);
+    default:
+        return std::tan(fAngle);
     }
-    std::string Fault() const { return FindLensFault(Lens()); }
-};
+}
 
-/// Rows that can be drawn with: the ideal lens in other units.
-SOwnLens GoodLens()
+SLensCalibration GoodCalibration()
 {
-    return {{0.0f, 20.0f, 50.0f, 89.5f, 92.0f}, {0.0f, 40.0f, 100.0f, 179.0f, 184.0f}};
+    SLensCalibration s;
+    s.fFocalX = 600.0;
+    s.fFocalY = 601.0;
+    s.fCenterX = 959.5;
+    s.fCenterY = 539.5;
+    s.afRadial[0] = -0.02;
+    s.afRadial[1] = 0.003;
+    return s;
+}
+
+std::string FaultOf(SLensCalibration s, double SLensCalibration::*pMember, double f)
+{
+    s.*pMember = f;
+    return FindLensFault(SLens::FromCalibration(s));
 }
 
 } // namespace
 
-TEST(SLens, NumbersFindTheirLensAndOthersTheIdealOne)
+TEST(SLens, ModelsFollowTheirFormulas)
 {
-    for (const int nLens : {215, 239, 418, 419})
-        EXPECT_EQ(FindLens(nLens).eType, nLens);
-    for (const int nLens : {0, -1, -2, 1, 214, 1234, std::numeric_limits<int>::min()}) {
-        EXPECT_EQ(FindLens(nLens).eType, LENS_UNKNOWN) << nLens;
-        EXPECT_TRUE(FindLens(nLens).vDomain.empty()) << nLens;
-        EXPECT_TRUE(FindLens(nLens).vRange.empty()) << nLens;
-    }
-    EXPECT_EQ(FindLens(215).vDomain.size(), 86u);
-    EXPECT_EQ(FindLens(239).vDomain.size(), 101u);
-    EXPECT_EQ(FindLens(418).vDomain.size(), 101u);
-    EXPECT_EQ(FindLens(419).vDomain.size(), 91u);
-    EXPECT_NE(FindLens(239).vRange.data(), FindLens(418).vRange.data());
-}
-
-TEST(SLens, TheListHoldsEveryLensOnce)
-{
-    ASSERT_EQ(KnownLenses().size(), 4u);
-    for (const SLens& rLens : KnownLenses())
-        EXPECT_EQ(&FindLens(rLens.eType), &rLens) << rLens.eType;
-}
-
-TEST(SLens, OnlyTheWideLensesClipTextureRows)
-{
-    EXPECT_TRUE(FindLens(LENS_DSL215).bClipRows);
-    EXPECT_TRUE(FindLens(LENS_DSL239).bClipRows);
-    EXPECT_FALSE(FindLens(LENS_DSL418).bClipRows);
-    EXPECT_FALSE(FindLens(LENS_DSL419).bClipRows);
-    EXPECT_FALSE(FindLens(LENS_UNKNOWN).bClipRows);
-    EXPECT_FALSE(FindLens(1234).bClipRows);
-}
-
-TEST(SLens, RadiusIsHalfTheSideThatTheCircleFills)
-{
-    EXPECT_EQ(LensRadius(FindLens(LENS_DSL239), 1000, 801), 500.0f);
-    EXPECT_EQ(LensRadius(FindLens(LENS_DSL239), 801, 1000), 400.5f);
-    EXPECT_EQ(LensRadius(FindLens(LENS_DSL418), 1000, 801), 400.5f);
-    EXPECT_EQ(LensRadius(FindLens(LENS_DSL419), 801, 1000), 500.0f);
-    EXPECT_EQ(LensRadius(FindLens(LENS_DSL215), 1000, 801), 500.0f);
-    EXPECT_EQ(LensRadius(FindLens(LENS_DSL215), 801, 1000), 500.0f);
-    EXPECT_EQ(LensRadius(FindLens(LENS_UNKNOWN), 801, 1000), 500.0f);
-    EXPECT_EQ(LensRadius(FindLens(LENS_UNKNOWN), -4, -10), -2.0f);
-}
-
-TEST(SLens, HeightAtTheRimLiesBetweenTheRowsNextToIt)
-{
-    EXPECT_EQ(LensRimHeight(FindLens(LENS_DSL419)), FindLens(LENS_DSL419).vRange[90]);
-    EXPECT_EQ(LensRimHeight(FindLens(LENS_UNKNOWN)), 90.0f);
-    const SLens& rLens = FindLens(LENS_DSL215);
-    const double fLow = double(rLens.vRange[81]);
-    const double fHigh = double(rLens.vRange[82]);
-    EXPECT_NEAR(LensRimHeight(rLens), fLow + (fHigh - fLow) * 0.9 / 1.1, 1e-6);
-    EXPECT_FLOAT_EQ(LensRimHeight(GoodLens().Lens()), 180.0f);
-}
-
-TEST(SLens, RowsOfTheIdealLensGiveItsTables)
-{
-    const SOwnLens sOwn = {{0.0f, 45.0f, 90.0f}, {0.0f, 1.5f, 3.0f}};
-    std::array<float, nAngleEntries> afRows{};
-    std::array<float, nAngleEntries> afIdeal{};
-    ASSERT_TRUE(FillAngleToRadius(sOwn.Lens(), afRows.data()));
-    ASSERT_TRUE(FillAngleToRadius(FindLens(LENS_UNKNOWN), afIdeal.data()));
-    for (std::size_t i = 0; i < nAngleEntries; ++i)
-        EXPECT_NEAR(afRows[i], afIdeal[i], 1e-6f) << i;
-    EXPECT_EQ(afIdeal[45], 0.5f);
-    EXPECT_EQ(afIdeal[90], 1.0f);
-    EXPECT_EQ(afIdeal[91], 1.0f);
-    std::vector<float> vRows(103, -1.0f);
-    std::vector<float> vIdeal(103, -1.0f);
-    FillRadiusToAngle(sOwn.Lens(), 100.75f, vRows.data());
-    FillRadiusToAngle(FindLens(LENS_UNKNOWN), 100.75f, vIdeal.data());
-    for (std::size_t k = 0; k < 102; ++k)
-        EXPECT_NEAR(vRows[k], vIdeal[k], 1e-4f) << k;
-    EXPECT_EQ(vIdeal[100], 90.0f);
-    EXPECT_EQ(vIdeal[101], 90.0f);
-    EXPECT_EQ(vIdeal[102], -1.0f) << "nothing behind the two end entries";
-    EXPECT_EQ(vRows[102], -1.0f);
-}
-
-TEST(SLens, RadiusStepsAreWholePixelsWithinReason)
-{
-    EXPECT_EQ(CountRadiusSteps(0.0f), 0);
-    EXPECT_EQ(CountRadiusSteps(-7.0f), 0);
-    EXPECT_EQ(CountRadiusSteps(std::nanf("")), 0);
-    EXPECT_EQ(CountRadiusSteps(100.75f), 100);
-    EXPECT_EQ(CountRadiusSteps(1e30f), 1 << 20);
-}
-
-TEST(FindLensFault, EveryKnownLensIsGood)
-{
-    for (const SLens& rLens : KnownLenses())
-        EXPECT_EQ(FindLensFault(rLens), "") << rLens.eType;
-    EXPECT_EQ(FindLensFault(FindLens(LENS_UNKNOWN)), "");
-    EXPECT_EQ(GoodLens().Fault(), "");
-}
-
-TEST(FindLensFault, EachKindOfFaultIsNamed)
-{
-    struct SCase
-    {
-        const char* pFault;
-        SOwnLens sLens;
-    };
-    const SCase CASES[] = {
-        {"as many heights as angles are needed", {{0.0f, 90.0f}, {0.0f}}},
-        {"as many heights as angles are needed", {{}, {0.0f, 1.0f}}},
-        {"one row is no table", {{0.0f}, {0.0f}}},
-        {"angles do not start at 0", {{1.0f, 90.0f}, {0.0f, 1.0f}}},
-        {"heights do not start at 0", {{0.0f, 90.0f}, {0.5f, 1.0f}}},
-        {"angles do not start at 0", {{std::nanf(""), 90.0f}, {0.0f, 1.0f}}},
-        {"angles do not rise at row 2", {{0.0f, 50.0f, 50.0f, 90.0f}, {0.0f, 1.0f, 2.0f, 3.0f}}},
-        {"heights do not rise at row 2", {{0.0f, 50.0f, 60.0f, 90.0f}, {0.0f, 1.0f, 0.9f, 3.0f}}},
-        {"heights are not finite at row 1", {{0.0f, 50.0f, 90.0f}, {0.0f, std::nanf(""), 3.0f}}},
-        {"heights are not finite at row 2", {{0.0f, 50.0f, 90.0f}, {0.0f, 1.0f, INFINITE}}},
-        {"angles are not finite at row 1", {{0.0f, INFINITE}, {0.0f, 1.0f}}},
-        {"angles do not reach 90 degrees", {{0.0f, 89.99f}, {0.0f, 1.0f}}},
-        {"angles go beyond 180 degrees", {{0.0f, 181.0f}, {0.0f, 1.0f}}},
-        {"heights are out of proportion", {{0.0f, 90.0f}, {0.0f, 1e31f}}},
-        {"heights are out of proportion", {{0.0f, 90.0f}, {0.0f, 1e-31f}}},
-    };
-    for (const SCase& rCase : CASES)
-        EXPECT_EQ(rCase.sLens.Fault(), rCase.pFault);
-}
-
-TEST(FindLensFault, WhatItLetsThroughCanBeResampled)
-{
-    // Rows that pass only just.
-    const SOwnLens CASES[] = {
-        GoodLens(),
-        {{0.0f, 90.0f}, {0.0f, 1.0f}},
-        {{0.0f, 180.0f}, {0.0f, 1e30f}},
-        {{0.0f, 1e-30f, 90.0f}, {0.0f, 1e-38f, 1e-30f}},
-        {{0.0f, 0.5f, 89.0f, 90.0f}, {0.0f, 1e29f, 9e29f, 1e30f}},
-    };
-    for (const SOwnLens& rOwn : CASES) {
-        ASSERT_EQ(rOwn.Fault(), "");
-        std::array<float, nAngleEntries> afRadii{};
-        ASSERT_TRUE(FillAngleToRadius(rOwn.Lens(), afRadii.data()));
-        std::vector<float> vAngles(502);
-        FillRadiusToAngle(rOwn.Lens(), 500.5f, vAngles.data());
-        for (std::size_t i = 1; i < nAngleEntries; ++i)
-            EXPECT_TRUE(std::isfinite(afRadii[i]) && afRadii[i] >= afRadii[i - 1]) << i;
-        for (std::size_t k = 1; k < vAngles.size(); ++k)
-            EXPECT_TRUE(std::isfinite(vAngles[k]) && vAngles[k] >= vAngles[k - 1]) << k;
+    for (const ELensModel eModel :
+         {LENS_EQUIDISTANT, LENS_EQUISOLID, LENS_STEREOGRAPHIC, LENS_ORTHOGRAPHIC, LENS_RECTILINEAR}) {
+        for (const double fField : {1.0, 90.0, 170.0, MostLensField(eModel)}) {
+            const SLens sLens = SLens::FromModel(eModel, fField);
+            ASSERT_EQ(FindLensFault(sLens), "");
+            EXPECT_DOUBLE_EQ(LensEdgeAngle(sLens), fField / 2.0);
+            const double fEdge = ModelHeight(eModel, fField / 2.0 * RADIANS);
+            for (double f = 0.0; f <= 1.0; f += 0.03125)
+                EXPECT_NEAR(LensHeightAt(sLens, f * fField / 2.0),
+                            ModelHeight(eModel, f * fField / 2.0 * RADIANS) / fEdge, 1e-12)
+                    << LensModelName(eModel) << fField;
+        }
     }
 }
 
-TEST(FillAngleToRadius, RefusesRowsThatDoNotBracketAnAngle)
+TEST(SLens, ModelsAreFoundByTheirNames)
 {
-    const SOwnLens CASES[] = {
-        {{0.0f, 40.0f, 80.0f}, {0.0f, 1.0f, 2.0f}},
-        {{1.0f, 40.0f, 95.0f}, {0.0f, 1.0f, 2.0f}},
-        {{0.0f, std::nanf(""), 95.0f}, {0.0f, 1.0f, 2.0f}},
-        {{0.0f}, {0.0f}},
-    };
-    for (const SOwnLens& rOwn : CASES) {
-        std::array<float, nAngleEntries> afRadii{};
-        EXPECT_FALSE(FillAngleToRadius(rOwn.Lens(), afRadii.data()));
-        EXPECT_NE(rOwn.Fault(), "") << "the door lets in what cannot be resampled";
+    ELensModel eModel = LENS_EQUIDISTANT;
+    EXPECT_TRUE(FindLensModel("stereographic", eModel));
+    EXPECT_EQ(eModel, LENS_STEREOGRAPHIC);
+    EXPECT_FALSE(FindLensModel("Stereographic", eModel));
+    EXPECT_FALSE(FindLensModel("", eModel));
+    EXPECT_STREQ(LensModelName(LENS_RECTILINEAR), "rectilinear");
+    EXPECT_EQ(LensModelName(static_cast<ELensModel>(17)), nullptr);
+    EXPECT_EQ(MostLensField(static_cast<ELensModel>(17)), 0.0);
+}
+
+TEST(SLens, FieldsBeyondAModelAreRefused)
+{
+    EXPECT_EQ(FindLensFault(SLens::FromModel(LENS_ORTHOGRAPHIC, 180.5)),
+              "the field of this model lies between 1 and 180 degrees");
+    EXPECT_NE(FindLensFault(SLens::FromModel(LENS_EQUIDISTANT, 281.0)), "");
+    EXPECT_NE(FindLensFault(SLens::FromModel(LENS_EQUIDISTANT, 0.0)), "");
+    EXPECT_NE(FindLensFault(SLens::FromModel(LENS_EQUIDISTANT, NOT_A_NUMBER)), "");
+    EXPECT_EQ(FindLensFault(SLens::FromModel(static_cast<ELensModel>(9), 180.0)), "there is no such model");
+    EXPECT_EQ(LensEdgeAngle(SLens::FromModel(LENS_RECTILINEAR, 180.0)), 0.0);
+}
+
+TEST(SLens, TablesGoThroughTheirRowsAndNeverFall)
+{
+    // Rows that a plain cubic would overshoot.
+    const std::vector<double> vAngles = {0.0, 10.0, 20.0, 21.0, 60.0, 100.0};
+    const std::vector<double> vHeights = {0.0, 1.0, 1.1, 5.0, 5.2, 8.0};
+    const SLens sLens = SLens::FromTable(vAngles, vHeights);
+    ASSERT_EQ(FindLensFault(sLens), "");
+    for (std::size_t i = 0; i < vAngles.size(); ++i)
+        EXPECT_NEAR(LensHeightAt(sLens, vAngles[i]), vHeights[i] / 8.0, 1e-12);
+    double fLast = -1.0;
+    for (int i = 0; i <= 2000; ++i) {
+        const double fHeight = LensHeightAt(sLens, i * 0.05);
+        EXPECT_GE(fHeight, fLast) << i;
+        fLast = fHeight;
+    }
+}
+
+TEST(SLens, TablesShowNoKinks)
+{
+    // Rows of a smooth curve, 5 degrees apart: between them the curve itself, where straight lines miss it.
+    std::vector<double> vAngles;
+    std::vector<double> vHeights;
+    for (int i = 0; i <= 22; ++i) {
+        vAngles.push_back(i * 5.0);
+        vHeights.push_back(2.0 * std::sin(i * 2.5 * RADIANS));
+    }
+    const SLens sLens = SLens::FromTable(vAngles, vHeights);
+    double fWorst = 0.0;
+    for (int i = 0; i <= 1100; ++i)
+        fWorst = std::max(fWorst, std::abs(LensHeightAt(sLens, i * 0.1) * vHeights.back() -
+                                           2.0 * std::sin(i * 0.05 * RADIANS)));
+    // Straight lines: 1.6e-4.
+    EXPECT_LT(fWorst, 2e-5);
+}
+
+TEST(SLens, TwoRowsAreAStraightLine)
+{
+    const SLens sLens = SLens::FromTable({0.0, 90.0}, {0.0, 3.0}, 0.002);
+    ASSERT_EQ(FindLensFault(sLens), "");
+    EXPECT_NEAR(LensHeightAt(sLens, 30.0), 1.0 / 3.0, 1e-12);
+}
+
+TEST(SLens, EachFaultOfATableIsNamed)
+{
+    const double fInfinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(FindLensFault(SLens::FromTable({0.0, 90.0}, {0.0})), "as many heights as angles are needed");
+    EXPECT_EQ(FindLensFault(SLens::FromTable({}, {})), "a table needs two rows at least");
+    EXPECT_EQ(FindLensFault(SLens::FromTable({1.0, 90.0}, {0.0, 1.0})), "angles do not start at 0");
+    EXPECT_EQ(FindLensFault(SLens::FromTable({0.0, 90.0}, {0.1, 1.0})), "heights do not start at 0");
+    EXPECT_EQ(FindLensFault(SLens::FromTable({0.0, 50.0, 40.0}, {0.0, 1.0, 2.0})),
+              "angles do not rise at row 2");
+    EXPECT_EQ(FindLensFault(SLens::FromTable({0.0, 50.0, 60.0}, {0.0, 1.0, 1.0})),
+              "heights do not rise at row 2");
+    EXPECT_EQ(FindLensFault(SLens::FromTable({0.0, NOT_A_NUMBER}, {0.0, 1.0})),
+              "angles are not finite at row 1");
+    EXPECT_NE(FindLensFault(SLens::FromTable({0.0, 90.0}, {0.0, fInfinity})), "");
+    EXPECT_NE(FindLensFault(SLens::FromTable({0.0, 180.0}, {0.0, 1.0})), "");
+    EXPECT_NE(FindLensFault(SLens::FromTable({0.0, 0.1}, {0.0, 1.0})), "");
+    EXPECT_NE(FindLensFault(SLens::FromTable({0.0, 90.0}, {0.0, 1.0}, -0.1)), "");
+    EXPECT_NE(FindLensFault(SLens::FromTable({0.0, 90.0}, {0.0, 1.0}, 1e-9)), "");
+    std::vector<double> vMany(4097);
+    for (std::size_t i = 0; i < vMany.size(); ++i)
+        vMany[i] = static_cast<double>(i) * 0.02;
+    EXPECT_EQ(FindLensFault(SLens::FromTable(vMany, vMany)), "a table has 4096 rows at most");
+    vMany.pop_back();
+    EXPECT_EQ(FindLensFault(SLens::FromTable(vMany, vMany)), "");
+}
+
+TEST(SLens, EachFaultOfACalibrationIsNamed)
+{
+    const SLensCalibration sGood = GoodCalibration();
+    ASSERT_EQ(FindLensFault(SLens::FromCalibration(sGood)), "");
+    EXPECT_EQ(FaultOf(sGood, &SLensCalibration::fFocalX, 0.0), "the focal lengths are no sizes in pixels");
+    EXPECT_EQ(FaultOf(sGood, &SLensCalibration::fFocalY, -5.0), "the focal lengths are no sizes in pixels");
+    EXPECT_EQ(FaultOf(sGood, &SLensCalibration::fXi, NOT_A_NUMBER), "a value is not finite");
+    EXPECT_NE(FaultOf(sGood, &SLensCalibration::fXi, -0.5), "");
+    EXPECT_NE(FaultOf(sGood, &SLensCalibration::fField, 400.0), "");
+    EXPECT_NE(FaultOf(sGood, &SLensCalibration::fCenterX, 1e12), "");
+    SLensCalibration sFalling = sGood;
+    sFalling.afRadial[0] = -5000.0;
+    EXPECT_EQ(FindLensFault(SLens::FromCalibration(sFalling)),
+              "no angle is reached: heights do not rise from the axis on");
+}
+
+TEST(SLens, ACalibrationEndsWhereItsHeightsFall)
+{
+    SLensCalibration s = GoodCalibration();
+    s.afRadial[0] = -0.1;
+    s.afRadial[1] = 0.0;
+    // 1 - 0.3 t^2 = 0
+    EXPECT_NEAR(LensEdgeAngle(SLens::FromCalibration(s)), std::sqrt(1.0 / 0.3) / RADIANS, 0.06);
+    s.fField = 120.0;
+    EXPECT_DOUBLE_EQ(LensEdgeAngle(SLens::FromCalibration(s)), 60.0);
+}
+
+TEST(RadialCurve, AnglesAreTheInverseOfHeights)
+{
+    SLensCalibration sUnified = GoodCalibration();
+    sUnified.eModel = CALIBRATION_UNIFIED;
+    sUnified.fXi = 1.3;
+    for (const SLens& rLens :
+         {SLens::FromModel(LENS_EQUIDISTANT, 280.0), SLens::FromModel(LENS_STEREOGRAPHIC, 280.0),
+          SLens::FromModel(LENS_ORTHOGRAPHIC, 180.0), SLens::FromModel(LENS_RECTILINEAR, 178.0),
+          SLens::FromModel(LENS_EQUISOLID, 220.0), SLens::FromTable({0.0, 30.0, 95.0}, {0.0, 2.0, 5.0}),
+          SLens::FromCalibration(GoodCalibration()), SLens::FromCalibration(sUnified)}) {
+        const CRadialCurve oCurve(rLens);
+        for (int i = 0; i <= 1000; ++i) {
+            double fAngle = -1.0;
+            const double fHeight = oCurve.EdgeHeight() * i / 1000.0;
+            ASSERT_TRUE(oCurve.Angle(fHeight, fAngle)) << i;
+            EXPECT_NEAR(oCurve.Height(fAngle), fHeight, 1e-12 * (1.0 + fHeight)) << i;
+        }
+        double fAngle = 0.0;
+        EXPECT_FALSE(oCurve.Angle(oCurve.EdgeHeight() * 1.001, fAngle));
+        EXPECT_FALSE(oCurve.Angle(NOT_A_NUMBER, fAngle));
+        EXPECT_FALSE(oCurve.Angle(-0.1, fAngle));
+    }
+}
+
+TEST(RadialCurve, HeightsGoOnBeyondTheEdge)
+{
+    for (const SLens& rLens :
+         {SLens::FromModel(LENS_ORTHOGRAPHIC, 180.0), SLens::FromModel(LENS_EQUIDISTANT, 200.0),
+          SLens::FromTable({0.0, 80.0, 90.0}, {0.0, 1.0, 1.0000001})}) {
+        const CRadialCurve oCurve(rLens);
+        const double fEdge = oCurve.Edge();
+        EXPECT_NEAR(oCurve.Height(fEdge + 1e-9), oCurve.EdgeHeight(), 1e-7);
+        // Two degrees farther the height must be told from the edge's.
+        EXPECT_GT(oCurve.Height(fEdge + 2.0 * RADIANS), oCurve.EdgeHeight() * 1.004);
     }
 }

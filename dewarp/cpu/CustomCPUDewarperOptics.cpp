@@ -1,0 +1,81 @@
+// What the host says about its camera: requests are stored, the rules are the control room's.
+
+#include "dewarp/cpu/CPUState.h"
+#include "platform/MemoryGuard.h"
+
+bool CCustomCPUDewarper::SetLens(const SLens& rLens)
+{
+    const CCPULock oLock(pState->oMutex);
+    return GuardMemory("SetLens", pState->oReport, false, [&] {
+        const bool bTaken = pState->oControl.SetLens(rLens);
+        if (bTaken)
+            pState->RequestFrame();
+        return bTaken;
+    });
+}
+
+bool CCustomCPUDewarper::SetImageCircle(float fCenterX, float fCenterY, float fRadiusX, float fRadiusY)
+{
+    const CCPULock oLock(pState->oMutex);
+    return GuardMemory("SetImageCircle", pState->oReport, false, [&] {
+        const bool bTaken = pState->oControl.SetImageCircle({fCenterX, fCenterY, fRadiusX, fRadiusY});
+        if (bTaken)
+            pState->RequestFrame();
+        return bTaken;
+    });
+}
+
+bool CCustomCPUDewarper::GetImageCircle(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY)
+{
+    const CCPULock oLock(pState->oMutex);
+    return pState->oControl.CircleInForce(fCenterX, fCenterY, fRadiusX, fRadiusY);
+}
+
+bool CCustomCPUDewarper::SetMountOrientation(float fYaw, float fPitch, float fRoll)
+{
+    const CCPULock oLock(pState->oMutex);
+    return GuardMemory("SetMountOrientation", pState->oReport, false, [&] {
+        const bool bTaken = pState->oControl.SetMountOrientation({fYaw, fPitch, fRoll});
+        if (bTaken)
+            pState->RequestFrame();
+        return bTaken;
+    });
+}
+
+void CCustomCPUDewarper::GetMountOrientation(float& fYaw, float& fPitch, float& fRoll)
+{
+    const CCPULock oLock(pState->oMutex);
+    const SMountOrientation sOrientation = pState->oControl.Optics().sOrientation;
+    fYaw = sOrientation.fYaw;
+    fPitch = sOrientation.fPitch;
+    fRoll = sOrientation.fRoll;
+}
+
+void CCustomCPUDewarper::SetCleanRim(bool bClean)
+{
+    const CCPULock oLock(pState->oMutex);
+    GuardMemory("SetCleanRim", pState->oReport, false, [&] {
+        pState->oControl.SetCleanRim(bClean);
+        pState->RequestFrame();
+        return true;
+    });
+}
+
+bool CCustomCPUDewarper::GetCleanRim()
+{
+    const CCPULock oLock(pState->oMutex);
+    return pState->oControl.Optics().bCleanRim;
+}
+
+void CCustomCPUDewarper::SetRoll(float fDegrees)
+{
+    const CCPULock oLock(pState->oMutex);
+    if (pState->oControl.SetRoll(fDegrees))
+        pState->RequestFrame();
+}
+
+float CCustomCPUDewarper::GetRoll()
+{
+    const CCPULock oLock(pState->oMutex);
+    return pState->oControl.sParams.fRoll;
+}

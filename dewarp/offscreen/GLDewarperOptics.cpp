@@ -1,0 +1,49 @@
+// What the host says about its camera.
+
+#include "dewarp/CustomGPUDewarper.h"
+#include "dewarp/offscreen/GLDewarper.h"
+
+bool CGLDewarper::SetLens(const SLens& rLens)
+{
+    return Engine().SetLens(rLens);
+}
+
+bool CGLDewarper::SetImageCircle(float fCenterX, float fCenterY, float fRadiusX, float fRadiusY)
+{
+    return Engine().SetImageCircle(fCenterX, fCenterY, fRadiusX, fRadiusY);
+}
+
+bool CGLDewarper::GetImageCircle(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY)
+{
+    return Engine().GetImageCircle(fCenterX, fCenterY, fRadiusX, fRadiusY);
+}
+
+bool CGLDewarper::SetMountOrientation(float fYaw, float fPitch, float fRoll)
+{
+    return Engine().SetMountOrientation(fYaw, fPitch, fRoll);
+}
+
+void CGLDewarper::GetMountOrientation(float& fYaw, float& fPitch, float& fRoll)
+{
+    Engine().GetMountOrientation(fYaw, fPitch, fRoll);
+}
+
+void CGLDewarper::SetCleanRim(bool bClean)
+{
+    Engine().SetCleanRim(bClean);
+}
+
+bool CGLDewarper::GetCleanRim()
+{
+    return Engine().GetCleanRim();
+}
+
+void CGLDewarper::SetRoll(float fDegrees)
+{
+    Engine().SetRoll(fDegrees);
+}
+
+float CGLDewarper::GetRoll()
+{
+    return Engine().GetRoll();
+}
