@@ -35,6 +35,7 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/records/SImageProperties.h
     dewarp/records/SPTZLimits.h
     dewarp/records/SQPInfo.h
+    dewarp/records/SViewShape.h
     dewarp/records/SYUV2RGBConversionParams.h
     dewarp/tables/GPUFont.h
     dewarp/tables/LensDistortion.h

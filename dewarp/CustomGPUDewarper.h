@@ -4,6 +4,7 @@
 
 #include "dewarp/DewarperState.h"
 #include "dewarp/lenses/SLens.h"
+#include "dewarp/records/SViewShape.h"
 #include "platform/Export.h"
 
 struct STargetShape;
@@ -143,6 +144,10 @@ public:
     /// Turns virtual cameras about their axis, positive clockwise as seen from behind.
     void SetRoll(float fDegrees);
     float GetRoll();
+    /// Spans and bands of the views that leave a choice; refused with a log line and false outside their
+    /// limits.
+    bool SetViewShape(const SViewShape& rShape);
+    SViewShape GetViewShape();
     void SetLogGLErrors(bool bEnable);
     bool GetLogGLErrors();
     void SetLogShaderCode(bool bEnable);

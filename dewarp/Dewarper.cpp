@@ -49,7 +49,14 @@ void CDewarper::GetDefaultPTZ(EViewType eView, EMountType eMount, float& fPan, f
 void CDewarper::GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
                                int& nWidth, int& nHeight)
 {
+    GetDefaultSize(eView, eMount, SViewShape(), nInputWidth, nInputHeight, nWidth, nHeight);
+}
+
+void CDewarper::GetDefaultSize(EViewType eView, EMountType eMount, const SViewShape& rShape, int nInputWidth,
+                               int nInputHeight, int& nWidth, int& nHeight)
+{
     SDewarpParams sParams;
+    sParams.sShape = rShape;
     sParams.eViewType = eView;
     sParams.eMountType = eMount;
     sParams.nImageWidth = nInputWidth;

@@ -10,6 +10,7 @@
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"
 #include "dewarp/records/SQPInfo.h"
+#include "dewarp/records/SViewShape.h"
 #include "platform/Export.h"
 
 #include <memory>
@@ -136,6 +137,8 @@ public:
     virtual bool GetCleanRim() = 0;
     virtual void SetRoll(float fDegrees) = 0;
     virtual float GetRoll() = 0;
+    virtual bool SetViewShape(const SViewShape& rShape) = 0;
+    virtual SViewShape GetViewShape() = 0;
 
     // What a host would have to guess.
     /// Where a view starts on a mount.
@@ -144,6 +147,9 @@ public:
     /// the aspect the view prefers.
     static void GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
                                int& nWidth, int& nHeight);
+    /// The same for a view of another span or band.
+    static void GetDefaultSize(EViewType eView, EMountType eMount, const SViewShape& rShape, int nInputWidth,
+                               int nInputHeight, int& nWidth, int& nHeight);
     /// Views by name, as command lines and files write them: null and VIEW_UNSET for those there are not.
     static const char* GetViewName(EViewType eView);
     static EViewType FindViewType(const std::string& strName);

@@ -1,5 +1,6 @@
 #include "Names.h"
 
+#include "OptionValues.h"
 #include "ToolError.h"
 
 #include <cstddef>
@@ -83,9 +84,26 @@ EMountType ReadMount(const std::string& strText)
     return static_cast<EMountType>(ReadName("--mount", strText, MOUNT_NAMES));
 }
 
-ELensType ReadLens(const std::string& strText)
+/// MODEL:FIELD, such as equidistant:200.
+static SLens ReadLensModel(const std::string& strText, std::size_t nColon)
 {
-    return static_cast<ELensType>(ReadName("--lens", strText, LENS_NAMES));
+    const std::string strModel = strText.substr(0, nColon);
+    ELensModel eModel = LENS_EQUIDISTANT;
+    if (!FindLensModel(strModel, eModel))
+        ThrowUsage("--lens: '" + strModel +
+                   "' is not a model; give equidistant, equisolid, stereographic, orthographic or rectilinear");
+    const float fMost = static_cast<float>(MostLensField(eModel));
+    return SLens::FromModel(eModel, static_cast<double>(ReadFloat("--lens", strText.substr(nColon + 1), 1.0f, fMost,
+                                                                  "degrees across the circle")));
+}
+
+void ReadLens(const std::string& strText, SToolOptions& rOptions)
+{
+    const std::size_t nColon = strText.find(':');
+    if (nColon != std::string::npos)
+        rOptions.oLens = ReadLensModel(strText, nColon);
+    else
+        rOptions.eLens = static_cast<ELensType>(ReadName("--lens", strText, LENS_NAMES));
 }
 
 EInterpolationType ReadInterpolation(const std::string& strText)

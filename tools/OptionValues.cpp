@@ -18,6 +18,8 @@ const int MAX_SIDE = 16384;
 /// Coordinates of masks and strings are 16-bit numbers in their byte forms.
 const int MIN_COORDINATE = -32768;
 const int MAX_COORDINATE = 32767;
+/// Pixels; no circle lies farther away.
+const float MOST_CIRCLE = 100000.0f;
 
 [[noreturn]] void Refuse(const char* pOption, const std::string& strText, const std::string& strExpected)
 {
@@ -175,6 +177,30 @@ float ReadProjection(const std::string& strText)
     if (!ParseWhole(strText, fDistance) || !(fDistance >= 0.0f && fDistance <= 1.0f))
         Refuse("--projection", strText, "rectilinear, stereographic or a number from 0 to 1");
     return fDistance;
+}
+
+SCircle ReadCircle(const std::string& strText)
+{
+    const std::vector<std::string> vNumbers = Split(strText, ',');
+    if (vNumbers.size() != 3 && vNumbers.size() != 4)
+        Refuse("--circle", strText, "CENTREX,CENTREY,RADIUS[,RADIUSY] in input pixels, such as 960,540,530");
+    const auto Number = [&](std::size_t i, float fLeast) {
+        return ReadFloat("--circle", vNumbers[i], fLeast, MOST_CIRCLE, "pixels");
+    };
+    const float fRadius = Number(2, 1.0f);
+    return {Number(0, -MOST_CIRCLE), Number(1, -MOST_CIRCLE), fRadius,
+            vNumbers.size() == 4 ? Number(3, 1.0f) : fRadius};
+}
+
+SOrientation ReadOrientation(const std::string& strText)
+{
+    const std::vector<std::string> vNumbers = Split(strText, ',');
+    if (vNumbers.size() != 3)
+        Refuse("--mount-orientation", strText, "YAW,PITCH,ROLL in degrees, such as 0,5,-2");
+    const auto Number = [&](std::size_t i) {
+        return ReadFloat("--mount-orientation", vNumbers[i], -360.0f, 360.0f, "degrees");
+    };
+    return {Number(0), Number(1), Number(2)};
 }
 
 void ReadTextAlign(const std::string& strText, SGPUString& sString)

@@ -20,5 +20,7 @@ unsigned int ReadColor(const char* pOption, const std::string& strText);
 SGPolygon ReadMask(const std::string& strText); ///< "x,y x,y x,y ... #RRGGBBAA"
 /// rectilinear, stereographic or a number from 0 to 1.
 float ReadProjection(const std::string& strText);
+SCircle ReadCircle(const std::string& strText);           ///< CX,CY,R[,RY]
+SOrientation ReadOrientation(const std::string& strText); ///< YAW,PITCH,ROLL
 /// H or H,V with left, center, right and top, middle, bottom.
 void ReadTextAlign(const std::string& strText, SGPUString& sString);

@@ -21,6 +21,7 @@ struct SOptionTexts
     TText oInterpolation, oYUVSpace, oYUVRange, oGain, oFlip, oRotation;
     TText oInputOverlay, oOutputOverlay, oMaskFile, oStringsFile;
     TText oEngine, oThreads;
+    TText oCircle, oOrientation, oRoll;
     TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns;
     bool bNoStrictTilt = false;
     bool bBuffers = false;
@@ -29,6 +30,7 @@ struct SOptionTexts
     bool bHelp = false;
     bool bVersion = false;
     bool bExactGeometry = false;
+    bool bGivenRim = false;
 };
 
 void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
@@ -41,6 +43,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
     oApp.add_flag("--stats", sTexts.bStats);
     oApp.add_flag("--verbose", sTexts.bVerbose);
     oApp.add_flag("--no-strict-tilt", sTexts.bNoStrictTilt);
+    oApp.add_flag("--no-clean-rim", sTexts.bGivenRim);
 
     oApp.add_option("INPUT", sTexts.oInput);
     oApp.add_option("OUTPUT", sTexts.oOutput);
@@ -67,6 +70,9 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
         {"--strings-file", &sTexts.oStringsFile},
         {"--engine", &sTexts.oEngine},
         {"--threads", &sTexts.oThreads},
+        {"--circle", &sTexts.oCircle},
+        {"--mount-orientation", &sTexts.oOrientation},
+        {"--roll", &sTexts.oRoll},
     };
     for (const auto& [pName, pText] : aSingle)
         oApp.add_option(pName, *pText)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -98,8 +104,6 @@ void ReadViewOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
         sOptions.eView = ReadView(*sTexts.oView);
     if (sTexts.oMount)
         sOptions.eMount = ReadMount(*sTexts.oMount);
-    if (sTexts.oLens)
-        sOptions.eLens = ReadLens(*sTexts.oLens);
     if (sTexts.oPan)
         sOptions.oPan = ReadFloat("--pan", *sTexts.oPan, -360.0f, 360.0f, "degrees");
     if (sTexts.oTilt)
@@ -111,6 +115,19 @@ void ReadViewOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
     sOptions.bStrictTilt = !sTexts.bNoStrictTilt;
     if (sTexts.oProjection)
         sOptions.oEyeDistance = ReadProjection(*sTexts.oProjection);
+}
+
+void ReadCameraOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
+{
+    if (sTexts.oLens)
+        ReadLens(*sTexts.oLens, sOptions);
+    if (sTexts.oCircle)
+        sOptions.oCircle = ReadCircle(*sTexts.oCircle);
+    if (sTexts.oOrientation)
+        sOptions.oOrientation = ReadOrientation(*sTexts.oOrientation);
+    if (sTexts.oRoll)
+        sOptions.oRoll = ReadFloat("--roll", *sTexts.oRoll, -360.0f, 360.0f, "degrees");
+    sOptions.bCleanRim = !sTexts.bGivenRim;
 }
 
 void ReadPictureOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
@@ -229,6 +246,7 @@ SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
     }
     ReadFileOptions(sTexts, sLine.sOptions);
     ReadViewOptions(sTexts, sLine.sOptions);
+    ReadCameraOptions(sTexts, sLine.sOptions);
     ReadPictureOptions(sTexts, sLine.sOptions);
     ReadOverlayOptions(sTexts, sLine.sOptions);
     ReadEngineOptions(sTexts, sLine.sOptions);

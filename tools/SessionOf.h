@@ -34,6 +34,7 @@ protected:
 
 private:
     void ApplyView();
+    void ApplyCamera();
     void ApplyPTZ();
     void ApplyOverlays(SOverlays& sOverlays);
 };
@@ -51,13 +52,34 @@ void CSessionOf<TDewarper>::ThrowUndrawn()
     ThrowFailure("the frame could not be drawn" + GetReason() + "; --verbose shows the whole log");
 }
 
+/// Lens, circle and how the body hangs.
+template <class TDewarper>
+void CSessionOf<TDewarper>::ApplyCamera()
+{
+    TDewarper& rDewarper = GetDewarper();
+    rDewarper.SetLensType(m_sOptions.eLens);
+    if (m_sOptions.oLens && !rDewarper.SetLens(*m_sOptions.oLens))
+        ThrowFailure("the lens cannot be drawn with" + GetReason());
+    if (m_sOptions.oCircle) {
+        const SCircle& c = *m_sOptions.oCircle;
+        if (!rDewarper.SetImageCircle(c.fCenterX, c.fCenterY, c.fRadiusX, c.fRadiusY))
+            ThrowFailure("the circle was refused" + GetReason());
+    }
+    if (m_sOptions.oOrientation) {
+        const SOrientation& o = *m_sOptions.oOrientation;
+        rDewarper.SetMountOrientation(o.fYaw, o.fPitch, o.fRoll);
+    }
+    rDewarper.SetCleanRim(m_sOptions.bCleanRim);
+    rDewarper.SetRoll(m_sOptions.oRoll.value_or(0.0f));
+}
+
 template <class TDewarper>
 void CSessionOf<TDewarper>::ApplyView()
 {
     TDewarper& rDewarper = GetDewarper();
     rDewarper.SetViewType(m_sOptions.eView);
     rDewarper.SetMountType(m_sOptions.eMount);
-    rDewarper.SetLensType(m_sOptions.eLens);
+    ApplyCamera();
     rDewarper.SetInterpolationType(m_sOptions.eInterpolation);
     rDewarper.SetYUVparams(m_sOptions.oYUVSpace.value_or(YUV_SPACE_AUTO),
                            m_sOptions.oYUVRange.value_or(YUV_RANGE_AUTO));

@@ -43,6 +43,7 @@ public:
     /// 0, 90, 180 or 270. bChanged: it is another than before.
     bool SetRotation(int nDegrees, bool& bChanged);
     bool SetEyeDistance(float fDistance);
+    bool SetViewShape(const SViewShape& rShape);
     /// Degrees; positive turns virtual cameras clockwise as seen from behind.
     bool SetRoll(float fDegrees);
 

@@ -60,6 +60,8 @@ public:
     bool GetCleanRim() override;
     void SetRoll(float fDegrees) override;
     float GetRoll() override;
+    bool SetViewShape(const SViewShape& rShape) override;
+    SViewShape GetViewShape() override;
     void AbsolutePTZ(float fPan, float fTilt, float fZoom) override;
     void RelativePTZ(float fPan, float fTilt, float fZoom) override;
     void AnaloguePTZ(float fPan, float fTilt, float fZoom) override;

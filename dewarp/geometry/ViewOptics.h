@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/geometry/MeshKey.h"
+#include "dewarp/geometry/Surface.h"
 #include "dewarp/lenses/BodyTurn.h"
 #include "dewarp/lenses/LensMap.h"
 #include "dewarp/records/SDewarpParams.h"
@@ -39,6 +40,7 @@ private:
     SMeshKey m_sKey;
     CLensMap m_oLens;
     CBodyTurn m_oBody;
+    CSurface m_oSurface;
     double m_fWallSpan = 180.0;
 };
 

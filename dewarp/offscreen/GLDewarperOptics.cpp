@@ -47,3 +47,13 @@ float CGLDewarper::GetRoll()
 {
     return Engine().GetRoll();
 }
+
+bool CGLDewarper::SetViewShape(const SViewShape& rShape)
+{
+    return Engine().SetViewShape(rShape);
+}
+
+SViewShape CGLDewarper::GetViewShape()
+{
+    return Engine().GetViewShape();
+}

@@ -32,4 +32,8 @@ public:
                                                 float* pUpper, float* pLower);
     /// Share of the strip's aspect that a view shows; 0 for views that are none of these.
     static LUMOR_INTERNAL_API float ShownShare(EViewType eView);
+
+private:
+    /// The same, where the host chose how much.
+    static float ShareOf(const SDewarpParams& rParams);
 };

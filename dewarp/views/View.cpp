@@ -44,8 +44,7 @@ SClipBands CView::ClipBands(const SDewarpParams& /*rParams*/, float /*fMeshAspec
 SClipBands CView::Bands(const SDewarpParams& rParams, float fMeshAspect, int nWidth, int nHeight) const
 {
     SClipBands sBands = ClipBands(rParams, fMeshAspect, nWidth, nHeight);
-    if (rParams.pOptics == nullptr || !IsOpticsMesh(Mesh()) || rParams.nImageWidth < 1 ||
-        rParams.nImageHeight < 1)
+    if (!NeedsOpticsMesh(MeshKey(rParams)) || rParams.nImageWidth < 1 || rParams.nImageHeight < 1)
         return sBands;
     sBands.fDepth = 0.0f;
     sBands.bTexCoordRows = false;
