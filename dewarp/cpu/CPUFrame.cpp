@@ -3,7 +3,7 @@
 #include "dewarp/cpu/CPUState.h"
 
 #include "dewarp/cpu/WorkerPool.h"
-#include "dewarp/records/Mirrors.h"
+#include "dewarp/mapping/ViewRules.h"
 #include "dewarp/records/PackYUV.h"
 
 #include <algorithm>
@@ -43,8 +43,7 @@ void CCustomCPUDewarper::SState::PrepareView()
     }
     sDecision.sPicture = sPicture;
     PrepareMesh();
-    const SMirrors sMirrors = MirrorsOf(sPicture.bFlipHorizontal, sPicture.bFlipVertical, oControl.nRotation);
-    const SFrameShape sShape = {sImage.nWidth, sImage.nHeight, sMirrors.bX, sMirrors.bY};
+    const SFrameShape sShape = FrameShapeOf(sDecision);
     if (bGridBuilt && sGridShape == sShape)
         return;
     bGridBuilt = false;
@@ -62,7 +61,7 @@ void CCustomCPUDewarper::SState::PrepareMesh()
     sMeshBuiltFor = SMeshKey();
     bGridBuilt = false;
     sDecision.pView->BuildMesh(oGeometry, sDecision.sMesh);
-    oMesh.Build(oGeometry, sDecision.sMesh.eMesh == MESH_FISHEYE_CIRCULAR);
+    oMesh.Build(oGeometry, IsFan(sDecision.sMesh));
     sMeshBuiltFor = sDecision.sMesh;
 }
 

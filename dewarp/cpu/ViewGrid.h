@@ -62,7 +62,6 @@ private:
     void FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep);
     static void SizePoints(SPartGrid& rGrid, int nStep);
     SStrip Strip(const SPartGrid& rGrid, int nStrip) const;
-    static bool IsCut(const SScreenTriangle& rTriangle, const SCuts& rCuts, bool& bGone);
 
     void FillPoints(const SPartSource& rPart, SPartGrid& rGrid, const SStrip& rStrip) const;
     void AddTriangle(const SScreenTriangle& rTriangle, bool bClipped, const CPixelOptics* pOptics,
