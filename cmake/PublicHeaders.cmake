@@ -33,6 +33,7 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/records/SGRect.h
     dewarp/records/SImageProperties.h
     dewarp/records/SPTZLimits.h
+    dewarp/records/SPointD.h
     dewarp/records/SQPInfo.h
     dewarp/records/SYUV2RGBConversionParams.h
     dewarp/tables/GPUFont.h

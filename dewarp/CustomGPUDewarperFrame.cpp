@@ -267,6 +267,7 @@ void CCustomGPUDewarper::FinishFrame(const STargetShape& rTarget)
                                 static_cast<void*>(this), static_cast<int>(nError));
     }
     r.oReadBack.SetDrawn(rTarget.nWidth, rTarget.nHeight);
+    r.oPoints.SetDrawn(r.sDecision, DrawsFlips());
     r.oReport.AllOver();
     bDrawRequired = false;
     nLastDisplayedTimestamp = nLastSetTimestamp;

@@ -12,6 +12,28 @@ bool CDewarper::GetTargetSize(int& nWidth, int& nHeight)
 
 void CDewarper::SetDriverLog(bool /*bErrors*/, bool /*bShaderTexts*/) {}
 
+int CDewarper::ViewToFrame(const SPointD* /*pPoints*/, SPointD* pResults, bool* pValid, int nCount)
+{
+    return FindNoPoints(pResults, pValid, nCount);
+}
+
+int CDewarper::FrameToView(const SPointD* /*pPoints*/, SPointD* pResults, bool* pValid, int nCount)
+{
+    return FindNoPoints(pResults, pValid, nCount);
+}
+
+bool CDewarper::ViewToFrame(double x, double y, double& fFrameX, double& fFrameY)
+{
+    SPointD sPoint = {x, y};
+    return ViewToFrame(&sPoint, &sPoint, nullptr, 1) == 1 && sPoint.Take(fFrameX, fFrameY);
+}
+
+bool CDewarper::FrameToView(double fFrameX, double fFrameY, double& x, double& y)
+{
+    SPointD sPoint = {fFrameX, fFrameY};
+    return FrameToView(&sPoint, &sPoint, nullptr, 1) == 1 && sPoint.Take(x, y);
+}
+
 bool CDewarper::DrawTo(void* pTarget, int nStride, EImageFormat eFormat)
 {
     SFrameTarget sTarget;

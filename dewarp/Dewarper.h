@@ -8,6 +8,7 @@
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"
+#include "dewarp/records/SPointD.h"
 #include "dewarp/records/SQPInfo.h"
 #include "platform/Export.h"
 
@@ -124,6 +125,22 @@ public:
     virtual bool GetTargetSize(int& nWidth, int& nHeight);
     /// Logs what the driver finds wrong, and the texts of the shaders that it gets. ENGINE_CPU has neither.
     virtual void SetDriverLog(bool bErrors, bool bShaderTexts);
+
+    // Where is that? Asked about the picture that was drawn last, as it was drawn: through the view's mesh,
+    // its parts, flips and bars. Points are pixels from the top left corner of the picture or the frame,
+    // pixel centres at halves. Any thread; no GL call, no context. The first question after a view has
+    // changed takes the time that making a mesh takes.
+    /// Points of the frame that are shown at points of the picture; returns how many there are. Where nothing
+    /// is drawn, and before anything was, the result is not a number, and pValid (null: not wanted) false.
+    /// Points and results may be one array. A view that reaches beyond the frame shows the frame's edge
+    /// there: its points lie beside the frame, where the view would have them.
+    virtual int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
+    /// Points of the picture at which points of the frame are shown: the other way. Of several places that
+    /// show one the result is the one that is drawn first.
+    virtual int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
+    /// The same for one point: false, and the results as they were, where there is nothing.
+    bool ViewToFrame(double x, double y, double& fFrameX, double& fFrameY);
+    bool FrameToView(double fFrameX, double fFrameY, double& x, double& y);
 
     // What a host would have to guess.
     /// Where a view starts on a mount.

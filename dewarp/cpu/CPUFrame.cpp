@@ -178,6 +178,7 @@ bool CCustomCPUDewarper::SState::Draw(const SFrameTarget* pTarget, const char* p
             return false;
     }
     oReport.AllOver();
+    oPoints.SetDrawn(sDecision, true);
     oControl.bDrawRequired = false;
     nLastDisplayed = nLastSet;
     return true;

@@ -81,7 +81,11 @@ public:
     /// costs more to move. Thread: any. Fails: never.
     void SetExactGeometry(bool bExact);
     bool GetExactGeometry();
+    int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
+    int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
     using CDewarper::DrawTo;
+    using CDewarper::FrameToView;
+    using CDewarper::ViewToFrame;
 
 private:
     struct SState;

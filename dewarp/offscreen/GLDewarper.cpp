@@ -384,3 +384,13 @@ int CGLDewarper::SetOutputOverlay(unsigned char* pData, int nWidth, int nHeight,
 {
     return pState->oEngine.SetOutputOverlay(pData, nWidth, nHeight, nUnused, std::move(vRects));
 }
+
+int CGLDewarper::ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+{
+    return pState->oEngine.ViewToFrame(pPoints, pResults, pValid, nCount);
+}
+
+int CGLDewarper::FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+{
+    return pState->oEngine.FrameToView(pPoints, pResults, pValid, nCount);
+}

@@ -73,7 +73,11 @@ public:
     SPTZLimits GetViewLimits(EViewType eView, EMountType eMount) override;
     void SetThreadCount(int nThreads) override;
     int GetThreadCount() override;
+    int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
+    int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
     using CDewarper::DrawTo;
+    using CDewarper::FrameToView;
+    using CDewarper::ViewToFrame;
 
     /// What the driver calls its renderer; empty before InitTarget.
     std::string GetRenderer();

@@ -1,0 +1,37 @@
+// Where things are in the picture.
+
+#include "dewarp/CustomGPUDewarper.h"
+
+#include "dewarp/LockScope.h"
+#include "dewarp/Rooms.h"
+#include "platform/MemoryGuard.h"
+
+int CCustomGPUDewarper::ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+{
+    CLockScope oScope(*this);
+    SRooms& r = *pRooms;
+    const int nFound = GuardMemory("ViewToFrame", r.oReport, -1,
+                                   [&] { return r.oPoints.ViewToFrame(pPoints, pResults, pValid, nCount); });
+    return nFound < 0 ? FindNoPoints(pResults, pValid, nCount) : nFound;
+}
+
+int CCustomGPUDewarper::FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+{
+    CLockScope oScope(*this);
+    SRooms& r = *pRooms;
+    const int nFound = GuardMemory("FrameToView", r.oReport, -1,
+                                   [&] { return r.oPoints.FrameToView(pPoints, pResults, pValid, nCount); });
+    return nFound < 0 ? FindNoPoints(pResults, pValid, nCount) : nFound;
+}
+
+bool CCustomGPUDewarper::ViewToFrame(double x, double y, double& fFrameX, double& fFrameY)
+{
+    SPointD sPoint = {x, y};
+    return ViewToFrame(&sPoint, &sPoint, nullptr, 1) == 1 && sPoint.Take(fFrameX, fFrameY);
+}
+
+bool CCustomGPUDewarper::FrameToView(double fFrameX, double fFrameY, double& x, double& y)
+{
+    SPointD sPoint = {fFrameX, fFrameY};
+    return FrameToView(&sPoint, &sPoint, nullptr, 1) == 1 && sPoint.Take(x, y);
+}
