@@ -216,20 +216,23 @@ bool CPointMap::Settle(const STriangle& t, const SPointD& rPosition, SPointD& rP
         return Show(r.x, r.y, s) && std::fabs(s.x - rPosition.x) <= ROUNDING * POSITION_ONE &&
                std::fabs(s.y - rPosition.y) <= ROUNDING * POSITION_ONE;
     };
-    if (IsShown(rPlace))
-        return true;
     const auto Into = [](double f, int nFirst, int nSize) {
         const double fEnd = static_cast<double>(nFirst) + nSize;
         return f < nFirst && f >= nFirst - ROUNDING ? static_cast<double>(nFirst)
                : f >= fEnd && f <= fEnd + ROUNDING  ? std::nextafter(fEnd, 0.0)
                                                     : f;
     };
-    const double fShare = 1e-9;
     const double fMiddleX = (t.s.afX[0] + t.s.afX[1] + t.s.afX[2]) / 3.0;
     const double fMiddleY = (t.s.afY[0] + t.s.afY[1] + t.s.afY[2]) / 3.0;
-    rPlace = {Into(rPlace.x + (fMiddleX - rPlace.x) * fShare, t.sRect.x, t.sRect.width),
-              Into(rPlace.y + (fMiddleY - rPlace.y) * fShare, t.sRect.y, t.sRect.height)};
-    return IsShown(rPlace);
+    const SPointD sPlace = rPlace;
+    // Shares of the way to the middle: most need the least, one that is no wider than a hair the most.
+    for (const double fShare : {0.0, 1e-10, 1e-8, 1e-6}) {
+        rPlace = {Into(sPlace.x + (fMiddleX - sPlace.x) * fShare, t.sRect.x, t.sRect.width),
+                  Into(sPlace.y + (fMiddleY - sPlace.y) * fShare, t.sRect.y, t.sRect.height)};
+        if (IsShown(rPlace))
+            return true;
+    }
+    return false;
 }
 
 int CPointMap::ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)

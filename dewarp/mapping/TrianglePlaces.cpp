@@ -111,8 +111,13 @@ int PlacesOf(const SScreenTriangle& t, const SPointD& rPosition, SPointD (&aPlac
     const double fU = u * sW.f - t.sU.f;
     const double fV = v * sW.f - t.sV.f;
     const double fDeterminant = a * d - b * c;
-    // Beside its parts a determinant that is nothing but their rounding is none.
-    if (!(std::fabs(fDeterminant) > 1e-9 * (std::fabs(a * d) + std::fabs(b * c))))
+    // What is no more than the rounding of its parts is nothing.
+    const auto Size = [&](double fSlope, double fPosition, double fSlopeW) {
+        return std::fabs(fSlope) + std::fabs(fPosition * fSlopeW);
+    };
+    const double fSize =
+        Size(t.sU.fX, u, sW.fX) * Size(t.sV.fY, v, sW.fY) + Size(t.sU.fY, u, sW.fY) * Size(t.sV.fX, v, sW.fX);
+    if (!(std::fabs(fDeterminant) > 1e-12 * fSize))
         return PlacesOnEdges(t, rPosition, aPlaces);
     aPlaces[0] = {t.afX[0] + (fU * d - b * fV) / fDeterminant, t.afY[0] + (a * fV - fU * c) / fDeterminant};
     return std::isfinite(aPlaces[0].x) && std::isfinite(aPlaces[0].y) ? 1 : 0;
