@@ -106,3 +106,28 @@ TEST_F(CRoundTrip, WhatThePictureShowsIsFoundInIt)
         EXPECT_GT(sCount.nShown, sCount.nPoints / 8);
     }
 }
+
+TEST_F(CRoundTrip, WhatIsFoundInThePictureIsShownThere)
+{
+    int nFound = 0;
+    int nAsked = 0;
+    for (const EViewType eView : VIEWS)
+        for (const EMountType eMount : MOUNTS) {
+            const SPointSetup s = RandomSetup(eView, eMount, LENSES[Lot(5)]);
+            CPointScene oScene(s);
+            for (int i = 0; i < 2 * POINTS; ++i) {
+                const SPointD sFrame = {Between(-20.0, s.nFrameWidth + 20.0),
+                                        Between(-20.0, s.nFrameHeight + 20.0)};
+                SPointD sView;
+                SPointD sAgain;
+                ++nAsked;
+                if (!oScene.ToView(sFrame, sView))
+                    continue;
+                ++nFound;
+                ASSERT_TRUE(oScene.ToFrame(sView, sAgain)) << s.Words();
+                ASSERT_LE(Distance(sAgain, sFrame), 2e-6) << s.Words();
+            }
+        }
+    EXPECT_GT(nFound, nAsked / 10);
+    EXPECT_LT(nFound, nAsked);
+}
