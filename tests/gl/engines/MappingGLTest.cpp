@@ -5,9 +5,11 @@
 #include "tests/support/TestScene.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace
 {
@@ -192,6 +194,82 @@ TEST_P(CMappingOfEngine, NamesTheTexelThatAPixelShows)
         EXPECT_LT(sAgreement.nSeams, sAgreement.nTexels / 500);
         EXPECT_GT(sAgreement.nTexels, 60000);
     }
+    EXPECT_NO_GL_ERROR();
+}
+
+TEST_P(CMappingOfEngine, KnowsNothingBeforeAFrame)
+{
+    CEngineDewarper oDewarper(GetParam(), 64, 48);
+    ASSERT_TRUE(oDewarper.Started());
+    double x = -7.0;
+    double y = -8.0;
+    EXPECT_FALSE(oDewarper->ViewToFrame(32.0, 24.0, x, y));
+    EXPECT_FALSE(oDewarper->FrameToView(32.0, 24.0, x, y));
+    EXPECT_EQ(x, -7.0);
+    EXPECT_EQ(y, -8.0);
+    const SPointD sPoint = {32.0, 24.0};
+    SPointD sResult;
+    bool bValid = true;
+    EXPECT_EQ(oDewarper->ViewToFrame(&sPoint, &sResult, &bValid, 1), 0);
+    EXPECT_FALSE(bValid);
+    EXPECT_TRUE(std::isnan(sResult.x));
+    EXPECT_NO_GL_ERROR();
+}
+
+TEST_P(CMappingOfEngine, AnswersForThePictureThatWasDrawnNotForTheNext)
+{
+    CTestFrame oFrame(TexelFrame(300, 300), IMAGE_FORMAT_RGB24);
+    CEngineDewarper oDewarper(GetParam(), 160, 120);
+    ASSERT_TRUE(oDewarper.Started());
+    oDewarper->SetViewType(VIEW_VCAM);
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    SPointD sBefore;
+    ASSERT_TRUE(oDewarper->ViewToFrame(80.0, 60.0, sBefore.x, sBefore.y));
+    oDewarper->AbsolutePTZ(20.0f, 70.0f, 60.0f);
+    oDewarper->RelativePTZ(5.0f, 5.0f, 0.0f);
+    oDewarper->SetFlip(true, false);
+    oDewarper->SetLensType(LENS_DSL215);
+    SPointD s;
+    ASSERT_TRUE(oDewarper->ViewToFrame(80.0, 60.0, s.x, s.y));
+    EXPECT_EQ(s.x, sBefore.x);
+    EXPECT_EQ(s.y, sBefore.y);
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    ASSERT_TRUE(oDewarper->ViewToFrame(80.0, 60.0, s.x, s.y));
+    EXPECT_GT(std::hypot(s.x - sBefore.x, s.y - sBefore.y), 10.0);
+    EXPECT_NO_GL_ERROR();
+}
+
+TEST_P(CMappingOfEngine, IsAskedByAnotherThreadWhileFramesAreDrawn)
+{
+    CTestFrame oFrame(TexelFrame(300, 300), IMAGE_FORMAT_RGB24);
+    CEngineDewarper oDewarper(GetParam(), 96, 72);
+    ASSERT_TRUE(oDewarper.Started());
+    oDewarper->SetViewType(VIEW_VCAM_QUAD);
+    ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+    std::atomic<bool> bDone{false};
+    std::atomic<int> nAnswers{0};
+    std::thread oAsking([&] {
+        while (!bDone) {
+            double x = 0.0;
+            double y = 0.0;
+            // Several calls: the picture may be another one in between.
+            if (oDewarper->ViewToFrame(48.5, 36.5, x, y) && std::isfinite(x) && std::isfinite(y)) {
+                oDewarper->FrameToView(x, y, x, y);
+                ++nAnswers;
+            }
+            std::this_thread::yield();
+        }
+    });
+    int nDrawn = 0;
+    for (int i = 0; i < 100 || (nAnswers < 20 && i < 10000); ++i) {
+        oDewarper->SetViewType(i % 20 < 15 ? VIEW_VCAM_QUAD : VIEW_PANORAMA_DUAL);
+        oDewarper->RelativePTZ(1.0f, 0.25f, 0.0f);
+        nDrawn += oDewarper.DrawFrame(oFrame) ? 1 : 0;
+    }
+    bDone = true;
+    oAsking.join();
+    EXPECT_GE(nDrawn, 100);
+    EXPECT_GE(nAnswers, 20);
     EXPECT_NO_GL_ERROR();
 }
 
