@@ -1,5 +1,6 @@
 #include "dewarp/mapping/TriangleBins.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -7,6 +8,8 @@ namespace
 
 /// Most bins that a box lies in on average. Beyond, there are few small boxes, and coarser bins do as well.
 const std::size_t MOST_BINS_A_BOX = 12;
+/// So many entries are always allowed.
+const std::size_t FEW_ENTRIES = 16384;
 
 bool IsFinite(const SBox& r)
 {
@@ -65,7 +68,7 @@ void CTriangleBins::Build(const SBox& rArea, const std::vector<SBox>& rBoxes)
             m_sX.fPerUnit = static_cast<double>(m_sX.nBins) / fWidth;
             m_sY.fPerUnit = static_cast<double>(m_sY.nBins) / fHeight;
         }
-        if (nBins == 1 || CountEntries(rBoxes) <= MOST_BINS_A_BOX * rBoxes.size())
+        if (nBins == 1 || CountEntries(rBoxes) <= std::max(MOST_BINS_A_BOX * rBoxes.size(), FEW_ENTRIES))
             break;
     }
     Fill(rBoxes);

@@ -31,9 +31,11 @@ struct SPoints
     SPoints(int nWidth, int nHeight)
         : vAsked(static_cast<std::size_t>(nWidth) * static_cast<std::size_t>(nHeight)), vFound(vAsked.size())
     {
-        for (std::size_t n = 0; n < vAsked.size(); ++n)
-            vAsked[n] = {static_cast<double>(n % static_cast<std::size_t>(nWidth)) + 0.5,
-                         static_cast<double>(n / static_cast<std::size_t>(nWidth)) + 0.5};
+        for (std::size_t n = 0; n < vAsked.size(); ++n) {
+            const std::size_t nRow = n / static_cast<std::size_t>(nWidth);
+            const std::size_t nCol = n % static_cast<std::size_t>(nWidth);
+            vAsked[n] = {static_cast<double>(nCol) + 0.5, static_cast<double>(nRow) + 0.5};
+        }
     }
 
     std::vector<SPointD> vAsked;

@@ -150,8 +150,10 @@ TEST(PointMap, RowsCountFromThePicturesTopWhereverTheTargetBegins)
         s.bTopDown = false;
         CPointScene oUp(s);
         int nShown = 0;
-        for (double y = 0.5; y < 241.0; y += 5.0)
-            for (double x = 0.5; x < 321.0; x += 5.0) {
+        for (int nRow = 0; nRow < 241; nRow += 5)
+            for (int nCol = 0; nCol < 321; nCol += 5) {
+                const double x = nCol + 0.5;
+                const double y = nRow + 0.5;
                 SPointD a;
                 SPointD b;
                 const bool bShown = oDown.ToFrame({x, y}, a);
@@ -253,16 +255,16 @@ TEST(PointMap, TheSmallestPicturesAndFrames)
                 s.eView = eView;
                 s.eMount = eMount;
                 oScene.Show(s);
-                for (double y = 0.25; y < nSide; y += 0.5)
-                    for (double x = 0.25; x < nSide; x += 0.5) {
-                        SPointD sFrame;
-                        SPointD sView;
-                        SPointD sAgain;
-                        if (!oScene.ToFrame({x, y}, sFrame))
-                            continue;
-                        ASSERT_TRUE(oScene.ToView(sFrame, sView)) << s.Words();
-                        ASSERT_TRUE(oScene.ToFrame(sView, sAgain)) << s.Words();
-                        EXPECT_LT(Distance(sAgain, sFrame), 2e-6) << s.Words();
-                    }
+                for (int n = 0; n < 4 * nSide * nSide; ++n) {
+                    const int nRow = n / (2 * nSide);
+                    SPointD sFrame;
+                    SPointD sView;
+                    SPointD sAgain;
+                    if (!oScene.ToFrame({n % (2 * nSide) * 0.5 + 0.25, nRow * 0.5 + 0.25}, sFrame))
+                        continue;
+                    ASSERT_TRUE(oScene.ToView(sFrame, sView)) << s.Words();
+                    ASSERT_TRUE(oScene.ToFrame(sView, sAgain)) << s.Words();
+                    EXPECT_LT(Distance(sAgain, sFrame), 2e-6) << s.Words();
+                }
             }
 }

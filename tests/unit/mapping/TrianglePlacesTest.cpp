@@ -37,9 +37,12 @@ TEST(Covers, OneOfTwoTrianglesHasTheEdgeBetweenThem)
         const SScreenTriangle a = bTurned ? Triangle(aCorners[0], aCorners[2], aCorners[1])
                                           : Triangle(aCorners[0], aCorners[1], aCorners[2]);
         const SScreenTriangle b = Triangle(aCorners[0], aCorners[2], aCorners[3]);
-        for (double y = 0.0; y <= 8.0; y += 0.5)
-            for (double x = 0.0; x <= 8.0; x += 0.5)
-                EXPECT_EQ(Covers(a, x, y) + Covers(b, x, y), x < 8.0 && y < 8.0 ? 1 : 0) << x << ", " << y;
+        for (int n = 0; n < 17 * 17; ++n) {
+            const int nRow = n / 17;
+            const double x = n % 17 * 0.5;
+            const double y = nRow * 0.5;
+            EXPECT_EQ(Covers(a, x, y) + Covers(b, x, y), x < 8.0 && y < 8.0 ? 1 : 0) << x << ", " << y;
+        }
         for (const SScreenTriangle& t : {a, b}) {
             EXPECT_FALSE(Covers(t, -1e-9, 4.0));
             EXPECT_FALSE(Covers(t, 4.0, -1e-9));
