@@ -27,11 +27,19 @@ int CCustomGPUDewarper::FrameToView(const SPointD* pPoints, SPointD* pResults, b
 bool CCustomGPUDewarper::ViewToFrame(double x, double y, double& fFrameX, double& fFrameY)
 {
     SPointD sPoint = {x, y};
-    return ViewToFrame(&sPoint, &sPoint, nullptr, 1) == 1 && sPoint.Take(fFrameX, fFrameY);
+    if (ViewToFrame(&sPoint, &sPoint, nullptr, 1) != 1)
+        return false;
+    fFrameX = sPoint.x;
+    fFrameY = sPoint.y;
+    return true;
 }
 
 bool CCustomGPUDewarper::FrameToView(double fFrameX, double fFrameY, double& x, double& y)
 {
     SPointD sPoint = {fFrameX, fFrameY};
-    return FrameToView(&sPoint, &sPoint, nullptr, 1) == 1 && sPoint.Take(x, y);
+    if (FrameToView(&sPoint, &sPoint, nullptr, 1) != 1)
+        return false;
+    x = sPoint.x;
+    y = sPoint.y;
+    return true;
 }

@@ -11,14 +11,6 @@ struct LUMOR_API SPointD
 {
     double x = 0.0;
     double y = 0.0;
-
-    /// Into two numbers; always true.
-    bool Take(double& fX, double& fY) const
-    {
-        fX = x;
-        fY = y;
-        return true;
-    }
 };
 
 /// The answer to a question for points when there are none: no result is a number, pValid (may be null) says
