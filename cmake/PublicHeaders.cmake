@@ -30,10 +30,12 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/records/Enumerations.h
     dewarp/records/SDewarpMatrices.h
     dewarp/records/SDewarpParams.h
+    dewarp/records/SDirection.h
     dewarp/records/SFrameTarget.h
     dewarp/records/SGRect.h
     dewarp/records/SImageProperties.h
     dewarp/records/SPTZLimits.h
+    dewarp/records/SPointD.h
     dewarp/records/SQPInfo.h
     dewarp/records/SViewShape.h
     dewarp/records/SYUV2RGBConversionParams.h

@@ -69,6 +69,8 @@ public:
     void GetPTZAnalog(float& fPan, float& fTilt, float& fZoom);
     bool IsMoving();
     void GetPTZ(float& fPan, float& fTilt, float& fZoom) const;
+    /// Centres the view in force there. False where it cannot be turned.
+    bool LookAt(const SLookTarget& rTarget);
     void OnMouseDown(int x, int y);
     bool OnMouseMove(int x, int y, bool bLockX, bool bLockY, const SDrawnPicture& rPicture, bool bInForce);
     void OnMouseUp();

@@ -84,3 +84,20 @@ SDirection CSurface::DirectionAt(double x, double y) const
     const double fRolledUp = cr * fUp - sr * fRight;
     return OnMount(m_sKey, fRolledRight, ct * fAhead - st * fRolledUp, ct * fRolledUp + st * fAhead);
 }
+
+CSurface::SHeading CSurface::HeadingOf(const SDewarpParams& rParams, const SDirection& d)
+{
+    double x = d.x;
+    double y = d.y;
+    double fUp = -d.z;
+    if (rParams.eMountType == MOUNT_FLOOR) {
+        x = -d.x;
+        fUp = d.z;
+    } else if (rParams.eMountType == MOUNT_WALL) {
+        const double c = std::cos(static_cast<double>(rParams.fMountTilt) * RADIANS);
+        const double s = std::sin(static_cast<double>(rParams.fMountTilt) * RADIANS);
+        y = c * d.z - s * d.y;
+        fUp = c * d.y + s * d.z;
+    }
+    return {std::atan2(x, y) / RADIANS, std::atan2(fUp, std::hypot(x, y)) / RADIANS};
+}

@@ -27,6 +27,15 @@ public:
     /// What a place on the plane stands for, as the mount counts directions.
     SDirection DirectionAt(double x, double y) const;
 
+    /// Degrees from where pan is 0 to the right, and above the horizon.
+    struct SHeading
+    {
+        double fBearing;
+        double fAbove;
+    };
+    /// Where a direction of a mount lies. rParams: mount and inclination.
+    static SHeading HeadingOf(const SDewarpParams& rParams, const SDirection& rDirection);
+
     /// Spans of a mesh: the host's, or its own on a mount.
     static SViewShape SpanOf(EViewMesh eMesh, EMountType eMount, const SViewShape& rShape);
 

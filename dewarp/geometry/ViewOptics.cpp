@@ -129,6 +129,21 @@ SDirection CViewOptics::OfWall(double x, double y) const
                   -static_cast<double>(m_sKey.fPan));
 }
 
+/// What OfWall does, backwards.
+double CViewOptics::WallRow(const SDirection& d) const
+{
+    const double fTau = static_cast<double>(m_sKey.fMountTilt);
+    const double cr = std::cos(-static_cast<double>(m_sKey.fPan) * RADIANS);
+    const double sr = std::sin(-static_cast<double>(m_sKey.fPan) * RADIANS);
+    const double fTurnedDown = -(sr * d.x + cr * d.y);
+    const double fDown = std::cos(fTau * RADIANS) * fTurnedDown - std::sin(fTau * RADIANS) * d.z;
+    const double fElevation = std::acos(std::clamp(fDown, -1.0, 1.0)) / RADIANS;
+    const bool bWide = !m_sKey.bStrict;
+    const double fSpan = m_fWallSpan + (bWide ? 2.0 * std::fabs(fTau) : 0.0);
+    const double fFirst = (bWide && fTau > 0.0 ? -2.0 * fTau : 0.0) - (0.5 * m_fWallSpan - RIM_ANGLE);
+    return 2.0 * (fElevation - fFirst) / fSpan - 1.0;
+}
+
 SDirection CViewOptics::DirectionAt(double x, double y, double z) const
 {
     switch (m_sKey.eMesh) {

@@ -28,6 +28,8 @@ public:
     SDirection DirectionAt(double x, double y, double z) const;
     /// Degrees of azimuth that the wall panorama shows across while the camera is not inclined.
     double WallSpan() const { return m_fWallSpan; }
+    /// The row of the wall panorama that shows a direction.
+    double WallRow(const SDirection& rDirection) const;
     const CLensMap& Lens() const { return m_oLens; }
     const CBodyTurn& Body() const { return m_oBody; }
 

@@ -3,6 +3,7 @@
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/geometry/OpticsMesh.h"
 #include "dewarp/lenses/GivenLens.h"
+#include "dewarp/views/LookAngles.h"
 #include "dewarp/views/PTZLimits.h"
 
 #include <algorithm>
@@ -70,6 +71,13 @@ void CPanoramaView::LimitPTZ(SDewarpParams& rParams) const
     else if (rParams.fPan <= -180.0f)
         rParams.fPan += 360.0f;
     rParams.fZoom = FIXED_ZOOM;
+}
+
+/// The strip slides; it does not tilt.
+bool CPanoramaView::LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const
+{
+    rParams.fPan = static_cast<float>(BearingOf(rTarget.sDirection));
+    return true;
 }
 
 void CPanoramaView::Drag(const SDrag& rDrag, SDewarpParams& rParams) const

@@ -2,6 +2,7 @@
 
 #include "dewarp/geometry/OpticsMesh.h"
 #include "dewarp/geometry/Surface.h"
+#include "dewarp/views/LookAngles.h"
 #include "dewarp/views/PTZLimits.h"
 
 #include <algorithm>
@@ -42,6 +43,14 @@ void CSurfaceView::LimitPTZ(SDewarpParams& rParams) const
     const SPTZRange sTilt = Limits(rParams).sTilt;
     LimitAngle(rParams.fTilt, sTilt.fLow, sTilt.fHigh);
     LimitZoom(rParams.fZoom);
+}
+
+bool CSurfaceView::LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const
+{
+    const CSurface::SHeading sHeading = CSurface::HeadingOf(rParams, rTarget.sDirection);
+    rParams.fPan = static_cast<float>(sHeading.fBearing);
+    rParams.fTilt = static_cast<float>(sHeading.fAbove);
+    return true;
 }
 
 /// The world follows the pointer.

@@ -18,6 +18,7 @@ public:
     SPTZ DefaultPTZ(EMountType eMount) const override;
     SPTZLimits Limits(const SDewarpParams& rParams) const override;
     void LimitPTZ(SDewarpParams& rParams) const override;
+    bool LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const override;
     void Drag(const SDrag& rDrag, SDewarpParams& rParams) const override;
     void Move(const SDewarpParams& rParams, float fMeshAspect, float fImageAspect, int nRotation,
               float* pModel) const override;

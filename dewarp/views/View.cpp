@@ -58,6 +58,11 @@ SClipBands CView::Bands(const SDewarpParams& rParams, float fMeshAspect, int nWi
     return sBands;
 }
 
+bool CView::LookAt(const SLookTarget& /*rTarget*/, SDewarpParams& /*rParams*/) const
+{
+    return false;
+}
+
 void CView::Project(const SFrustum& rFrustum, float* m) const
 {
     const SFrustum& f = rFrustum;
