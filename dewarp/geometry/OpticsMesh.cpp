@@ -152,7 +152,8 @@ void BuildSurface(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics, con
     const SViewShape sSpan = CSurface::SpanOf(rKey.eMesh, rKey.eMount, rKey.sShape);
     const int nCols = std::clamp(static_cast<int>(sSpan.fSpanX / 1.5f), 40, 240);
     const int nRows = std::clamp(static_cast<int>(sSpan.fSpanY / 1.5f), 40, 120);
-    const SPatch sPatch = {-fAspect, fAspect, -1.0, 1.0, nCols, nRows};
+    const CSurface oSurface(rKey);
+    const SPatch sPatch = {-fAspect, fAspect, oSurface.LowestRow(), oSurface.HighestRow(), nCols, nRows};
     BuildPatches(rGeometry, rOptics, &sPatch, 1);
 }
 

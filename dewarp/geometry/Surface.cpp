@@ -46,6 +46,20 @@ CSurface::CSurface(const SMeshKey& rKey) : m_sKey(rKey)
         m_fMiddleY = std::tan(fTilt);
 }
 
+double CSurface::LowestRow() const
+{
+    if (m_sKey.eMesh != MESH_EQUIRECTANGULAR)
+        return -1.0;
+    return std::clamp((-0.5 * std::numbers::pi - m_fMiddleY) / m_fHalfY, -1.0, 1.0);
+}
+
+double CSurface::HighestRow() const
+{
+    if (m_sKey.eMesh != MESH_EQUIRECTANGULAR)
+        return 1.0;
+    return std::clamp((0.5 * std::numbers::pi - m_fMiddleY) / m_fHalfY, -1.0, 1.0);
+}
+
 /// From bearing, angle above the horizon (radians) to the mount's own axes.
 static SDirection OnMount(const SMeshKey& rKey, double fRight, double fAhead, double fUp)
 {

@@ -24,6 +24,9 @@ public:
     explicit CSurface(const SMeshKey& rKey);
 
     double Aspect() const { return m_fHalfX / m_fHalfY; }
+    /// Rows between which there is anything: the world ends at the poles.
+    double LowestRow() const;
+    double HighestRow() const;
     /// What a place on the plane stands for, as the mount counts directions.
     SDirection DirectionAt(double x, double y) const;
 

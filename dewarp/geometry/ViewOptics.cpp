@@ -32,16 +32,14 @@ static SMountOrientation OrientationOf(const SMeshKey& rKey)
 }
 
 CViewOptics::CViewOptics(const SMeshKey& rKey)
-    : m_sKey(rKey), m_oLens(rKey.pOptics.get(), rKey.eLens, rKey.nImageWidth, rKey.nImageHeight,
-                            rKey.pOptics != nullptr && rKey.eMesh == MESH_VCAM),
+    : m_sKey(rKey), m_oLens(rKey.pOptics.get(), rKey.eLens, rKey.nImageWidth, rKey.nImageHeight),
       m_oBody(OrientationOf(rKey)), m_oSurface(rKey),
       m_fWallSpan(2.0 * std::max(RIM_ANGLE, LensHalfField(rKey.pOptics.get(), m_oLens)))
 {}
 
 static CLensMap LensOf(const SDewarpParams& rParams)
 {
-    return CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth, rParams.nImageHeight,
-                    false);
+    return CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth, rParams.nImageHeight);
 }
 
 double HalfFieldOf(const SDewarpParams& rParams)

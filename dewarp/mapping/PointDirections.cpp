@@ -18,8 +18,7 @@ class CDrawnCamera
 public:
     explicit CDrawnCamera(const SFrameDecision& d)
         : m_sShape(FrameShapeOf(d)),
-          m_oLens(d.sParams.pOptics.get(), d.sParams.eLensType, d.sParams.nImageWidth, d.sParams.nImageHeight,
-                  d.sMesh.eMesh == MESH_VCAM)
+          m_oLens(d.sParams.pOptics.get(), d.sParams.eLensType, d.sParams.nImageWidth, d.sParams.nImageHeight)
     {
         if (d.sParams.pOptics != nullptr)
             m_oBody = CBodyTurn(d.sParams.pOptics->Said().sOrientation);

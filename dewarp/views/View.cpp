@@ -48,9 +48,9 @@ SClipBands CView::Bands(const SDewarpParams& rParams, float fMeshAspect, int nWi
         return sBands;
     sBands.fDepth = 0.0f;
     sBands.bTexCoordRows = false;
-    const SRimEllipse sRim = CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth,
-                                      rParams.nImageHeight, Mesh() == MESH_VCAM)
-                                 .FrameRim();
+    const SRimEllipse sRim =
+        CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth, rParams.nImageHeight)
+            .FrameRim();
     const double w = rParams.nImageWidth;
     const double h = rParams.nImageHeight;
     sBands.sRim = {static_cast<float>(sRim.fCenterX / w), static_cast<float>(sRim.fCenterY / h),
