@@ -17,9 +17,9 @@ namespace
 {
 
 const double RADIANS = std::numbers::pi / 180.0;
-/// How far meshes reach beyond the lens's edge, so that a rim has somewhere to fade to. Straight behind the
-/// camera all azimuths meet, and no triangle may lie across that.
-const double BEYOND_EDGE = 2.0 * RADIANS;
+/// How far meshes reach beyond the lens's edge, so that a rim has somewhere to fade to and every cell that it
+/// crosses is whole. Straight behind the camera all azimuths meet, and no triangle may lie across that.
+const double BEYOND_EDGE = 5.0 * RADIANS;
 const double MOST_ANGLE = 179.0 * RADIANS;
 /// Texture coordinate of a point that no triangle may use.
 const float UNSEEN = 1e9f;
@@ -139,9 +139,9 @@ void BuildPatches(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics, con
 void BuildBand(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics)
 {
     const double fWidth = 2.0 * static_cast<double>(rGeometry.m_fGeometryAspect);
-    // A row every 1.8 degrees, whatever the band's height.
-    const int nRows = std::clamp(static_cast<int>(360.0 / fWidth), 4, 100);
-    const SPatch asPatches[] = {{-fWidth, 0.0, -1.0, 1.0, 216, nRows}, {0.0, fWidth, -1.0, 1.0, 216, nRows}};
+    // A row every 1.4 degrees, whatever the band's height.
+    const int nRows = std::clamp(static_cast<int>(514.0 / fWidth), 4, 130);
+    const SPatch asPatches[] = {{-fWidth, 0.0, -1.0, 1.0, 270, nRows}, {0.0, fWidth, -1.0, 1.0, 270, nRows}};
     BuildPatches(rGeometry, rOptics, asPatches, 2);
 }
 
