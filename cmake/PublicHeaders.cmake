@@ -44,6 +44,7 @@ set(LUMOR_PUBLIC_HEADERS
     platform/Export.h
 
     dewarp/android/CustomGPUDewarperVela.h # the dewarper of graphic buffers
+    dewarp/lenses/CircleFinder.h # finds the image circle of a frame before a dewarper is set up
     dewarp/records/YUVColour.h # colours for pictures of graphic buffers
     platform/Assert.h # the assertion that a program may replace
     platform/CurrentContext.h # a member of the dewarper of graphic buffers
