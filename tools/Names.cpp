@@ -1,6 +1,5 @@
 #include "Names.h"
 
-#include "OptionValues.h"
 #include "ToolError.h"
 
 #include <cstddef>
@@ -84,26 +83,15 @@ EMountType ReadMount(const std::string& strText)
     return static_cast<EMountType>(ReadName("--mount", strText, MOUNT_NAMES));
 }
 
-/// MODEL:FIELD, such as equidistant:200.
-static SLens ReadLensModel(const std::string& strText, std::size_t nColon)
+bool FindLensName(const std::string& strText, ELensType& rLens)
 {
-    const std::string strModel = strText.substr(0, nColon);
-    ELensModel eModel = LENS_EQUIDISTANT;
-    if (!FindLensModel(strModel, eModel))
-        ThrowUsage("--lens: '" + strModel +
-                   "' is not a model; give equidistant, equisolid, stereographic, orthographic or rectilinear");
-    const float fMost = static_cast<float>(MostLensField(eModel));
-    return SLens::FromModel(eModel, static_cast<double>(ReadFloat("--lens", strText.substr(nColon + 1), 1.0f, fMost,
-                                                                  "degrees across the circle")));
-}
-
-void ReadLens(const std::string& strText, SToolOptions& rOptions)
-{
-    const std::size_t nColon = strText.find(':');
-    if (nColon != std::string::npos)
-        rOptions.oLens = ReadLensModel(strText, nColon);
-    else
-        rOptions.eLens = static_cast<ELensType>(ReadName("--lens", strText, LENS_NAMES));
+    for (const SName& rName : LENS_NAMES) {
+        if (strText != rName.pName)
+            continue;
+        rLens = static_cast<ELensType>(rName.nValue);
+        return true;
+    }
+    return false;
 }
 
 EInterpolationType ReadInterpolation(const std::string& strText)

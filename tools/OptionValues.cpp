@@ -18,8 +18,6 @@ const int MAX_SIDE = 16384;
 /// Coordinates of masks and strings are 16-bit numbers in their byte forms.
 const int MIN_COORDINATE = -32768;
 const int MAX_COORDINATE = 32767;
-/// Pixels; no circle lies farther away.
-const float MOST_CIRCLE = 100000.0f;
 
 [[noreturn]] void Refuse(const char* pOption, const std::string& strText, const std::string& strExpected)
 {
@@ -179,28 +177,20 @@ float ReadProjection(const std::string& strText)
     return fDistance;
 }
 
-SCircle ReadCircle(const std::string& strText)
+std::vector<float> ReadNumbers(const char* pOption, const std::string& strText, std::size_t nLeast,
+                               std::size_t nMost, float fMost, const char* pExpected)
 {
-    const std::vector<std::string> vNumbers = Split(strText, ',');
-    if (vNumbers.size() != 3 && vNumbers.size() != 4)
-        Refuse("--circle", strText, "CENTREX,CENTREY,RADIUS[,RADIUSY] in input pixels, such as 960,540,530");
-    const auto Number = [&](std::size_t i, float fLeast) {
-        return ReadFloat("--circle", vNumbers[i], fLeast, MOST_CIRCLE, "pixels");
-    };
-    const float fRadius = Number(2, 1.0f);
-    return {Number(0, -MOST_CIRCLE), Number(1, -MOST_CIRCLE), fRadius,
-            vNumbers.size() == 4 ? Number(3, 1.0f) : fRadius};
-}
-
-SOrientation ReadOrientation(const std::string& strText)
-{
-    const std::vector<std::string> vNumbers = Split(strText, ',');
-    if (vNumbers.size() != 3)
-        Refuse("--mount-orientation", strText, "YAW,PITCH,ROLL in degrees, such as 0,5,-2");
-    const auto Number = [&](std::size_t i) {
-        return ReadFloat("--mount-orientation", vNumbers[i], -360.0f, 360.0f, "degrees");
-    };
-    return {Number(0), Number(1), Number(2)};
+    const std::vector<std::string> vParts = Split(strText, ',');
+    if (vParts.size() < nLeast || vParts.size() > nMost)
+        Refuse(pOption, strText, pExpected);
+    std::vector<float> vNumbers;
+    for (const std::string& strPart : vParts) {
+        float fValue = 0.0f;
+        if (!ParseWhole(strPart, fValue) || !(std::fabs(fValue) <= fMost))
+            Refuse(pOption, strText, pExpected);
+        vNumbers.push_back(fValue);
+    }
+    return vNumbers;
 }
 
 void ReadTextAlign(const std::string& strText, SGPUString& sString)

@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include "CameraOptions.h"
 #include "Names.h"
 #include "OptionValues.h"
 #include "ToolError.h"
@@ -21,7 +22,7 @@ struct SOptionTexts
     TText oInterpolation, oYUVSpace, oYUVRange, oGain, oFlip, oRotation;
     TText oInputOverlay, oOutputOverlay, oMaskFile, oStringsFile;
     TText oEngine, oThreads;
-    TText oCircle, oOrientation, oRoll;
+    TText oCircle, oOrientation, oRoll, oSpan, oBand, oMap;
     TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns;
     bool bNoStrictTilt = false;
     bool bBuffers = false;
@@ -31,6 +32,7 @@ struct SOptionTexts
     bool bVersion = false;
     bool bExactGeometry = false;
     bool bGivenRim = false;
+    bool bFloorFlip = false;
 };
 
 void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
@@ -44,6 +46,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
     oApp.add_flag("--verbose", sTexts.bVerbose);
     oApp.add_flag("--no-strict-tilt", sTexts.bNoStrictTilt);
     oApp.add_flag("--no-clean-rim", sTexts.bGivenRim);
+    oApp.add_flag("--floor-flip", sTexts.bFloorFlip);
 
     oApp.add_option("INPUT", sTexts.oInput);
     oApp.add_option("OUTPUT", sTexts.oOutput);
@@ -73,6 +76,9 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
         {"--circle", &sTexts.oCircle},
         {"--mount-orientation", &sTexts.oOrientation},
         {"--roll", &sTexts.oRoll},
+        {"--span", &sTexts.oSpan},
+        {"--band", &sTexts.oBand},
+        {"--map", &sTexts.oMap},
     };
     for (const auto& [pName, pText] : aSingle)
         oApp.add_option(pName, *pText)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -122,12 +128,17 @@ void ReadCameraOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
     if (sTexts.oLens)
         ReadLens(*sTexts.oLens, sOptions);
     if (sTexts.oCircle)
-        sOptions.oCircle = ReadCircle(*sTexts.oCircle);
+        ReadCircle(*sTexts.oCircle, sOptions);
     if (sTexts.oOrientation)
         sOptions.oOrientation = ReadOrientation(*sTexts.oOrientation);
     if (sTexts.oRoll)
         sOptions.oRoll = ReadFloat("--roll", *sTexts.oRoll, -360.0f, 360.0f, "degrees");
     sOptions.bCleanRim = !sTexts.bGivenRim;
+    if (sTexts.oSpan)
+        ReadSpan(*sTexts.oSpan, sOptions.sShape);
+    if (sTexts.oBand)
+        ReadBand(*sTexts.oBand, sOptions.sShape);
+    sOptions.sShape.bFloorFlip = sTexts.bFloorFlip;
 }
 
 void ReadPictureOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
@@ -252,5 +263,6 @@ SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
     ReadEngineOptions(sTexts, sLine.sOptions);
     sLine.sOptions.bStats = sTexts.bStats;
     sLine.sOptions.bVerbose = sTexts.bVerbose;
+    sLine.sOptions.strMapName = sTexts.oMap.value_or("");
     return sLine;
 }

@@ -66,6 +66,7 @@ struct SToolOptions
     std::optional<SOrientation> oOrientation;
     std::optional<float> oRoll;
     bool bCleanRim = true;
+    SViewShape sShape; ///< spans and bands
     std::optional<float> oPan;
     std::optional<float> oTilt;
     std::optional<float> oZoom;
@@ -94,6 +95,7 @@ struct SToolOptions
     bool bBuffers = false;       ///< through graphic buffers
     bool bStats = false;
     bool bVerbose = false;
+    std::string strMapName; ///< of the view's coordinate map; empty: none
 };
 
 /// What to do with a command line that could be read.

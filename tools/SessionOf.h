@@ -16,6 +16,7 @@ public:
     void DrawFirst(SFrame& sFrame, SOverlays& sOverlays) final;
     void Draw(SFrame& sFrame) final;
     std::vector<std::string> GetNotes() override;
+    SViewMap GetMap(const SPicture& rPicture) override;
 
 protected:
     explicit CSessionOf(const SToolOptions& sOptions) : m_sOptions(sOptions) {}
@@ -71,6 +72,8 @@ void CSessionOf<TDewarper>::ApplyCamera()
     }
     rDewarper.SetCleanRim(m_sOptions.bCleanRim);
     rDewarper.SetRoll(m_sOptions.oRoll.value_or(0.0f));
+    if (!rDewarper.SetViewShape(m_sOptions.sShape))
+        ThrowFailure("span or band were refused" + GetReason());
 }
 
 template <class TDewarper>
@@ -165,4 +168,23 @@ std::vector<std::string> CSessionOf<TDewarper>::GetNotes()
     if (m_sOptions.oThreads && GetEngine() == ENGINE_GL)
         vNotes.emplace_back("--threads has no effect: OpenGL ES draws");
     return vNotes;
+}
+
+template <class TDewarper>
+SViewMap CSessionOf<TDewarper>::GetMap(const SPicture& rPicture)
+{
+    SViewMap sMap;
+    sMap.nWidth = rPicture.nWidth;
+    sMap.nHeight = rPicture.nHeight;
+    std::vector<SPointD> vPoints(static_cast<std::size_t>(rPicture.nWidth));
+    for (int y = 0; y < rPicture.nHeight; ++y) {
+        for (int x = 0; x < rPicture.nWidth; ++x)
+            vPoints[static_cast<std::size_t>(x)] = {x + 0.5, y + 0.5};
+        GetDewarper().ViewToFrame(vPoints.data(), vPoints.data(), nullptr, rPicture.nWidth);
+        for (const SPointD& rPoint : vPoints) {
+            sMap.vX.push_back(static_cast<float>(rPoint.x - 0.5));
+            sMap.vY.push_back(static_cast<float>(rPoint.y - 0.5));
+        }
+    }
+    return sMap;
 }

@@ -197,7 +197,7 @@ double CLensMap::HalfField() const
     double fMost = 0.0;
     for (int n = 0; n < 4; ++n) {
         SDirection d;
-        if (!ToDirection(n % 2 * m_nWidth, n / 2 * m_nHeight, d))
+        if (!ToDirection(n % 2 == 0 ? 0.0 : m_nWidth, n < 2 ? 0.0 : m_nHeight, d))
             return fEdge;
         fMost = std::max(fMost, std::acos(std::clamp(d.z, -1.0, 1.0)) * DEGREES);
     }

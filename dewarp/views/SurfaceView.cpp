@@ -20,7 +20,7 @@ float CSurfaceView::MeshAspect(const SDewarpParams& rParams) const
 SPTZ CSurfaceView::DefaultPTZ(EMountType eMount) const
 {
     // Cameras overhead look down on what is around them.
-    float fTilt = m_eMesh == MESH_EQUIRECTANGULAR ? -45.0f : -30.0f;
+    float fTilt = m_eMesh == MESH_CYLINDRICAL ? -30.0f : -45.0f;
     if (eMount == MOUNT_FLOOR)
         fTilt = -fTilt;
     if (eMount == MOUNT_WALL)
