@@ -9,10 +9,20 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 
 namespace
 {
+
+double MeanDifference(const TBytes& vFirst, const TBytes& vSecond)
+{
+    EXPECT_EQ(vFirst.size(), vSecond.size());
+    double fSum = 0.0;
+    for (std::size_t i = 0; i < std::min(vFirst.size(), vSecond.size()); i++)
+        fSum += std::abs(vFirst[i] - vSecond[i]);
+    return fSum / static_cast<double>(vFirst.size());
+}
 
 /// A room through an equidistant lens of 180 degrees, its circle beside the middle of a wide frame.
 class RunCameras : public testing::Test
@@ -56,11 +66,19 @@ TEST_F(RunCameras, TheCircleIsFoundAndSaidWithoutAnyOption)
     EXPECT_EQ(CountLines(sRun.strErrors), 1) << sRun.strErrors;
     EXPECT_NE(sRun.strErrors.find("--lens equidistant:180 --circle 318."), std::string::npos)
         << sRun.strErrors;
+    float fX = 0.0f;
+    float fY = 0.0f;
+    float fRadius = 0.0f;
+    const std::size_t nAt = sRun.strErrors.find("--circle ");
+    ASSERT_EQ(std::sscanf(sRun.strErrors.c_str() + nAt, "--circle %f,%f,%f", &fX, &fY, &fRadius), 3);
+    EXPECT_NEAR(fX, 318.0f, 0.6f);
+    EXPECT_NEAR(fY, 181.0f, 0.6f);
+    EXPECT_NEAR(fRadius, 172.0f, 0.6f);
     const TBytes vGiven = Draw({"--lens", "equidistant:180", "--circle", "318,181,172"});
-    EXPECT_LE(GetLargestDifference(Draw({}), vGiven), 40);
-    EXPECT_LE(GetLargestDifference(Draw({"--circle", "auto", "--lens", "equidistant:180"}), vGiven), 40);
+    EXPECT_LT(MeanDifference(Draw({}), vGiven), 2.0);
+    EXPECT_LT(MeanDifference(Draw({"--circle", "auto", "--lens", "equidistant:180"}), vGiven), 2.0);
     // Taken to fill the width it shows something else.
-    EXPECT_GT(GetLargestDifference(Draw({"--lens", "ideal"}), vGiven), 100);
+    EXPECT_GT(MeanDifference(Draw({"--lens", "ideal"}), vGiven), 20.0);
 }
 
 TEST_F(RunCameras, APictureWithoutACircleIsSaidToHaveNone)
