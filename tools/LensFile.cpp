@@ -8,7 +8,9 @@
 
 #include <charconv>
 #include <cstddef>
+#include <filesystem>
 #include <iterator>
+#include <system_error>
 
 namespace
 {
@@ -125,8 +127,14 @@ SLensFile ReadLensArgument(const std::string& strText)
 {
     ELensModel eModel = LENS_EQUIDISTANT;
     std::string strField;
-    if (!SplitModel(strText, eModel, strField))
+    if (!SplitModel(strText, eModel, strField)) {
+        std::error_code oError;
+        if (strText.find(':') != std::string::npos && !std::filesystem::exists(strText, oError))
+            ThrowUsage("'" + strText +
+                       "': is neither a file nor MODEL:FIELD with equidistant, equisolid, "
+                       "stereographic, orthographic or rectilinear");
         return ReadLensFile(strText);
+    }
     double fField = 0.0;
     const double fMost = MostLensField(eModel);
     if (!ReadNumber(strField, fField) || !(fField >= 1.0 && fField <= fMost))

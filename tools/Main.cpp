@@ -11,6 +11,7 @@
 #include "Stats.h"
 #include "ToolError.h"
 #include "ToolLog.h"
+#include "lens/LensCommands.h"
 
 #include <cstdio>
 #include <exception>
@@ -102,6 +103,8 @@ void Dewarp(const SToolOptions& sOptions)
 
 int Run(int nArguments, const char* const* ppArguments)
 {
+    if (IsLensCommand(nArguments, ppArguments))
+        return RunLensCommand(nArguments, ppArguments);
     const SCommandLine sLine = ParseCommandLine(nArguments, ppArguments);
     switch (sLine.eAction) {
     case EToolAction::SHOW_HELP:

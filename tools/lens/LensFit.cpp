@@ -108,7 +108,9 @@ SLensFit Describe(const CFitResiduals& rResiduals, const SFitModel& rModel, cons
     sFit.fLargest = rSolution.fLargest;
     sFit.fReach = rResiduals.Reach(sCenter);
     sFit.fScore = ScoreOf(rResiduals, rModel, rSolution);
-    if (!(PICKED * fDoubt <= MOST_DOUBT * sFit.fField))
+    if (!(sFit.fField >= 1.0))
+        sFit.strReason = "no field of it comes near the data";
+    else if (!(PICKED * fDoubt <= MOST_DOUBT * sFit.fField))
         sFit.strReason =
             "the data do not tell its field: picked half a pixel off, they would change it by " +
             (PICKED * fDoubt < sFit.fField ? FixedText(100.0 * PICKED * fDoubt / sFit.fField, 0) + " %"

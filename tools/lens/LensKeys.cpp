@@ -94,7 +94,7 @@ void CLensKeys::RefuseOthers(const std::vector<std::string>& vKnown) const
         const std::string strNearest = Nearest(strKey, vKnown);
         std::string strAdvice = "known are";
         for (const std::string& strKnown : vKnown)
-            strAdvice += (&strKnown == &vKnown.front() ? " " : ", ") + strKnown;
+            strAdvice.append(&strKnown == &vKnown.front() ? " " : ", ").append(strKnown);
         if (!strNearest.empty())
             strAdvice = "did you mean '" + strNearest + "'?";
         const std::string strPlace = m_strPath.empty() ? "" : m_strPath + ": ";

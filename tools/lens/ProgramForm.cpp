@@ -23,7 +23,7 @@ std::string FindName(const CLensKeys& rKeys, const TNames& vNames)
 
 std::string NeededName(const CLensKeys& rKeys, const TNames& vNames, const char* pWhat)
 {
-    const std::string strName = FindName(rKeys, vNames);
+    std::string strName = FindName(rKeys, vNames);
     if (!strName.empty())
         return strName;
     std::string strNames;
