@@ -123,13 +123,22 @@ SFitSetup ReadSetup(const SFitTexts& rTexts)
     return sSetup;
 }
 
+/// Why the model that comes nearest to the data is out of question.
+const std::string& NearestReason(const std::vector<SLensFit>& vFits)
+{
+    const auto IsNearer = [](const SLensFit& a, const SLensFit& b) {
+        return a.fFocal > 0.0 && (!(b.fFocal > 0.0) || a.fRMS < b.fRMS);
+    };
+    return std::min_element(vFits.begin(), vFits.end(), IsNearer)->strReason;
+}
+
 /// The fit that was asked for; throws with the reason where there is none.
 const SLensFit& ChooseFit(const std::vector<SLensFit>& vFits, const std::string& strModel)
 {
     if (strModel == "auto") {
         const SLensFit* pBest = BestFit(vFits);
         if (pBest == nullptr)
-            ThrowFailure("no lens can be told from these measurements: " + vFits.front().strReason);
+            ThrowFailure("no lens can be told from these measurements: " + NearestReason(vFits));
         return *pBest;
     }
     const auto it = std::find_if(vFits.begin(), vFits.end(), [&strModel](const SLensFit& rFit) {

@@ -108,13 +108,13 @@ SLensFit Describe(const CFitResiduals& rResiduals, const SFitModel& rModel, cons
     sFit.fLargest = rSolution.fLargest;
     sFit.fReach = rResiduals.Reach(sCenter);
     sFit.fScore = ScoreOf(rResiduals, rModel, rSolution);
-    if (!(sFit.fField >= 1.0))
-        sFit.strReason = "no field of it comes near the data";
-    else if (!(PICKED * fDoubt <= MOST_DOUBT * sFit.fField))
+    if (!(PICKED * fDoubt <= MOST_DOUBT * sFit.fField))
         sFit.strReason =
             "the data do not tell its field: picked half a pixel off, they would change it by " +
             (PICKED * fDoubt < sFit.fField ? FixedText(100.0 * PICKED * fDoubt / sFit.fField, 0) + " %"
                                            : "any amount");
+    else if (!(sFit.fField >= 1.0))
+        sFit.strReason = "no field of it comes near the data";
     return sFit;
 }
 

@@ -97,9 +97,7 @@ void CLensKeys::RefuseOthers(const std::vector<std::string>& vKnown) const
             strAdvice.append(&strKnown == &vKnown.front() ? " " : ", ").append(strKnown);
         if (!strNearest.empty())
             strAdvice = "did you mean '" + strNearest + "'?";
-        const std::string strPlace = m_strPath.empty() ? "" : m_strPath + ": ";
-        ThrowFailure(m_strFile + ": " + strPlace + "the key " + Quoted(strKey) + " is not known; " +
-                     strAdvice);
+        RefuseAll("the key " + Quoted(strKey) + " is not known; " + strAdvice);
     }
 }
 
