@@ -30,7 +30,9 @@ std::string FocalText(const SLensFile& rFile, const SLensSurvey& rSurvey)
 
 std::string Head(const std::string& strName, const SLensFile& rFile, const SLensSurvey& rSurvey)
 {
-    std::string strText = OneLine(strName) + ": " + LensTitle(rFile.sLens) + "\n";
+    const std::string strTitle = LensTitle(rFile.sLens);
+    std::string strText = strTitle.starts_with(strName + ",") ? "" : OneLine(strName) + ": ";
+    strText += strTitle + "\n";
     if (!rFile.strName.empty())
         strText += Line("name", OneLine(rFile.strName));
     if (!rFile.strComment.empty())
