@@ -1,5 +1,6 @@
 #include "CameraOptions.h"
 
+#include "LensFile.h"
 #include "Names.h"
 #include "OptionValues.h"
 #include "ToolError.h"
@@ -11,7 +12,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
-#include <filesystem>
 
 namespace
 {
@@ -107,14 +107,31 @@ void NoteContradiction(const SFrame& rFrame, ELensType eLens, std::vector<std::s
 
 void ReadLens(const std::string& strText, SToolOptions& rOptions)
 {
-    const std::size_t nColon = strText.find(':');
     if (FindLensName(strText, rOptions.eLens))
         return;
-    if (nColon == std::string::npos || std::filesystem::exists(strText))
+    const std::size_t nColon = strText.find(':');
+    const bool bFile = strText.find_first_of("./\\") != std::string::npos;
+    ELensModel eModel = LENS_EQUIDISTANT;
+    if (nColon != std::string::npos && (!bFile || FindLensModel(strText.substr(0, nColon), eModel)))
+        rOptions.oLens = ReadLensModel(strText, nColon);
+    else if (bFile)
+        rOptions.strLensFile = strText;
+    else
         ThrowUsage(
             "--lens: '" + strText +
-            "' is not known; give auto, 215, 239, 418, 419, ideal, or MODEL:FIELD such as equidistant:200");
-    rOptions.oLens = ReadLensModel(strText, nColon);
+            "' is not known; give auto, 215, 239, 418, 419, ideal, MODEL:FIELD such as equidistant:200, or a "
+            "lens file such as camera.json");
+}
+
+void LoadLens(SToolOptions& rOptions)
+{
+    if (rOptions.strLensFile.empty())
+        return;
+    const SLensFile sFile = ReadLensFile(rOptions.strLensFile);
+    rOptions.oLens = sFile.sLens;
+    if (sFile.oCircle && !rOptions.oCircle && !rOptions.bFindCircle)
+        rOptions.oCircle = {sFile.oCircle->fCenterX, sFile.oCircle->fCenterY, sFile.oCircle->fRadiusX,
+                            sFile.oCircle->fRadiusY};
 }
 
 void ReadCircle(const std::string& strText, SToolOptions& rOptions)

@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-/// --lens: a known lens, MODEL:FIELD such as equidistant:200, or a lens file. Throws CToolError.
+/// --lens: a known lens, MODEL:FIELD such as equidistant:200, or the name of a lens file, which is
+/// not opened here. Throws CToolError.
 void ReadLens(const std::string& strText, SToolOptions& rOptions);
 /// --circle: CX,CY,R[,RY] or auto. Throws CToolError.
 void ReadCircle(const std::string& strText, SToolOptions& rOptions);
@@ -19,6 +20,8 @@ SOrientation ReadOrientation(const std::string& strText);
 void ReadSpan(const std::string& strText, SViewShape& rShape);
 void ReadBand(const std::string& strText, SViewShape& rShape);
 
+/// Reads the lens file, if one was named; its circle counts where none was given. Throws CToolError.
+void LoadLens(SToolOptions& rOptions);
 /// Looks for the circle where it was asked for, or where nothing was said and the frame is no known camera's;
 /// puts what it found into the options. Returns what there is to say about it. Throws CToolError when a
 /// circle was asked for and there is none.

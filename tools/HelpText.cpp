@@ -2,6 +2,7 @@
 
 const char* const HELP_TEXT =
     R"(Usage: lumor-dewarp [options] INPUT OUTPUT
+       lumor-dewarp lens --help    checks lens files, and fits lenses
 
 Draws a corrected view of a fisheye picture, on the GPU or on the processor.
 Tells on stdout what was written and who drew it.

@@ -12,6 +12,7 @@
 #include "Stats.h"
 #include "ToolError.h"
 #include "ToolLog.h"
+#include "lens/LensCommands.h"
 
 #include <cstdio>
 #include <exception>
@@ -78,6 +79,7 @@ void Dewarp(SToolOptions sOptions)
         sOptions.oRaw ? ReadRawFrame(sOptions.strInput, *sOptions.oRaw) : ReadImage(sOptions.strInput);
     SOverlays sOverlays = LoadOverlays(sOptions);
     oStats.EndStage("decode");
+    LoadLens(sOptions);
     const std::vector<std::string> vCircleNotes = SettleCircle(sFrame, sOptions);
     PrintNotes(ListIgnoredOptions(sOptions, sFrame.nFormat));
     PrintNotes(ListUndrawableTexts(sOverlays.vTexts));
@@ -109,6 +111,8 @@ void Dewarp(SToolOptions sOptions)
 
 int Run(int nArguments, const char* const* ppArguments)
 {
+    if (IsLensCommand(nArguments, ppArguments))
+        return RunLensCommand(nArguments, ppArguments);
     const SCommandLine sLine = ParseCommandLine(nArguments, ppArguments);
     switch (sLine.eAction) {
     case EToolAction::SHOW_HELP:

@@ -61,6 +61,7 @@ struct SToolOptions
     EMountType eMount = MOUNT_CEILING;
     ELensType eLens = LENS_AUTO;
     std::optional<SLens> oLens; ///< in place of eLens
+    std::string strLensFile;    ///< describes oLens; empty: none
     std::optional<SCircle> oCircle;
     bool bFindCircle = false; ///< look for it in the picture
     std::optional<SOrientation> oOrientation;

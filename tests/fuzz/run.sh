@@ -29,6 +29,7 @@ FuzzControlCalls) sCorpus=calls nRuns=20000 aOptions=(-max_len=256 -len_control=
 FuzzFrames) sCorpus=frames nRuns=20000 aOptions=(-max_len=96 -len_control=0 -entropic=0) ;;
 FuzzRawFrames) sCorpus=raw-frames nRuns=200000 aOptions=(-max_len=48 -len_control=0) ;;
 FuzzCommandLine) sCorpus=command-line nRuns=200000 aOptions=(-max_len=300) ;;
+FuzzLensFile) sCorpus=lens-files nRuns=200000 aOptions=(-max_len=2000 -len_control=0) ;;
 *) echo "there is no target $sTarget" >&2; exit 2 ;;
 esac
 # What a driver keeps until its process ends is not the library's: leaks are looked for where the corpora are

@@ -144,6 +144,8 @@ TEST(Options, LensesAreKnownOnesOrModelsWithAField)
     ASSERT_TRUE(sOptions.oLens);
     EXPECT_EQ(sOptions.oLens->eModel, LENS_EQUISOLID);
     EXPECT_DOUBLE_EQ(sOptions.oLens->fField, 212.5);
+    EXPECT_EQ(ParseWithFiles({"--lens", "lens.json"}).strLensFile, "lens.json");
+    EXPECT_EQ(ParseWithFiles({"--lens", "./420"}).strLensFile, "./420");
     for (const char* pLens : {"420", "", "equidistant", "equidistant:", "equidistant:0", "orthographic:181",
                               "fisheye:180", "equidistant:180:1", ":180"})
         EXPECT_TRUE(IsRefused({"in.png", "out.png", "--lens", pLens})) << pLens;

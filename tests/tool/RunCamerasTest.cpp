@@ -94,6 +94,19 @@ TEST_F(RunCameras, APictureWithoutACircleIsSaidToHaveNone)
         << sAuto.strErrors;
 }
 
+TEST_F(RunCameras, ALensFileBringsLensAndCircle)
+{
+    const std::string strLens = m_oFolder.Path("lens.json");
+    const std::string strText = R"({"model": "equidistant", "field": 180, "circle": [318, 181, 172]})";
+    SaveBytes(strLens, TBytes(strText.begin(), strText.end()));
+    const TBytes vGiven = Draw({"--lens", "equidistant:180", "--circle", "318,181,172"});
+    EXPECT_EQ(Draw({"--lens", strLens}), vGiven);
+    EXPECT_NE(Draw({"--lens", strLens, "--circle", "318,181,140"}), vGiven);
+    const SToolRun sRun = RunTool({"--lens", m_oFolder.Path("none.json"), m_strInput, m_strOutput});
+    EXPECT_EQ(sRun.nStatus, 1);
+    EXPECT_EQ(CountLines(sRun.strErrors), 1) << sRun.strErrors;
+}
+
 TEST_F(RunCameras, AMapTellsWhereEveryPixelComesFrom)
 {
     const std::string strMap = m_oFolder.Path("map");

@@ -2,7 +2,8 @@
 
 # To build and run the library and its tools.
 BUILD_PACKAGES="g++ cmake ninja-build pkg-config libegl-dev libgles-dev libegl1 libgles2 libgl1-mesa-dri
-    libcli11-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev"
+    libcli11-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev
+    nlohmann-json3-dev libyaml-cpp-dev libeigen3-dev"
 
 # To test them as well. The benchmarks' library is small, and with it one build folder does for all stages.
 TEST_PACKAGES="$BUILD_PACKAGES libgtest-dev libgmock-dev libbenchmark-dev"
