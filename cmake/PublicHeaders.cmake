@@ -30,17 +30,21 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/records/Enumerations.h
     dewarp/records/SDewarpMatrices.h
     dewarp/records/SDewarpParams.h
+    dewarp/records/SDirection.h
     dewarp/records/SFrameTarget.h
     dewarp/records/SGRect.h
     dewarp/records/SImageProperties.h
     dewarp/records/SPTZLimits.h
+    dewarp/records/SPointD.h
     dewarp/records/SQPInfo.h
+    dewarp/records/SViewShape.h
     dewarp/records/SYUV2RGBConversionParams.h
     dewarp/tables/GPUFont.h
     dewarp/tables/LensDistortion.h
     platform/Export.h
 
     dewarp/android/CustomGPUDewarperVela.h # the dewarper of graphic buffers
+    dewarp/lenses/CircleFinder.h # finds the image circle of a frame before a dewarper is set up
     dewarp/records/YUVColour.h # colours for pictures of graphic buffers
     platform/Assert.h # the assertion that a program may replace
     platform/CurrentContext.h # a member of the dewarper of graphic buffers

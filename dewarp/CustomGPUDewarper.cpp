@@ -175,6 +175,11 @@ bool CCustomGPUDewarper::IsTopDownTarget()
     return false;
 }
 
+bool CCustomGPUDewarper::DrawsFlips()
+{
+    return true;
+}
+
 // Platform hooks. A subclass with a platform behind it overrides them.
 
 bool CCustomGPUDewarper::CheckOSDependentDrawGLSceneInitialization()

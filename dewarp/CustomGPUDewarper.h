@@ -4,6 +4,8 @@
 
 #include "dewarp/DewarperState.h"
 #include "dewarp/lenses/SLens.h"
+#include "dewarp/records/SDirection.h"
+#include "dewarp/records/SViewShape.h"
 #include "platform/Export.h"
 
 struct STargetShape;
@@ -83,6 +85,8 @@ public:
     virtual void BindDefaultFrameBuffer();
     /// True when row 0 of what the next view is drawn into is the top of the picture.
     virtual bool IsTopDownTarget();
+    /// True when the program mirrors the picture as SetFlip asks.
+    virtual bool DrawsFlips();
 
     // What to show.
     void SetViewType(EViewType eView);
@@ -143,6 +147,10 @@ public:
     /// Turns virtual cameras about their axis, positive clockwise as seen from behind.
     void SetRoll(float fDegrees);
     float GetRoll();
+    /// Spans and bands of the views that leave a choice; refused with a log line and false outside their
+    /// limits.
+    bool SetViewShape(const SViewShape& rShape);
+    SViewShape GetViewShape();
     void SetLogGLErrors(bool bEnable);
     bool GetLogGLErrors();
     void SetLogShaderCode(bool bEnable);
@@ -197,6 +205,36 @@ public:
     /// The lens that the picture is drawn with: what LENS_AUTO found; LENS_UNSET before the first frame,
     /// LENS_OWN for a lens of SetLens.
     ELensType GetLensInForce();
+
+    // Where is that? Asked about the picture that was drawn last, as it was drawn: through the view's mesh,
+    // its parts, flips and bars. Points are pixels from the top left corner of the picture or the frame,
+    // pixel centres at halves. Any thread; no GL call. The first question after a view has changed takes the
+    // time that making a mesh takes.
+    /// Points of the frame that are shown at points of the picture; returns how many there are. Where nothing
+    /// is drawn, and before anything was, the result is not a number, and pValid (null: not wanted) false.
+    /// Points and results may be one array. A view that reaches beyond the frame shows the frame's edge
+    /// there: its points lie beside the frame, where the view would have them.
+    int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
+    /// Points of the picture at which points of the frame are shown: the other way. Of several places that
+    /// show one the result is the one that is drawn first.
+    int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
+    /// The same for one point: false, and the results as they were, where there is nothing.
+    bool ViewToFrame(double x, double y, double& fFrameX, double& fFrameY);
+    bool FrameToView(double fFrameX, double fFrameY, double& x, double& y);
+    /// What points of the picture, or of the frame, look at, and where a direction is seen in the picture:
+    /// directions as the mount counts them, an orientation of the body taken out. Results of frames and
+    /// pictures as above; a direction that is none is not a number.
+    int ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount);
+    int DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount);
+    int FrameToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount);
+    bool ViewToDirection(double x, double y, SDirection& rDirection);
+    bool DirectionToView(const SDirection& rDirection, double& x, double& y);
+    bool FrameToDirection(double fFrameX, double fFrameY, SDirection& rDirection);
+    /// Centres the view at a point of the frame, or of the picture that was drawn last, with the next frame;
+    /// as far as its limits allow. False where there is nothing, and in views that have no middle to turn
+    /// there.
+    bool LookAt(double fFrameX, double fFrameY);
+    bool LookAtView(double x, double y);
 
     // What a host would have to guess.
     /// How far pan, tilt and zoom go in a view on a mount, with the mount tilt and its strictness as they

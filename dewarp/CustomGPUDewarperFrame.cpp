@@ -46,7 +46,8 @@ bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
         bResetObjects = false;
     }
     const SPictureSettings sSettings = RequestedSettings(sMainShader);
-    r.oControl.FollowMirrors(MirrorsOf(sSettings.bFlipHorizontal, sSettings.bFlipVertical, nRotation));
+    if (DrawsFlips())
+        r.oControl.FollowMirrors(MirrorsOf(sSettings.bFlipHorizontal, sSettings.bFlipVertical, nRotation));
     const SAppliedRequests sApplied = r.oControl.ApplyRequests();
     pRequestedViewObject = ObjectInForce();
     DecideLayers();
@@ -270,6 +271,7 @@ void CCustomGPUDewarper::FinishFrame(const STargetShape& rTarget)
                                 static_cast<void*>(this), static_cast<int>(nError));
     }
     r.oReadBack.SetDrawn(rTarget.nWidth, rTarget.nHeight);
+    r.oPoints.SetDrawn(r.sDecision, DrawsFlips());
     r.oReport.AllOver();
     bDrawRequired = false;
     nLastDisplayedTimestamp = nLastSetTimestamp;

@@ -82,3 +82,18 @@ float CCustomGPUDewarper::GetRoll()
     CLockScope oScope(*this);
     return pParams->fRoll;
 }
+
+bool CCustomGPUDewarper::SetViewShape(const SViewShape& rShape)
+{
+    CLockScope oScope(*this);
+    const bool bTaken = pRooms->oControl.SetViewShape(rShape);
+    if (bTaken)
+        RequestFrame();
+    return bTaken;
+}
+
+SViewShape CCustomGPUDewarper::GetViewShape()
+{
+    CLockScope oScope(*this);
+    return pParams->sShape;
+}

@@ -104,6 +104,9 @@ CCGPUObjBase* CCustomGPUDewarper::ObjectInForce()
     case MESH_FISHEYE_CIRCULAR:
         return pFisheyeCircular;
     case MESH_OF_VIEW:
+    case MESH_EQUIRECTANGULAR:
+    case MESH_CYLINDRICAL:
+    case MESH_PANINI:
         pRooms->sViews.oAnyView.Show(pRooms->oControl.View());
         return &pRooms->sViews.oAnyView;
     default:

@@ -5,11 +5,14 @@
 #include "dewarp/lenses/SLens.h"
 #include "dewarp/overlays/SGPUString.h"
 #include "dewarp/records/Enumerations.h"
+#include "dewarp/records/SDirection.h"
 #include "dewarp/records/SFrameTarget.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"
+#include "dewarp/records/SPointD.h"
 #include "dewarp/records/SQPInfo.h"
+#include "dewarp/records/SViewShape.h"
 #include "platform/Export.h"
 
 #include <memory>
@@ -136,6 +139,38 @@ public:
     virtual bool GetCleanRim() = 0;
     virtual void SetRoll(float fDegrees) = 0;
     virtual float GetRoll() = 0;
+    virtual bool SetViewShape(const SViewShape& rShape) = 0;
+    virtual SViewShape GetViewShape() = 0;
+
+    // Where is that? Asked about the picture that was drawn last, as it was drawn: through the view's mesh,
+    // its parts, flips and bars. Points are pixels from the top left corner of the picture or the frame,
+    // pixel centres at halves. Any thread; no GL call, no context. The first question after a view has
+    // changed takes the time that making a mesh takes.
+    /// Points of the frame that are shown at points of the picture; returns how many there are. Where nothing
+    /// is drawn, and before anything was, the result is not a number, and pValid (null: not wanted) false.
+    /// Points and results may be one array. A view that reaches beyond the frame shows the frame's edge
+    /// there: its points lie beside the frame, where the view would have them.
+    virtual int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
+    /// Points of the picture at which points of the frame are shown: the other way. Of several places that
+    /// show one the result is the one that is drawn first.
+    virtual int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
+    /// The same for one point: false, and the results as they were, where there is nothing.
+    bool ViewToFrame(double x, double y, double& fFrameX, double& fFrameY);
+    bool FrameToView(double fFrameX, double fFrameY, double& x, double& y);
+    /// What points of the picture, or of the frame, look at, and where a direction is seen in the picture:
+    /// directions as the mount counts them, an orientation of the body taken out. Results of frames and
+    /// pictures as above; a direction that is none is not a number.
+    virtual int ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount);
+    virtual int DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount);
+    virtual int FrameToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount);
+    bool ViewToDirection(double x, double y, SDirection& rDirection);
+    bool DirectionToView(const SDirection& rDirection, double& x, double& y);
+    bool FrameToDirection(double fFrameX, double fFrameY, SDirection& rDirection);
+    /// Centres the view at a point of the frame, or of the picture that was drawn last, with the next frame;
+    /// as far as its limits allow. False where there is nothing, and in views that have no middle to turn
+    /// there.
+    virtual bool LookAt(double fFrameX, double fFrameY);
+    virtual bool LookAtView(double x, double y);
 
     // What a host would have to guess.
     /// Where a view starts on a mount.
@@ -144,6 +179,9 @@ public:
     /// the aspect the view prefers.
     static void GetDefaultSize(EViewType eView, EMountType eMount, int nInputWidth, int nInputHeight,
                                int& nWidth, int& nHeight);
+    /// The same for a view of another span or band.
+    static void GetDefaultSize(EViewType eView, EMountType eMount, const SViewShape& rShape, int nInputWidth,
+                               int nInputHeight, int& nWidth, int& nHeight);
     /// Views by name, as command lines and files write them: null and VIEW_UNSET for those there are not.
     static const char* GetViewName(EViewType eView);
     static EViewType FindViewType(const std::string& strName);

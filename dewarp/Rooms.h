@@ -19,6 +19,7 @@
 #include "dewarp/gl/StringPass.h"
 #include "dewarp/gl/TextureCopies.h"
 #include "dewarp/gl/Textures.h"
+#include "dewarp/mapping/PointMap.h"
 #include "dewarp/overlays/MaskList.h"
 #include "dewarp/overlays/StringList.h"
 #include "dewarp/records/LogTag.h"
@@ -62,6 +63,7 @@ struct SRooms
     CReport oReport{DEWARP_LOG_TAG};
     CControl oControl{oReport};
     SFrameDecision sDecision;
+    CPointMap oPoints; ///< of the picture that was drawn last
     SMaskList sMasks;
     SStringList sStrings;
 

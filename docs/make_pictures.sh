@@ -57,3 +57,21 @@ picture text 320x180 --view vcam --pan 70 --tilt 50 --zoom 120 --text "Terrace  
 ffmpeg -loglevel error -y -i out/contact-sheet.png -vf "scale=960:-2:flags=area,format=yuvj420p" -q:v 4 \
     -frames:v 1 -bitexact docs/pictures/contact-sheet.jpg
 echo docs/pictures/contact-sheet.jpg
+
+# Any camera: the commonest frame there is, a circle of 1080 pixels in 1920x1080.
+ffmpeg -loglevel error -y -i $sCeiling -vf "scale=1080:1080:flags=area,pad=1920:1080:420:0:black" -q:v 2 -frames:v 1 \
+    "$sWork/circle.jpg"
+picture lens-circle-guessed 320x180 --lens ideal --no-clean-rim --view vcam --pan 70 --tilt 60 --zoom 120 "$sWork/circle.jpg"
+picture lens-circle-found 320x180 --view vcam --pan 70 --tilt 60 --zoom 120 "$sWork/circle.jpg"
+picture lens-circle-drawn 320x180 --view fisheye --lens ideal "$sWork/circle.jpg"
+# The rim, twice as large as it is drawn.
+rim() { # NAME ARGUMENTS...
+    "$sTool" --size 1600x640 --mount wall --view panorama --mount-tilt 20 "${@:2}" $sWall "$sWork/$1.png"
+    ffmpeg -loglevel error -y -i "$sWork/$1.png" -vf "crop=180:110:1390:530,scale=360:220:flags=neighbor,format=yuvj420p" \
+        -q:v 4 -frames:v 1 -bitexact "docs/pictures/$1.jpg"
+}
+rim lens-rim-given --lens ideal --no-clean-rim
+rim lens-rim-clean --lens ideal
+picture equirectangular 480x120 --view equirectangular $sCeiling
+picture cylindrical 480x90 --view cylindrical $sCeiling
+picture panini 320x160 --view panini --pan 40 $sCeiling

@@ -8,8 +8,8 @@ Draws a corrected view of a fisheye picture, on the GPU or on the processor.
 Tells on stdout what was written and who drew it.
 
 INPUT    a PNG or JPEG picture (or another still format FFmpeg reads), or bare
-         pixels with --raw. The lens circle lies in the middle and touches the
-         shorter sides. A turn noted in the picture's EXIF data is not applied.
+         pixels with --raw. A turn noted in the picture's EXIF data is not
+         applied.
 OUTPUT   NAME.png, or NAME.raw for bare pixels: rows of B, G, R, A bytes, top
          row first.
 
@@ -32,18 +32,41 @@ View
                           panorama-half (5)     half of the strip
                           panorama-quarter (2)  the strip in two rows
                           dual (6), triple (7)  two or three panes, for ceilings
+                          equirectangular       bearings and heights, in degrees
+                          cylindrical           the same with straight verticals
+                          panini                wide rooms, hardly bent
                           fisheye (3)           the whole input picture, flat
                           circular (9)          the lens circle only, flat
   --mount NAME          how the camera hangs: ceiling (default), floor or wall
   --lens NAME           auto (default: from the size of the picture), 215, 239,
-                        418, 419 or ideal (image height grows with the angle)
+                        418, 419 or ideal (image height grows with the angle); or
+                        MODEL:FIELD, an ideal lens and the degrees across its
+                        circle: equidistant:200, equisolid, stereographic,
+                        orthographic or rectilinear; or a lens file
+  --circle CX,CY,R[,RY] where the lens's circle lies in INPUT, pixels, or auto: it
+                        is looked for in the picture. Without --lens and --circle
+                        it is looked for where the size is no known camera's
+  --mount-orientation YAW,PITCH,ROLL  how the camera's body is turned away from
+                        where its mount says it looks, degrees: to the right, up,
+                        clockwise as seen from behind it
+  --no-clean-rim        views of the known lenses end as they do on the cameras,
+                        not in a smooth edge where the lens's light ends
   --pan DEGREES         -360..360. Cameras: 0 and up (wall: 0..180, default 90);
-                        flat views: -90..90 moves the picture by half its width
+                        flat views: -90..90 moves the picture by half its width;
+                        equirectangular, cylindrical, panini: 0 (default) looks
+                        where INPUT's top is (wall: ahead), right when positive
   --tilt DEGREES        -180..180. Cameras: ceiling 0 (down)..90, floor 90..180
                         (up), wall 0..180 (default 90: level); dual, triple and
-                        wall panorama: -54..54; flat views: -90..90
+                        wall panorama: -54..54; flat views: -90..90;
+                        equirectangular, cylindrical, panini: above the horizon
   --zoom DEGREES        5..180, cameras and flat views. A rectilinear camera sees
                         half of it from top to bottom
+  --roll DEGREES        turns cameras and panini clockwise, -360..360
+  --span H[,V]          degrees that equirectangular, cylindrical and panini show
+                        across and upright; panorama: across
+  --band UPPER,LOWER    edges of ceiling and floor panoramas, degrees off the
+                        optical axis (default 90,39.6)
+  --floor-flip          dual and triple of a floor camera the right way up
   --projection NAME     cameras: rectilinear (default), stereographic or a number
                         between, 0..1
   --mount-tilt DEGREES  -90..90: inclination of a wall camera (wall panoramas)
@@ -85,6 +108,13 @@ Who draws
                         out, as the library does on Android, with OpenGL ES. The
                         picture stays YUV; --interpolation, --flip and --gain
                         have no effect
+
+Files for other programs
+  --map NAME            where each pixel of OUTPUT comes from: NAME-x.f32 and
+                        NAME-y.f32 (floats, 0 in the middle of INPUT's first
+                        pixel), NAME-x.png and NAME-y.png (16 bits, in sixteenths
+                        of a pixel), NAME-x.pgm and NAME-y.pgm (16 bits, whole
+                        pixels, for FFmpeg: -lavfi remap)
 
 Reports
   --stats               milliseconds spent in each stage; one more frame is drawn to

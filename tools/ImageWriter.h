@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -27,3 +28,6 @@ EOutputKind GetOutputKind(const std::string& strPath);
 /// The file's bytes: a PNG of 8-bit RGB (the picture is opaque), or the rows without padding.
 /// Fails: throws CToolError.
 std::vector<unsigned char> EncodePicture(const SPicture& sPicture, EOutputKind eKind);
+
+/// A PNG of 16-bit grey values, rows without padding. Fails: throws CToolError.
+std::vector<unsigned char> EncodeGray16(const std::uint16_t* pValues, int nWidth, int nHeight);

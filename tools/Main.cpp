@@ -1,4 +1,5 @@
 // lumor-dewarp: a fisheye picture in, a dewarped picture out.
+#include "CameraOptions.h"
 #include "FFmpegHandles.h"
 #include "FileIO.h"
 #include "HelpText.h"
@@ -66,7 +67,7 @@ void PrintResult(const SToolOptions& sOptions, const SPicture& sPicture, const s
                 Clean(strEngine).c_str());
 }
 
-void Dewarp(const SToolOptions& sOptions)
+void Dewarp(SToolOptions sOptions)
 {
     const EOutputKind eKind = GetOutputKind(sOptions.strOutput);
     CheckOutputPath(sOptions.strInput, sOptions.strOutput);
@@ -78,6 +79,7 @@ void Dewarp(const SToolOptions& sOptions)
         sOptions.oRaw ? ReadRawFrame(sOptions.strInput, *sOptions.oRaw) : ReadImage(sOptions.strInput);
     SOverlays sOverlays = LoadOverlays(sOptions);
     oStats.EndStage("decode");
+    const std::vector<std::string> vCircleNotes = SettleCircle(sFrame, sOptions);
     PrintNotes(ListIgnoredOptions(sOptions, sFrame.nFormat));
     PrintNotes(ListUndrawableTexts(sOverlays.vTexts));
 
@@ -96,6 +98,11 @@ void Dewarp(const SToolOptions& sOptions)
     oStats.EndStage("encode");
     WriteFile(sOptions.strOutput, vBytes.data(), vBytes.size());
     oStats.EndStage("write");
+    PrintNotes(vCircleNotes);
+    if (!sOptions.strMapName.empty()) {
+        WriteViewMap(sOptions.strMapName, oSession.GetMap(sPicture));
+        oStats.EndStage("map");
+    }
     PrintResult(sOptions, sPicture, oSession.GetEngineText());
     if (sOptions.bStats)
         std::fputs(oStats.Format().c_str(), stdout);

@@ -83,9 +83,15 @@ EMountType ReadMount(const std::string& strText)
     return static_cast<EMountType>(ReadName("--mount", strText, MOUNT_NAMES));
 }
 
-ELensType ReadLens(const std::string& strText)
+bool FindLensName(const std::string& strText, ELensType& rLens)
 {
-    return static_cast<ELensType>(ReadName("--lens", strText, LENS_NAMES));
+    for (const SName& rName : LENS_NAMES) {
+        if (strText != rName.pName)
+            continue;
+        rLens = static_cast<ELensType>(rName.nValue);
+        return true;
+    }
+    return false;
 }
 
 EInterpolationType ReadInterpolation(const std::string& strText)

@@ -46,6 +46,18 @@ bool IsStripView(EViewType eView)
     return eView == VIEW_PANORAMA_FULL || eView == VIEW_PANORAMA_HALF || eView == VIEW_PANORAMA_QUARTER;
 }
 
+/// Equirectangular, cylindrical, panini.
+bool IsSurfaceView(EViewType eView)
+{
+    return eView >= VIEW_EQUIRECTANGULAR && eView <= VIEW_PANINI;
+}
+
+bool IsFloorPanes(const SToolOptions& sOptions)
+{
+    return sOptions.eMount == MOUNT_FLOOR &&
+           (sOptions.eView == VIEW_PANORAMA_DUAL || sOptions.eView == VIEW_PANORAMA_TRIPLE);
+}
+
 std::string FormatDegrees(float fDegrees)
 {
     char aText[32];
@@ -77,7 +89,8 @@ std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nI
     };
     Note(sOptions.oTilt && !HasTilt(sOptions), "--tilt", "view " + strView + " tilts on a wall mount only");
     Note(sOptions.oZoom && !HasZoom(sOptions), "--zoom", "view " + strView + " does not zoom");
-    Note(sOptions.oMountTilt && !bWallStrip, "--mount-tilt",
+    const bool bWallSurface = IsSurfaceView(sOptions.eView) && sOptions.eMount == MOUNT_WALL;
+    Note(sOptions.oMountTilt && !bWallStrip && !bWallSurface, "--mount-tilt",
          "it counts in the panoramas of a wall mount only");
     Note(!sOptions.bStrictTilt && !(bWallStrip && sOptions.oMountTilt.value_or(0.0f) != 0.0f),
          "--no-strict-tilt", "it counts in the panoramas of a wall mount with a --mount-tilt only");
@@ -85,6 +98,18 @@ std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nI
          "only the views fisheye and circular turn");
     Note(sOptions.oEyeDistance && !IsCameraView(sOptions.eView), "--projection",
          "only the views vcam and quad have one");
+    Note(sOptions.oRoll && !IsCameraView(sOptions.eView) && sOptions.eView != VIEW_PANINI, "--roll",
+         "only the views vcam, quad and panini roll");
+    const bool bBand = IsStripView(sOptions.eView) && sOptions.eMount != MOUNT_WALL;
+    Note(sOptions.sShape.fSpanX > 0.0f && !IsSurfaceView(sOptions.eView) &&
+             !(bBand && sOptions.eView == VIEW_PANORAMA_FULL),
+         "--span", "view " + strView + " has one of its own");
+    Note(sOptions.sShape.HasBand() && !bBand, "--band",
+         "only the panoramas of ceiling and floor cameras have one");
+    Note(sOptions.sShape.bFloorFlip && !IsFloorPanes(sOptions), "--floor-flip",
+         "it counts for the views dual and triple of a floor camera");
+    Note(sOptions.oOrientation && IsFlatView(sOptions.eView), "--mount-orientation",
+         "flat views show the frame");
     if (sOptions.eView == VIEW_VCAM_QUAD && sOptions.eMount == MOUNT_WALL)
         vNotes.push_back("--view quad shows one camera only: the mount is a wall");
     Note(sOptions.oGains && nInputFormat == IMAGE_FORMAT_GRAY8, "--gain", "the input is gray");

@@ -177,6 +177,22 @@ float ReadProjection(const std::string& strText)
     return fDistance;
 }
 
+std::vector<float> ReadNumbers(const char* pOption, const std::string& strText, std::size_t nLeast,
+                               std::size_t nMost, float fMost, const char* pExpected)
+{
+    const std::vector<std::string> vParts = Split(strText, ',');
+    if (vParts.size() < nLeast || vParts.size() > nMost)
+        Refuse(pOption, strText, pExpected);
+    std::vector<float> vNumbers;
+    for (const std::string& strPart : vParts) {
+        float fValue = 0.0f;
+        if (!ParseWhole(strPart, fValue) || !(std::fabs(fValue) <= fMost))
+            Refuse(pOption, strText, pExpected);
+        vNumbers.push_back(fValue);
+    }
+    return vNumbers;
+}
+
 void ReadTextAlign(const std::string& strText, SGPUString& sString)
 {
     const char* pExpected = "left, center or right, if wanted followed by ,top ,middle or ,bottom";

@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include "CameraOptions.h"
 #include "Names.h"
 #include "OptionValues.h"
 #include "ToolError.h"
@@ -21,6 +22,7 @@ struct SOptionTexts
     TText oInterpolation, oYUVSpace, oYUVRange, oGain, oFlip, oRotation;
     TText oInputOverlay, oOutputOverlay, oMaskFile, oStringsFile;
     TText oEngine, oThreads;
+    TText oCircle, oOrientation, oRoll, oSpan, oBand, oMap;
     TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns;
     bool bNoStrictTilt = false;
     bool bBuffers = false;
@@ -29,6 +31,8 @@ struct SOptionTexts
     bool bHelp = false;
     bool bVersion = false;
     bool bExactGeometry = false;
+    bool bGivenRim = false;
+    bool bFloorFlip = false;
 };
 
 void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
@@ -41,6 +45,8 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
     oApp.add_flag("--stats", sTexts.bStats);
     oApp.add_flag("--verbose", sTexts.bVerbose);
     oApp.add_flag("--no-strict-tilt", sTexts.bNoStrictTilt);
+    oApp.add_flag("--no-clean-rim", sTexts.bGivenRim);
+    oApp.add_flag("--floor-flip", sTexts.bFloorFlip);
 
     oApp.add_option("INPUT", sTexts.oInput);
     oApp.add_option("OUTPUT", sTexts.oOutput);
@@ -67,6 +73,12 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
         {"--strings-file", &sTexts.oStringsFile},
         {"--engine", &sTexts.oEngine},
         {"--threads", &sTexts.oThreads},
+        {"--circle", &sTexts.oCircle},
+        {"--mount-orientation", &sTexts.oOrientation},
+        {"--roll", &sTexts.oRoll},
+        {"--span", &sTexts.oSpan},
+        {"--band", &sTexts.oBand},
+        {"--map", &sTexts.oMap},
     };
     for (const auto& [pName, pText] : aSingle)
         oApp.add_option(pName, *pText)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -98,8 +110,6 @@ void ReadViewOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
         sOptions.eView = ReadView(*sTexts.oView);
     if (sTexts.oMount)
         sOptions.eMount = ReadMount(*sTexts.oMount);
-    if (sTexts.oLens)
-        sOptions.eLens = ReadLens(*sTexts.oLens);
     if (sTexts.oPan)
         sOptions.oPan = ReadFloat("--pan", *sTexts.oPan, -360.0f, 360.0f, "degrees");
     if (sTexts.oTilt)
@@ -111,6 +121,24 @@ void ReadViewOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
     sOptions.bStrictTilt = !sTexts.bNoStrictTilt;
     if (sTexts.oProjection)
         sOptions.oEyeDistance = ReadProjection(*sTexts.oProjection);
+}
+
+void ReadCameraOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
+{
+    if (sTexts.oLens)
+        ReadLens(*sTexts.oLens, sOptions);
+    if (sTexts.oCircle)
+        ReadCircle(*sTexts.oCircle, sOptions);
+    if (sTexts.oOrientation)
+        sOptions.oOrientation = ReadOrientation(*sTexts.oOrientation);
+    if (sTexts.oRoll)
+        sOptions.oRoll = ReadFloat("--roll", *sTexts.oRoll, -360.0f, 360.0f, "degrees");
+    sOptions.bCleanRim = !sTexts.bGivenRim;
+    if (sTexts.oSpan)
+        ReadSpan(*sTexts.oSpan, sOptions.sShape);
+    if (sTexts.oBand)
+        ReadBand(*sTexts.oBand, sOptions.sShape);
+    sOptions.sShape.bFloorFlip = sTexts.bFloorFlip;
 }
 
 void ReadPictureOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
@@ -229,10 +257,12 @@ SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
     }
     ReadFileOptions(sTexts, sLine.sOptions);
     ReadViewOptions(sTexts, sLine.sOptions);
+    ReadCameraOptions(sTexts, sLine.sOptions);
     ReadPictureOptions(sTexts, sLine.sOptions);
     ReadOverlayOptions(sTexts, sLine.sOptions);
     ReadEngineOptions(sTexts, sLine.sOptions);
     sLine.sOptions.bStats = sTexts.bStats;
     sLine.sOptions.bVerbose = sTexts.bVerbose;
+    sLine.sOptions.strMapName = sTexts.oMap.value_or("");
     return sLine;
 }

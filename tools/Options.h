@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/Dewarper.h"
+#include "dewarp/lenses/SLens.h"
 #include "dewarp/overlays/SGPUString.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SGRect.h"
@@ -32,6 +33,23 @@ struct SGains
     float fChroma = 1.0f;
 };
 
+/// Where the lens's circle lies in the input, pixels.
+struct SCircle
+{
+    float fCenterX = 0.0f;
+    float fCenterY = 0.0f;
+    float fRadiusX = 0.0f;
+    float fRadiusY = 0.0f;
+};
+
+/// Degrees.
+struct SOrientation
+{
+    float fYaw = 0.0f;
+    float fPitch = 0.0f;
+    float fRoll = 0.0f;
+};
+
 /// Every option; those without a value were not given. Degrees and pixels.
 struct SToolOptions
 {
@@ -42,6 +60,13 @@ struct SToolOptions
     EViewType eView = VIEW_VCAM;
     EMountType eMount = MOUNT_CEILING;
     ELensType eLens = LENS_AUTO;
+    std::optional<SLens> oLens; ///< in place of eLens
+    std::optional<SCircle> oCircle;
+    bool bFindCircle = false; ///< look for it in the picture
+    std::optional<SOrientation> oOrientation;
+    std::optional<float> oRoll;
+    bool bCleanRim = true;
+    SViewShape sShape; ///< spans and bands
     std::optional<float> oPan;
     std::optional<float> oTilt;
     std::optional<float> oZoom;
@@ -70,6 +95,7 @@ struct SToolOptions
     bool bBuffers = false;       ///< through graphic buffers
     bool bStats = false;
     bool bVerbose = false;
+    std::string strMapName; ///< of the view's coordinate map; empty: none
 };
 
 /// What to do with a command line that could be read.

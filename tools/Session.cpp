@@ -8,10 +8,11 @@
 
 #include <cstddef>
 
-SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput)
+SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput, const SViewShape& rShape)
 {
     SSize sSize;
-    CDewarper::GetDefaultSize(eView, eMount, sInput.nWidth, sInput.nHeight, sSize.nWidth, sSize.nHeight);
+    CDewarper::GetDefaultSize(eView, eMount, rShape, sInput.nWidth, sInput.nHeight, sSize.nWidth,
+                              sSize.nHeight);
     return sSize;
 }
 
@@ -76,7 +77,8 @@ void ThrowNoDriver(const std::string& strReason, const char* pElse)
 
 std::unique_ptr<CDewarpSession> StartSession(const SToolOptions& sOptions, SSize sInput, const CToolLog& rLog)
 {
-    const SSize sSize = sOptions.oSize.value_or(GetDefaultSize(sOptions.eView, sOptions.eMount, sInput));
+    const SSize sSize =
+        sOptions.oSize.value_or(GetDefaultSize(sOptions.eView, sOptions.eMount, sInput, sOptions.sShape));
     if (sOptions.bBuffers)
         return StartBufferSession(sOptions, sSize);
     std::unique_ptr<CDewarper> pDewarper = CreateDewarper(sOptions.eEngine, sSize.nWidth, sSize.nHeight);

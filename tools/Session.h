@@ -6,6 +6,7 @@
 #include "ImageWriter.h"
 #include "Options.h"
 #include "Overlays.h"
+#include "ViewMap.h"
 
 #include <memory>
 #include <string>
@@ -14,7 +15,8 @@
 class CToolLog;
 
 /// The output's size when none is asked for: one in which the view has no bars.
-SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput);
+SSize GetDefaultSize(EViewType eView, EMountType eMount, SSize sInput,
+                     const SViewShape& rShape = SViewShape());
 
 /// Fails: throws CToolError with what the library logged. Everything on one thread.
 class CDewarpSession
@@ -33,6 +35,8 @@ public:
     virtual SPicture ReadBack() = 0;
     /// What the engine and the view's limits left of what was asked for; after Draw.
     virtual std::vector<std::string> GetNotes() = 0;
+    /// Where the pixels of the picture that was drawn come from.
+    virtual SViewMap GetMap(const SPicture& rPicture) = 0;
     /// Who draws: never ENGINE_AUTO.
     virtual EDewarpEngine GetEngine() = 0;
     /// The same, and what it runs on, for a line of text.

@@ -16,6 +16,7 @@ public:
     void DrawFirst(SFrame& sFrame, SOverlays& sOverlays) final;
     void Draw(SFrame& sFrame) final;
     std::vector<std::string> GetNotes() override;
+    SViewMap GetMap(const SPicture& rPicture) override;
 
 protected:
     explicit CSessionOf(const SToolOptions& sOptions) : m_sOptions(sOptions) {}
@@ -34,6 +35,7 @@ protected:
 
 private:
     void ApplyView();
+    void ApplyCamera();
     void ApplyPTZ();
     void ApplyOverlays(SOverlays& sOverlays);
 };
@@ -51,13 +53,36 @@ void CSessionOf<TDewarper>::ThrowUndrawn()
     ThrowFailure("the frame could not be drawn" + GetReason() + "; --verbose shows the whole log");
 }
 
+/// Lens, circle and how the body hangs.
+template <class TDewarper>
+void CSessionOf<TDewarper>::ApplyCamera()
+{
+    TDewarper& rDewarper = GetDewarper();
+    rDewarper.SetLensType(m_sOptions.eLens);
+    if (m_sOptions.oLens && !rDewarper.SetLens(*m_sOptions.oLens))
+        ThrowFailure("the lens cannot be drawn with" + GetReason());
+    if (m_sOptions.oCircle) {
+        const SCircle& c = *m_sOptions.oCircle;
+        if (!rDewarper.SetImageCircle(c.fCenterX, c.fCenterY, c.fRadiusX, c.fRadiusY))
+            ThrowFailure("the circle was refused" + GetReason());
+    }
+    if (m_sOptions.oOrientation) {
+        const SOrientation& o = *m_sOptions.oOrientation;
+        rDewarper.SetMountOrientation(o.fYaw, o.fPitch, o.fRoll);
+    }
+    rDewarper.SetCleanRim(m_sOptions.bCleanRim);
+    rDewarper.SetRoll(m_sOptions.oRoll.value_or(0.0f));
+    if (!rDewarper.SetViewShape(m_sOptions.sShape))
+        ThrowFailure("span or band were refused" + GetReason());
+}
+
 template <class TDewarper>
 void CSessionOf<TDewarper>::ApplyView()
 {
     TDewarper& rDewarper = GetDewarper();
     rDewarper.SetViewType(m_sOptions.eView);
     rDewarper.SetMountType(m_sOptions.eMount);
-    rDewarper.SetLensType(m_sOptions.eLens);
+    ApplyCamera();
     rDewarper.SetInterpolationType(m_sOptions.eInterpolation);
     rDewarper.SetYUVparams(m_sOptions.oYUVSpace.value_or(YUV_SPACE_AUTO),
                            m_sOptions.oYUVRange.value_or(YUV_RANGE_AUTO));
@@ -143,4 +168,23 @@ std::vector<std::string> CSessionOf<TDewarper>::GetNotes()
     if (m_sOptions.oThreads && GetEngine() == ENGINE_GL)
         vNotes.emplace_back("--threads has no effect: OpenGL ES draws");
     return vNotes;
+}
+
+template <class TDewarper>
+SViewMap CSessionOf<TDewarper>::GetMap(const SPicture& rPicture)
+{
+    SViewMap sMap;
+    sMap.nWidth = rPicture.nWidth;
+    sMap.nHeight = rPicture.nHeight;
+    std::vector<SPointD> vPoints(static_cast<std::size_t>(rPicture.nWidth));
+    for (int y = 0; y < rPicture.nHeight; ++y) {
+        for (int x = 0; x < rPicture.nWidth; ++x)
+            vPoints[static_cast<std::size_t>(x)] = {x + 0.5, y + 0.5};
+        GetDewarper().ViewToFrame(vPoints.data(), vPoints.data(), nullptr, rPicture.nWidth);
+        for (const SPointD& rPoint : vPoints) {
+            sMap.vX.push_back(static_cast<float>(rPoint.x - 0.5));
+            sMap.vY.push_back(static_cast<float>(rPoint.y - 0.5));
+        }
+    }
+    return sMap;
 }

@@ -60,6 +60,7 @@ public:
     int HandleStrings(int nWidth, int nHeight) override;
     void BindDefaultFrameBuffer() override;
     bool IsTopDownTarget() override;
+    bool DrawsFlips() override;
 
     // State, open as that of the base class.
     int nTargetWidth = 0;

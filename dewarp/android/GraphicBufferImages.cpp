@@ -320,6 +320,11 @@ bool CCustomGPUDewarperVela::IsTopDownTarget()
     return !NeedsFrameTexture();
 }
 
+bool CCustomGPUDewarperVela::DrawsFlips()
+{
+    return false;
+}
+
 std::string CCustomGPUDewarperVela::GetVertexShaderCode()
 {
     return YUVTargetVertexText(mDrawToTexture);

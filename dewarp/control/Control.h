@@ -43,6 +43,7 @@ public:
     /// 0, 90, 180 or 270. bChanged: it is another than before.
     bool SetRotation(int nDegrees, bool& bChanged);
     bool SetEyeDistance(float fDistance);
+    bool SetViewShape(const SViewShape& rShape);
     /// Degrees; positive turns virtual cameras clockwise as seen from behind.
     bool SetRoll(float fDegrees);
 
@@ -68,6 +69,8 @@ public:
     void GetPTZAnalog(float& fPan, float& fTilt, float& fZoom);
     bool IsMoving();
     void GetPTZ(float& fPan, float& fTilt, float& fZoom) const;
+    /// Centres the view in force there. False where it cannot be turned.
+    bool LookAt(const SLookTarget& rTarget);
     void OnMouseDown(int x, int y);
     bool OnMouseMove(int x, int y, bool bLockX, bool bLockY, const SDrawnPicture& rPicture, bool bInForce);
     void OnMouseUp();

@@ -119,7 +119,7 @@ bool CControl::CircleInForce(float& fCenterX, float& fCenterY, float& fRadiusX, 
     if (!sSaid.sCircle.IsSet() && (sParams.nImageWidth < 1 || !bLens))
         return false;
     const SRimEllipse sRim =
-        CLensMap(sParams.pOptics.get(), sParams.eLensType, sParams.nImageWidth, sParams.nImageHeight, false)
+        CLensMap(sParams.pOptics.get(), sParams.eLensType, sParams.nImageWidth, sParams.nImageHeight)
             .FrameRim();
     fCenterX = static_cast<float>(sRim.fCenterX);
     fCenterY = static_cast<float>(sRim.fCenterY);

@@ -123,6 +123,16 @@ void CControl::GetPTZ(float& fPan, float& fTilt, float& fZoom) const
     fZoom = sParams.fZoom;
 }
 
+bool CControl::LookAt(const SLookTarget& rTarget)
+{
+    SDewarpParams sTurned = sParams;
+    if (!View().LookAt(rTarget, sTurned)) {
+        m_rReport.Refuse("%s: this view cannot be turned to a place", "LookAt");
+        return false;
+    }
+    return AbsolutePTZ(sTurned.fPan, sTurned.fTilt, sTurned.fZoom);
+}
+
 void CControl::OnMouseDown(int x, int y)
 {
     sMouseAnchor = {x, y};

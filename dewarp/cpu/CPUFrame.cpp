@@ -3,7 +3,7 @@
 #include "dewarp/cpu/CPUState.h"
 
 #include "dewarp/cpu/WorkerPool.h"
-#include "dewarp/records/Mirrors.h"
+#include "dewarp/mapping/ViewRules.h"
 #include "dewarp/records/PackYUV.h"
 
 #include <algorithm>
@@ -45,7 +45,7 @@ void CCustomCPUDewarper::SState::PrepareView()
     }
     sDecision.sPicture = sPicture;
     PrepareMesh();
-    const SFrameShape sShape = {sImage.nWidth, sImage.nHeight, sMirrors.bX, sMirrors.bY};
+    const SFrameShape sShape = FrameShapeOf(sDecision);
     if (bGridBuilt && sGridShape == sShape)
         return;
     bGridBuilt = false;
@@ -63,7 +63,7 @@ void CCustomCPUDewarper::SState::PrepareMesh()
     sMeshBuiltFor = SMeshKey();
     bGridBuilt = false;
     sDecision.pView->BuildMesh(oGeometry, sDecision.sMesh);
-    oMesh.Build(oGeometry, sDecision.sMesh.eMesh == MESH_FISHEYE_CIRCULAR);
+    oMesh.Build(oGeometry, IsFan(sDecision.sMesh));
     sMeshBuiltFor = sDecision.sMesh;
 }
 
@@ -182,6 +182,7 @@ bool CCustomCPUDewarper::SState::Draw(const SFrameTarget* pTarget, const char* p
             return false;
     }
     oReport.AllOver();
+    oPoints.SetDrawn(sDecision, true);
     oControl.bDrawRequired = false;
     nLastDisplayed = nLastSet;
     return true;

@@ -9,6 +9,7 @@
 #include "dewarp/cpu/FrameLayers.h"
 #include "dewarp/cpu/ScratchRows.h"
 #include "dewarp/geometry/CustomGPUGeometry.h"
+#include "dewarp/mapping/PointMap.h"
 #include "dewarp/records/LogTag.h"
 #include "platform/Report.h"
 
@@ -65,6 +66,7 @@ struct CCustomCPUDewarper::SState
     bool bGridBuilt = false; ///< for the decision, mesh and shape
     unsigned int nGridNumber = 0;
     SFrameShape sGridShape;
+    CPointMap oPoints; ///< of the picture that was drawn last
 
     /// Rows of cells that something lies over are finished here before the host's memory sees them.
     CScratchRows oScratch;

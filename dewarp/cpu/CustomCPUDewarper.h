@@ -60,6 +60,8 @@ public:
     bool GetCleanRim() override;
     void SetRoll(float fDegrees) override;
     float GetRoll() override;
+    bool SetViewShape(const SViewShape& rShape) override;
+    SViewShape GetViewShape() override;
     void AbsolutePTZ(float fPan, float fTilt, float fZoom) override;
     void RelativePTZ(float fPan, float fTilt, float fZoom) override;
     void AnaloguePTZ(float fPan, float fTilt, float fZoom) override;
@@ -87,10 +89,19 @@ public:
     /// Takes what each pixel shows from the view's definition and the lens instead of from the view's mesh:
     /// at most 0.01 frame pixels from the optics, without the mesh's 0.16 on average and without the pixel
     /// that virtual cameras stand beside it. Off at first: then pictures are those of the GL engine. A view
-    /// costs more to move. Thread: any. Fails: never.
+    /// costs more to move. Where a point is shown is told by the mesh either way. Thread: any. Fails: never.
     void SetExactGeometry(bool bExact);
     bool GetExactGeometry();
+    int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
+    int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
+    int ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) override;
+    int DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount) override;
+    int FrameToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) override;
+    bool LookAt(double fFrameX, double fFrameY) override;
+    bool LookAtView(double x, double y) override;
     using CDewarper::DrawTo;
+    using CDewarper::FrameToView;
+    using CDewarper::ViewToFrame;
 
 private:
     struct SState;

@@ -79,3 +79,18 @@ float CCustomCPUDewarper::GetRoll()
     const CCPULock oLock(pState->oMutex);
     return pState->oControl.sParams.fRoll;
 }
+
+bool CCustomCPUDewarper::SetViewShape(const SViewShape& rShape)
+{
+    const CCPULock oLock(pState->oMutex);
+    const bool bTaken = pState->oControl.SetViewShape(rShape);
+    if (bTaken)
+        pState->RequestFrame();
+    return bTaken;
+}
+
+SViewShape CCustomCPUDewarper::GetViewShape()
+{
+    const CCPULock oLock(pState->oMutex);
+    return pState->oControl.sParams.sShape;
+}

@@ -1,6 +1,7 @@
 // Cells whose pixels are drawn one by one: the triangles themselves, by the rules of GL.
 
 #include "dewarp/cpu/ViewGrid.h"
+#include "dewarp/mapping/ViewRules.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,9 +55,7 @@ SEdges EdgesOf(const SScreenTriangle& t)
         e.nStepY = (x[n] - x[k]) * nTurn;
         e.nX = x[k];
         e.nY = y[k];
-        // Left edges and level upper edges are the triangle's own.
-        const bool bOwn = e.nStepX > 0 || (e.nStepX == 0 && e.nStepY > 0);
-        e.nBias = bOwn ? 0 : -1;
+        e.nBias = IsOwnEdge(e.nStepX, e.nStepY) ? 0 : -1;
     }
     return sEdges;
 }
@@ -141,8 +140,7 @@ static void FillCell(const SScreenTriangle& t, const SEdges& rEdges, const SCuts
             double u = 0.0;
             double v = 0.0;
             ShowPoint(t, pOptics, dx, dy, u, v);
-            if ((rCuts.bDepth && t.sZ.At(dx, dy) < rCuts.fDepth) ||
-                (rCuts.bRows && (v < rCuts.fLowestRow || v > rCuts.fHighestRow)))
+            if (!rCuts.Keep(t, dx, dy, v))
                 continue;
             const int n = y * CELL_SIDE + x;
             rCell.nCovered |= std::uint64_t{1} << n;

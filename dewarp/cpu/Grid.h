@@ -3,6 +3,7 @@
 /// single pixels where a grid does not do.
 #pragma once
 
+#include "dewarp/mapping/FramePosition.h"
 #include "dewarp/records/SGRect.h"
 
 #include <cstddef>
@@ -12,9 +13,6 @@
 /// Side of a cell, pixels.
 inline constexpr int CELL_SIDE = 8;
 inline constexpr int CELL_PIXELS = CELL_SIDE * CELL_SIDE;
-/// Fraction bits of a position. A cell whose texels fit into 16 x 16 steps its positions in 16 bits.
-inline constexpr int POSITION_BITS = 11;
-inline constexpr int POSITION_ONE = 1 << POSITION_BITS;
 
 /// A point that shows nothing: so far away that whatever is computed from it shows it.
 inline constexpr std::int32_t NOWHERE = -(1 << 29);

@@ -40,8 +40,7 @@ void FillOddTriangle(const SScreenTriangle& t, const SCuts& rCuts, const CPixelO
             double u = 0.0;
             double v = 0.0;
             ShowPoint(t, pOptics, x, dy, u, v);
-            if ((!rCuts.bDepth || t.sZ.At(x, dy) >= rCuts.fDepth) &&
-                (!rCuts.bRows || (v >= rCuts.fLowestRow && v <= rCuts.fHighestRow)))
+            if (rCuts.Keep(t, x, dy, v))
                 pPoints[n] = PositionAt(u, v);
         }
     });

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dewarp/cpu/Grid.h"
-#include "dewarp/cpu/ScreenTriangle.h"
+#include "dewarp/mapping/ScreenTriangle.h"
 
 class CPixelOptics;
 

@@ -2,6 +2,7 @@
 
 #include "dewarp/cpu/GridLoops.h"
 #include "dewarp/cpu/ViewGrid.h"
+#include "dewarp/mapping/ViewRules.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 /// What a pixel of a view's part shows by the view's definition.
 #pragma once
 
-#include "dewarp/cpu/Projection.h"
 #include "dewarp/geometry/ViewOptics.h"
+#include "dewarp/mapping/Projection.h"
 
 /// From pixels of the target through the part's matrix to the mesh's surface, and from there to the frame.
 /// Owns: nothing; lenses must outlive it. Thread: any. Fails: never.

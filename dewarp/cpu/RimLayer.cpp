@@ -114,7 +114,7 @@ bool FadeCell(const CCoverage& rCoverage, const SGridPoint* pPositions, std::uin
             continue;
         const double fInside = rCoverage.Of(asPlaces[i], StepAlong(asPlaces, nCovered, i, i % CELL_SIDE, 1),
                                             StepAlong(asPlaces, nCovered, i, i / CELL_SIDE, CELL_SIDE));
-        pPixels[i] = static_cast<std::uint32_t>(255.0 * (1.0 - fInside) + 0.5) << 24;
+        pPixels[i] = static_cast<std::uint32_t>(std::lround(255.0 * (1.0 - fInside))) << 24;
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #include "dewarp/cpu/ViewGrid.h"
 
 #include "dewarp/cpu/WorkerPool.h"
+#include "dewarp/mapping/ViewRules.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -13,15 +14,6 @@ const int DENSE_FROM = 50;
 /// Strips are not thinner than so many rows of cells.
 const int THINNEST_STRIP = 8;
 
-SGRect Common(const SGRect& rA, const SGRect& rB)
-{
-    const int nLeft = std::max(rA.x, rB.x);
-    const int nTop = std::max(rA.y, rB.y);
-    const int nRight = std::min(rA.x + rA.width, rB.x + rB.width);
-    const int nBottom = std::min(rA.y + rA.height, rB.y + rB.height);
-    return {nLeft, nTop, std::max(nRight - nLeft, 0), std::max(nBottom - nTop, 0)};
-}
-
 /// Takes one rectangle away from others.
 void Subtract(const SGRect& rCut, std::vector<SGRect>& rRects)
 {
@@ -29,7 +21,7 @@ void Subtract(const SGRect& rCut, std::vector<SGRect>& rRects)
     std::size_t nKept = 0;
     for (std::size_t n = 0; n < nRects; ++n) {
         const SGRect r = rRects[n];
-        const SGRect s = Common(r, rCut);
+        const SGRect s = CommonRect(r, rCut);
         if (s.width == 0 || s.height == 0) {
             rRects[nKept++] = r;
             continue;
@@ -57,12 +49,7 @@ void CViewGrid::Build(const SFrameDecision& rDecision, const CMeshIndex& rMesh, 
     m_pMesh = &rMesh;
     m_nThreads = nThreads;
     m_nParts = 0;
-    m_sCuts = SCuts();
-    m_sCuts.bDepth = rDecision.sBands.fDepth != 0.0f;
-    m_sCuts.fDepth = static_cast<double>(rDecision.sBands.fDepth);
-    m_sCuts.bRows = rDecision.sBands.bTexCoordRows;
-    m_sCuts.fLowestRow = -0.5 * POSITION_ONE;
-    m_sCuts.fHighestRow = (static_cast<double>(rFrame.nHeight) - 0.5) * POSITION_ONE;
+    m_sCuts = CutsOf(rDecision.sBands, rFrame);
     // Half a pixel in full resolution is a quarter in half resolution, where pixels lie as much further in.
     const int nHalf = POSITION_ONE / 2;
     m_sInside = {nHalf, nHalf, (rFrame.nWidth / 2 * 2 - 1) * POSITION_ONE - nHalf,
@@ -84,13 +71,7 @@ void CViewGrid::Build(const SFrameDecision& rDecision, const CMeshIndex& rMesh, 
 /// The grid of a part's rectangle, made for the first part that lies there; -1 when nothing of it is seen.
 int CViewGrid::LayOut(const SViewPart& rPart, const SFrameDecision& rDecision)
 {
-    SGRect sRect = Common({0, 0, rDecision.sTarget.nWidth, rDecision.sTarget.nHeight},
-                          {rPart.nX, rPart.nY, rPart.nWidth, rPart.nHeight});
-    const int* const p = rDecision.sBands.anPlanes;
-    if (p[0] != -1 && p[1] != -1)
-        sRect = Common(sRect, {p[0], sRect.y, p[1] - p[0], sRect.height});
-    if (p[2] != -1 && p[3] != -1)
-        sRect = Common(sRect, {sRect.x, p[2], sRect.width, p[3] - p[2]});
+    const SGRect sRect = PartRect(rPart, rDecision);
     if (sRect.width < 1 || sRect.height < 1)
         return -1;
     for (int g = 0; g < m_nParts; ++g) {
@@ -172,30 +153,6 @@ void CViewGrid::FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep)
         for (int n = ExactBefore(rGrid, sStrip.nFirst); n < ExactBefore(rGrid, sStrip.nEnd); ++n)
             SetLines(rGrid.vExact[static_cast<std::size_t>(n)], m_sInside);
     });
-}
-
-bool CViewGrid::IsCut(const SScreenTriangle& t, const SCuts& rCuts, bool& bGone)
-{
-    bGone = false;
-    if (!rCuts.Any())
-        return false;
-    int nOutDepth = 0;
-    int nBelow = 0;
-    int nAbove = 0;
-    for (int i = 0; i < 3; ++i) {
-        const double dx = t.afX[i] - t.afX[0];
-        const double dy = t.afY[i] - t.afY[0];
-        nOutDepth += rCuts.bDepth && t.sZ.At(dx, dy) < rCuts.fDepth ? 1 : 0;
-        if (!rCuts.bRows)
-            continue;
-        double u = 0.0;
-        double v = 0.0;
-        t.Show(dx, dy, u, v);
-        nBelow += v < rCuts.fLowestRow ? 1 : 0;
-        nAbove += v > rCuts.fHighestRow ? 1 : 0;
-    }
-    bGone = nOutDepth == 3 || nBelow == 3 || nAbove == 3;
-    return nOutDepth + nBelow + nAbove > 0;
 }
 
 std::size_t CViewGrid::CountBytes() const

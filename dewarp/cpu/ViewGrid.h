@@ -6,7 +6,7 @@
 #include "dewarp/cpu/Grid.h"
 #include "dewarp/cpu/GridLoops.h"
 #include "dewarp/cpu/PixelOptics.h"
-#include "dewarp/cpu/Projection.h"
+#include "dewarp/mapping/Projection.h"
 
 /// Rasterises the view's triangles, in their order, into one grid for each rectangle of the target that the
 /// view has parts in. Cells that a border of the mesh, a cut or a kink crosses get a position for each pixel
@@ -62,7 +62,6 @@ private:
     void FillGrid(int nGrid, const SFrameDecision& rDecision, int nStep);
     static void SizePoints(SPartGrid& rGrid, int nStep);
     SStrip Strip(const SPartGrid& rGrid, int nStrip) const;
-    static bool IsCut(const SScreenTriangle& rTriangle, const SCuts& rCuts, bool& bGone);
 
     void FillPoints(const SPartSource& rPart, SPartGrid& rGrid, const SStrip& rStrip) const;
     void AddTriangle(const SScreenTriangle& rTriangle, bool bClipped, const CPixelOptics* pOptics,

@@ -3,11 +3,13 @@
 #include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/OpticsMesh.h"
+#include "dewarp/geometry/Surface.h"
 
 SMeshKey MeshKeyOf(EViewMesh eMesh, const SDewarpParams& sParams)
 {
     SMeshKey sKey;
-    if (eMesh < MESH_FISHEYE || eMesh > MESH_PANORAMA_TRIPLE)
+    const bool bSurface = IsSurfaceMesh(eMesh);
+    if ((eMesh < MESH_FISHEYE || eMesh > MESH_PANORAMA_TRIPLE) && !bSurface)
         return sKey;
     sKey.eMesh = eMesh;
     sKey.nImageWidth = sParams.nImageWidth;
@@ -23,6 +25,17 @@ SMeshKey MeshKeyOf(EViewMesh eMesh, const SDewarpParams& sParams)
     } else if (eMesh == MESH_PANORAMA_DUAL || eMesh == MESH_PANORAMA_TRIPLE) {
         sKey.fPan = sParams.fPan;
         sKey.fTilt = sParams.fTilt;
+    } else if (eMesh == MESH_PANORAMA) {
+        sKey.sShape.fBandUpper = sParams.sShape.fBandUpper;
+        sKey.sShape.fBandLower = sParams.sShape.fBandLower;
+    } else if (bSurface) {
+        sKey.fPan = sParams.fPan;
+        sKey.fTilt = sParams.fTilt;
+        sKey.fRoll = eMesh == MESH_PANINI ? sParams.fRoll : 0.0f;
+        sKey.eMount = sParams.eMountType;
+        sKey.fMountTilt = sParams.eMountType == MOUNT_WALL ? sParams.fMountTilt : 0.0f;
+        sKey.sShape.fSpanX = sParams.sShape.fSpanX;
+        sKey.sShape.fSpanY = sParams.sShape.fSpanY;
     }
     return sKey;
 }
@@ -31,7 +44,7 @@ void BuildMesh(CCustomGPUGeometry& oGeometry, const SMeshKey& sKey)
 {
     const int nWidth = sKey.nImageWidth;
     const int nHeight = sKey.nImageHeight;
-    if (sKey.pOptics != nullptr && IsOpticsMesh(sKey.eMesh)) {
+    if (NeedsOpticsMesh(sKey)) {
         BuildOpticsMesh(oGeometry, sKey);
         return;
     }

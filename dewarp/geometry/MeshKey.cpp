@@ -13,5 +13,7 @@ bool SMeshKey::operator==(const SMeshKey& sOther) const
     return eMesh == sOther.eMesh && eView == sOther.eView && eLens == sOther.eLens &&
            nImageWidth == sOther.nImageWidth && nImageHeight == sOther.nImageHeight &&
            SameBits(fPan, sOther.fPan) && SameBits(fTilt, sOther.fTilt) &&
-           SameBits(fMountTilt, sOther.fMountTilt) && bStrict == sOther.bStrict && pOptics == sOther.pOptics;
+           SameBits(fMountTilt, sOther.fMountTilt) && bStrict == sOther.bStrict &&
+           SameBits(fRoll, sOther.fRoll) && eMount == sOther.eMount && sShape == sOther.sShape &&
+           pOptics == sOther.pOptics;
 }

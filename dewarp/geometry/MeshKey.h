@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "dewarp/records/SViewShape.h"
 #include "platform/Export.h"
 
 #include <memory>
@@ -20,6 +21,9 @@ enum EViewMesh : int
     MESH_PANORAMA_DUAL,
     MESH_PANORAMA_TRIPLE,
     MESH_OF_VIEW, ///< one that a single view builds for itself
+    MESH_EQUIRECTANGULAR,
+    MESH_CYLINDRICAL,
+    MESH_PANINI,
 };
 
 /// Everything that one mesh depends on; what it does not depend on is 0. A mesh is fresh when it was built
@@ -35,6 +39,9 @@ struct LUMOR_API SMeshKey
     float fTilt = 0.0f;
     float fMountTilt = 0.0f;
     bool bStrict = false;
+    float fRoll = 0.0f;
+    EMountType eMount = MOUNT_UNSET; ///< for meshes about the vertical
+    SViewShape sShape;
     std::shared_ptr<const CCameraOptics> pOptics; ///< null: by the known lens's own rules
 
     /// Angles are the same when their bits are: a NaN equals itself, -0 is not 0.

@@ -3,6 +3,7 @@
 #include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/OpticsRings.h"
+#include "dewarp/geometry/Surface.h"
 #include "dewarp/geometry/ViewOptics.h"
 
 #include <algorithm>
@@ -16,9 +17,9 @@ namespace
 {
 
 const double RADIANS = std::numbers::pi / 180.0;
-/// How far meshes reach beyond the lens's edge, so that a rim has somewhere to fade to. Straight behind the
-/// camera all azimuths meet, and no triangle may lie across that.
-const double BEYOND_EDGE = 2.0 * RADIANS;
+/// How far meshes reach beyond the lens's edge, so that a rim has somewhere to fade to and every cell that it
+/// crosses is whole. Straight behind the camera all azimuths meet, and no triangle may lie across that.
+const double BEYOND_EDGE = 5.0 * RADIANS;
 const double MOST_ANGLE = 179.0 * RADIANS;
 /// Texture coordinate of a point that no triangle may use.
 const float UNSEEN = 1e9f;
@@ -35,9 +36,6 @@ struct SPatch
     int nRows;
 };
 
-/// One turn of the panorama's band, which lies on the surface twice; its width is that of the known meshes.
-const double BAND_WIDTH = 100.0 / 7.0;
-const SPatch BAND[] = {{-BAND_WIDTH, 0.0, -1.0, 1.0, 216, 28}, {0.0, BAND_WIDTH, -1.0, 1.0, 216, 28}};
 const SPatch DUAL[] = {{-0.8, 0.0, -0.5, 0.5, 48, 60}, {0.0, 0.8, -0.5, 0.5, 48, 60}};
 const SPatch TRIPLE[] = {
     {-1.2, -0.4, -0.5, 0.5, 48, 60}, {0.4, 1.2, -0.5, 0.5, 48, 60}, {-0.4, 0.4, -0.5, 0.5, 48, 60}};
@@ -137,6 +135,28 @@ void BuildPatches(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics, con
     }
 }
 
+/// One turn of the panorama's band, which lies on the surface twice.
+void BuildBand(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics)
+{
+    const double fWidth = 2.0 * static_cast<double>(rGeometry.m_fGeometryAspect);
+    // A row every 1.4 degrees, whatever the band's height.
+    const int nRows = std::clamp(static_cast<int>(514.0 / fWidth), 4, 130);
+    const SPatch asPatches[] = {{-fWidth, 0.0, -1.0, 1.0, 270, nRows}, {0.0, fWidth, -1.0, 1.0, 270, nRows}};
+    BuildPatches(rGeometry, rOptics, asPatches, 2);
+}
+
+/// A view about the vertical: a cell every degree and a half, or what its projection makes of that.
+void BuildSurface(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics, const SMeshKey& rKey)
+{
+    const double fAspect = static_cast<double>(rGeometry.m_fGeometryAspect);
+    const SViewShape sSpan = CSurface::SpanOf(rKey.eMesh, rKey.eMount, rKey.sShape);
+    const int nCols = std::clamp(static_cast<int>(sSpan.fSpanX / 1.5f), 40, 240);
+    const int nRows = std::clamp(static_cast<int>(sSpan.fSpanY / 1.5f), 40, 120);
+    const CSurface oSurface(rKey);
+    const SPatch sPatch = {-fAspect, fAspect, oSurface.LowestRow(), oSurface.HighestRow(), nCols, nRows};
+    BuildPatches(rGeometry, rOptics, &sPatch, 1);
+}
+
 /// A field wider than the half-sphere widens the columns; rows still end at the poles.
 void BuildWall(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics)
 {
@@ -215,9 +235,20 @@ void KeepSomething(CCustomGPUGeometry& rGeometry)
 
 } // namespace
 
-bool IsOpticsMesh(EViewMesh eMesh)
+float AspectOf(const SMeshKey& rKey)
 {
-    return eMesh == MESH_FISHEYE_CIRCULAR || CViewOptics::HasDirections(eMesh);
+    if (IsSurfaceMesh(rKey.eMesh))
+        return static_cast<float>(CSurface(rKey).Aspect());
+    if (rKey.eMesh == MESH_PANORAMA && rKey.sShape.HasBand())
+        return 360.0f / (rKey.sShape.fBandUpper - rKey.sShape.fBandLower);
+    return MeshAspect(rKey.eMesh, rKey.nImageWidth, rKey.nImageHeight);
+}
+
+bool NeedsOpticsMesh(const SMeshKey& rKey)
+{
+    if (rKey.eMesh != MESH_FISHEYE_CIRCULAR && !CViewOptics::HasDirections(rKey.eMesh))
+        return false;
+    return rKey.pOptics != nullptr || IsSurfaceMesh(rKey.eMesh) || rKey.sShape.HasBand();
 }
 
 void BuildOpticsMesh(CCustomGPUGeometry& rGeometry, const SMeshKey& rKey)
@@ -225,7 +256,7 @@ void BuildOpticsMesh(CCustomGPUGeometry& rGeometry, const SMeshKey& rKey)
     rGeometry.m_nVertexCount = 0;
     rGeometry.m_nImageWidth = rKey.nImageWidth;
     rGeometry.m_nImageHeight = rKey.nImageHeight;
-    rGeometry.m_fGeometryAspect = MeshAspect(rKey.eMesh, rKey.nImageWidth, rKey.nImageHeight);
+    rGeometry.m_fGeometryAspect = AspectOf(rKey);
     if (rKey.nImageWidth < 1 || rKey.nImageHeight < 1)
         return;
     const CViewOptics oOptics(rKey);
@@ -241,7 +272,12 @@ void BuildOpticsMesh(CCustomGPUGeometry& rGeometry, const SMeshKey& rKey)
         BuildSphere(rGeometry, oOptics);
         break;
     case MESH_PANORAMA:
-        BuildPatches(rGeometry, oOptics, BAND, 2);
+        BuildBand(rGeometry, oOptics);
+        break;
+    case MESH_EQUIRECTANGULAR:
+    case MESH_CYLINDRICAL:
+    case MESH_PANINI:
+        BuildSurface(rGeometry, oOptics, rKey);
         break;
     case MESH_PANORAMA_WALL:
         BuildWall(rGeometry, oOptics);

@@ -1,5 +1,6 @@
 #include "dewarp/geometry/ViewOptics.h"
 
+#include "dewarp/geometry/OpticsMesh.h"
 #include "dewarp/lenses/CameraOptics.h"
 
 #include <algorithm>
@@ -12,8 +13,6 @@ namespace
 const double RADIANS = std::numbers::pi / 180.0;
 /// Degrees off the axis where known lenses end.
 const double RIM_ANGLE = 90.0;
-/// Width of one turn of the panorama's band, whose height is 2.
-const double BAND_WIDTH = 100.0 / 7.0;
 /// Width of a strip of the dual and triple panoramas, and what it spans.
 const double STRIP_WIDTH = 0.8;
 const double STRIP_FIRST = 54.0; ///< degrees off the axis
@@ -33,16 +32,14 @@ static SMountOrientation OrientationOf(const SMeshKey& rKey)
 }
 
 CViewOptics::CViewOptics(const SMeshKey& rKey)
-    : m_sKey(rKey), m_oLens(rKey.pOptics.get(), rKey.eLens, rKey.nImageWidth, rKey.nImageHeight,
-                            rKey.pOptics != nullptr && rKey.eMesh == MESH_VCAM),
-      m_oBody(OrientationOf(rKey)),
+    : m_sKey(rKey), m_oLens(rKey.pOptics.get(), rKey.eLens, rKey.nImageWidth, rKey.nImageHeight),
+      m_oBody(OrientationOf(rKey)), m_oSurface(rKey),
       m_fWallSpan(2.0 * std::max(RIM_ANGLE, LensHalfField(rKey.pOptics.get(), m_oLens)))
 {}
 
 static CLensMap LensOf(const SDewarpParams& rParams)
 {
-    return CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth, rParams.nImageHeight,
-                    false);
+    return CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth, rParams.nImageHeight);
 }
 
 double HalfFieldOf(const SDewarpParams& rParams)
@@ -70,15 +67,19 @@ bool CViewOptics::HasDirections(EViewMesh eMesh)
     case MESH_PANORAMA_TRIPLE:
         return true;
     default:
-        return false;
+        return IsSurfaceMesh(eMesh);
     }
 }
 
-/// A band of bearings, a turn wide; its rows run from 90 to 39.6 degrees off the axis.
+/// A band of bearings, a turn wide and 2 high; its rows run from 90 to 39.6 degrees off the axis.
 SDirection CViewOptics::OfStrip(double x, double y) const
 {
-    const double fBearing = 2.0 * std::numbers::pi * x / BAND_WIDTH;
-    const double fAngle = 90.0 * (1.0 - 0.28 * (1.0 - y)) * RADIANS;
+    const bool bBand = m_sKey.sShape.HasBand();
+    const double fUpper = bBand ? static_cast<double>(m_sKey.sShape.fBandUpper) : 90.0;
+    const double fLower = bBand ? static_cast<double>(m_sKey.sShape.fBandLower) : 39.6;
+    const double fWidth = 720.0 / (fUpper - fLower);
+    const double fBearing = 2.0 * std::numbers::pi * x / fWidth;
+    const double fAngle = (fUpper - (fUpper - fLower) * 0.5 * (1.0 - y)) * RADIANS;
     return {std::sin(fAngle) * std::sin(fBearing), std::sin(fAngle) * std::cos(fBearing), std::cos(fAngle)};
 }
 
@@ -126,6 +127,21 @@ SDirection CViewOptics::OfWall(double x, double y) const
                   -static_cast<double>(m_sKey.fPan));
 }
 
+/// What OfWall does, backwards.
+double CViewOptics::WallRow(const SDirection& d) const
+{
+    const double fTau = static_cast<double>(m_sKey.fMountTilt);
+    const double cr = std::cos(-static_cast<double>(m_sKey.fPan) * RADIANS);
+    const double sr = std::sin(-static_cast<double>(m_sKey.fPan) * RADIANS);
+    const double fTurnedDown = -(sr * d.x + cr * d.y);
+    const double fDown = std::cos(fTau * RADIANS) * fTurnedDown - std::sin(fTau * RADIANS) * d.z;
+    const double fElevation = std::acos(std::clamp(fDown, -1.0, 1.0)) / RADIANS;
+    const bool bWide = !m_sKey.bStrict;
+    const double fSpan = m_fWallSpan + (bWide ? 2.0 * std::fabs(fTau) : 0.0);
+    const double fFirst = (bWide && fTau > 0.0 ? -2.0 * fTau : 0.0) - (0.5 * m_fWallSpan - RIM_ANGLE);
+    return 2.0 * (fElevation - fFirst) / fSpan - 1.0;
+}
+
 SDirection CViewOptics::DirectionAt(double x, double y, double z) const
 {
     switch (m_sKey.eMesh) {
@@ -136,6 +152,10 @@ SDirection CViewOptics::DirectionAt(double x, double y, double z) const
     case MESH_PANORAMA_DUAL:
     case MESH_PANORAMA_TRIPLE:
         return OfStrips(x, y);
+    case MESH_EQUIRECTANGULAR:
+    case MESH_CYLINDRICAL:
+    case MESH_PANINI:
+        return m_oSurface.DirectionAt(x, y);
     default:
         return {x, y, -z};
     }
@@ -144,7 +164,7 @@ SDirection CViewOptics::DirectionAt(double x, double y, double z) const
 void CViewOptics::At(double x, double y, double z, double& u, double& v) const
 {
     SDirection d = m_oBody.ToBody(DirectionAt(x, y, z));
-    if (m_sKey.pOptics == nullptr)
+    if (!NeedsOpticsMesh(m_sKey))
         d.z = std::max(d.z, 0.0);
     double fFrameX = 0.0;
     double fFrameY = 0.0;

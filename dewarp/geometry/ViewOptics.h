@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/geometry/MeshKey.h"
+#include "dewarp/geometry/Surface.h"
 #include "dewarp/lenses/BodyTurn.h"
 #include "dewarp/lenses/LensMap.h"
 #include "dewarp/records/SDewarpParams.h"
@@ -27,6 +28,8 @@ public:
     SDirection DirectionAt(double x, double y, double z) const;
     /// Degrees of azimuth that the wall panorama shows across while the camera is not inclined.
     double WallSpan() const { return m_fWallSpan; }
+    /// The row of the wall panorama that shows a direction.
+    double WallRow(const SDirection& rDirection) const;
     const CLensMap& Lens() const { return m_oLens; }
     const CBodyTurn& Body() const { return m_oBody; }
 
@@ -39,6 +42,7 @@ private:
     SMeshKey m_sKey;
     CLensMap m_oLens;
     CBodyTurn m_oBody;
+    CSurface m_oSurface;
     double m_fWallSpan = 180.0;
 };
 

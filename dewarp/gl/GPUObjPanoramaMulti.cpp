@@ -1,5 +1,6 @@
 #include "dewarp/gl/GPUObjPanoramaMulti.h"
 
+#include "dewarp/views/View.h"
 #include "dewarp/views/ViewList.h"
 
 CCGPUObjPanoramaDual::CCGPUObjPanoramaDual()
@@ -11,7 +12,8 @@ CCGPUObjPanoramaTriple::CCGPUObjPanoramaTriple()
 {}
 
 void CCGPUObjPanoramaMulti::AdjustPTZ(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams,
-                                      SDewarpMatrices* /*pMatrices*/, float /*fAspect*/, int /*nRotation*/)
+                                      SDewarpMatrices* pMatrices, float fAspect, int nRotation)
 {
     Rebuild(pGeometry, pParams);
+    m_pView->Move(*pParams, m_fGeometryAspect, fAspect, nRotation, pMatrices->fModel);
 }

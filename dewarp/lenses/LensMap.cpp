@@ -21,7 +21,7 @@ static double OwnRadius(const SCameraOptics& rSaid, ELensType eLens, int nWidth,
     return 0.5 * std::min(nWidth, nHeight);
 }
 
-CLensMap::CLensMap(const CCameraOptics* pOptics, ELensType eLens, int nWidth, int nHeight, bool bCameraShift)
+CLensMap::CLensMap(const CCameraOptics* pOptics, ELensType eLens, int nWidth, int nHeight)
     : m_pCurve(pOptics != nullptr ? &pOptics->Curve(eLens) : &CCameraOptics::KnownCurve(eLens)),
       m_nWidth(nWidth), m_nHeight(nHeight)
 {
@@ -40,11 +40,6 @@ CLensMap::CLensMap(const CCameraOptics* pOptics, ELensType eLens, int nWidth, in
         return;
     }
     Centre(rCircle, OwnRadius(rSaid, eLens, nWidth, nHeight));
-    if (bCameraShift && !rSaid.bOwnLens && !rCircle.IsSet()) {
-        // As it is shown, whichever way round the frame comes.
-        m_fCenterX = m_bMirrorX ? nWidth - (nWidth / 2 + 1) : nWidth / 2 + 1;
-        m_fCenterY = m_bMirrorY ? nHeight - nHeight / 2 : nHeight / 2;
-    }
     m_sRim = {m_fCenterX, m_fCenterY, m_fScaleX, m_fScaleY};
 }
 
@@ -202,7 +197,7 @@ double CLensMap::HalfField() const
     double fMost = 0.0;
     for (int n = 0; n < 4; ++n) {
         SDirection d;
-        if (!ToDirection(n % 2 * m_nWidth, n / 2 * m_nHeight, d))
+        if (!ToDirection(n % 2 == 0 ? 0.0 : m_nWidth, n < 2 ? 0.0 : m_nHeight, d))
             return fEdge;
         fMost = std::max(fMost, std::acos(std::clamp(d.z, -1.0, 1.0)) * DEGREES);
     }

@@ -25,9 +25,9 @@ struct SRimEllipse
 class CLensMap
 {
 public:
-    /// pOptics: null for a known lens under its own rule. bCameraShift: the pixel by which the meshes of
-    /// virtual cameras of known lenses under their own rule stand to the right, and their whole half sizes.
-    CLensMap(const CCameraOptics* pOptics, ELensType eLens, int nWidth, int nHeight, bool bCameraShift);
+    /// pOptics: null for a known lens under its own rule. Meshes of virtual cameras of such lenses stand a
+    /// pixel nearer to the middle than this.
+    CLensMap(const CCameraOptics* pOptics, ELensType eLens, int nWidth, int nHeight);
 
     /// Where a direction lands; one beyond the lens's edge lands beyond its rim. True for those that the
     /// lens sees.

@@ -60,6 +60,8 @@ public:
     bool GetCleanRim() override;
     void SetRoll(float fDegrees) override;
     float GetRoll() override;
+    bool SetViewShape(const SViewShape& rShape) override;
+    SViewShape GetViewShape() override;
     void AbsolutePTZ(float fPan, float fTilt, float fZoom) override;
     void RelativePTZ(float fPan, float fTilt, float fZoom) override;
     void AnaloguePTZ(float fPan, float fTilt, float fZoom) override;
@@ -84,7 +86,16 @@ public:
     SPTZLimits GetViewLimits(EViewType eView, EMountType eMount) override;
     void SetThreadCount(int nThreads) override;
     int GetThreadCount() override;
+    int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
+    int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) override;
+    int ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) override;
+    int DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount) override;
+    int FrameToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) override;
+    bool LookAt(double fFrameX, double fFrameY) override;
+    bool LookAtView(double x, double y) override;
     using CDewarper::DrawTo;
+    using CDewarper::FrameToView;
+    using CDewarper::ViewToFrame;
 
     /// What the driver calls its renderer; empty before InitTarget.
     std::string GetRenderer();

@@ -1,4 +1,4 @@
-// What the host says about its camera.
+// What the host says about its camera, and where things are in the picture.
 
 #include "dewarp/CustomGPUDewarper.h"
 #include "dewarp/offscreen/GLDewarper.h"
@@ -46,4 +46,49 @@ void CGLDewarper::SetRoll(float fDegrees)
 float CGLDewarper::GetRoll()
 {
     return Engine().GetRoll();
+}
+
+bool CGLDewarper::SetViewShape(const SViewShape& rShape)
+{
+    return Engine().SetViewShape(rShape);
+}
+
+SViewShape CGLDewarper::GetViewShape()
+{
+    return Engine().GetViewShape();
+}
+
+int CGLDewarper::ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+{
+    return Engine().ViewToFrame(pPoints, pResults, pValid, nCount);
+}
+
+int CGLDewarper::FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+{
+    return Engine().FrameToView(pPoints, pResults, pValid, nCount);
+}
+
+int CGLDewarper::ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount)
+{
+    return Engine().ViewToDirection(pPoints, pResults, pValid, nCount);
+}
+
+int CGLDewarper::DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount)
+{
+    return Engine().DirectionToView(pDirections, pResults, pValid, nCount);
+}
+
+int CGLDewarper::FrameToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount)
+{
+    return Engine().FrameToDirection(pPoints, pResults, pValid, nCount);
+}
+
+bool CGLDewarper::LookAt(double fFrameX, double fFrameY)
+{
+    return Engine().LookAt(fFrameX, fFrameY);
+}
+
+bool CGLDewarper::LookAtView(double x, double y)
+{
+    return Engine().LookAtView(x, y);
 }

@@ -16,6 +16,11 @@ enum EViewType : int
     VIEW_PANORAMA_TRIPLE = 7,  ///< three panorama panes
     VIEW_VCAM_QUAD = 8,        ///< four virtual cameras, 90 degrees of pan apart (one camera on a wall mount)
     VIEW_FISHEYE_CIRCULAR = 9, ///< the lens circle only, flat
+    // Views about the vertical, whatever the mount: pan 0 looks where the top of the frame is (wall: ahead),
+    // to the right when positive; tilt is the angle above the horizon.
+    VIEW_EQUIRECTANGULAR = 201, ///< columns are bearings, rows are angles above the horizon
+    VIEW_CYLINDRICAL = 202,     ///< columns are bearings, verticals stay straight
+    VIEW_PANINI = 203,          ///< wide rooms: verticals and lines towards the middle stay straight
 };
 
 /// Lens model; the values are the lens model numbers.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/records/Enumerations.h"
+#include "dewarp/records/SViewShape.h"
 #include "platform/Export.h"
 
 #include <memory>
@@ -35,6 +36,7 @@ struct LUMOR_API SDewarpParams
     float fRoll = 0.0f;   ///< of virtual cameras: positive turns them clockwise as seen from behind
     /// What the host said about its camera; null: known lenses are drawn by their own rules.
     std::shared_ptr<const CCameraOptics> pOptics;
+    SViewShape sShape; ///< as the host said
 
     /// True when the view differs. Lens, image size and stride are left out: their changes travel by flags of
     /// the dewarper. A NaN angle always differs.
@@ -43,7 +45,7 @@ struct LUMOR_API SDewarpParams
         return fPan != sOther.fPan || fTilt != sOther.fTilt || fZoom != sOther.fZoom ||
                fMountTilt != sOther.fMountTilt || eMountType != sOther.eMountType ||
                eViewType != sOther.eViewType || bStrictTiltLimits != sOther.bStrictTiltLimits ||
-               fRoll != sOther.fRoll || pOptics != sOther.pOptics;
+               fRoll != sOther.fRoll || pOptics != sOther.pOptics || !(sShape == sOther.sShape);
     }
 
     /// Parameters of a pass that draws a flat full-target picture (overlays, masks, strings, copies).

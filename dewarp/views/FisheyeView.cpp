@@ -2,6 +2,7 @@
 
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/geometry/MeshAspect.h"
+#include "dewarp/views/LookAngles.h"
 #include "dewarp/views/PTZLimits.h"
 
 #include <cmath>
@@ -23,6 +24,19 @@ void CFisheyeView::LimitPTZ(SDewarpParams& rParams) const
     LimitAngle(rParams.fTilt, -MOST_PTZ, MOST_PTZ);
     LimitAngle(rParams.fPan, -MOST_PTZ, MOST_PTZ);
     LimitZoom(rParams.fZoom);
+}
+
+bool CFisheyeView::LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const
+{
+    const double fAspect = static_cast<double>(rParams.nImageWidth) / rParams.nImageHeight;
+    const bool bUpright = rTarget.nRotation == 0 || rTarget.nRotation == 180;
+    const double x = (2.0 * rTarget.u - 1.0) * fAspect;
+    const double y = 1.0 - 2.0 * rTarget.v;
+    const double c = std::cos(rTarget.nRotation / DEGREES);
+    const double s = std::sin(rTarget.nRotation / DEGREES);
+    rParams.fPan = static_cast<float>((c * x + s * y) * 90.0 / (bUpright ? fAspect : 1.0 / fAspect));
+    rParams.fTilt = static_cast<float>((s * x - c * y) * 90.0);
+    return true;
 }
 
 void CFisheyeView::Drag(const SDrag& rDrag, SDewarpParams& rParams) const

@@ -14,6 +14,7 @@ public:
     float MeshAspect(const SDewarpParams& rParams) const override;
     SPTZLimits Limits(const SDewarpParams& rParams) const override;
     void LimitPTZ(SDewarpParams& rParams) const override;
+    bool LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const override;
     void Drag(const SDrag& rDrag, SDewarpParams& rParams) const override;
     void Move(const SDewarpParams& rParams, float fMeshAspect, float fImageAspect, int nRotation,
               float* pModel) const override;

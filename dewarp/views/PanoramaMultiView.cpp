@@ -1,5 +1,6 @@
 #include "dewarp/views/PanoramaMultiView.h"
 
+#include "dewarp/geometry/Matrix.h"
 #include "dewarp/lenses/GivenLens.h"
 #include "dewarp/views/PTZLimits.h"
 
@@ -43,9 +44,12 @@ SClipBands CPanoramaMultiView::ClipBands(const SDewarpParams& rParams, float /*f
     return sBands;
 }
 
-void CPanoramaMultiView::Move(const SDewarpParams& /*rParams*/, float /*fMeshAspect*/, float /*fImageAspect*/,
-                              int /*nRotation*/, float* /*pModel*/) const
-{}
+void CPanoramaMultiView::Move(const SDewarpParams& rParams, float /*fMeshAspect*/, float /*fImageAspect*/,
+                              int /*nRotation*/, float* m) const
+{
+    if (rParams.sShape.bFloorFlip && rParams.eMountType == MOUNT_FLOOR)
+        rotateM(m, 0, 180.0f, 0.0f, 0.0f, 1.0f);
+}
 
 void CPanoramaMultiView::DefaultSize(const SDewarpParams& /*rParams*/, int& nWidth, int& nHeight) const
 {

@@ -1,9 +1,12 @@
 #include "dewarp/views/PanoramaView.h"
 
 #include "dewarp/geometry/Matrix.h"
-#include "dewarp/geometry/MeshAspect.h"
+#include "dewarp/geometry/OpticsMesh.h"
 #include "dewarp/lenses/GivenLens.h"
+#include "dewarp/views/LookAngles.h"
 #include "dewarp/views/PTZLimits.h"
+
+#include <algorithm>
 
 /// Matrix of one half: projection x view x translation, and half a turn more for a floor camera.
 static void HalfMatrix(float* pResult, const SDewarpMatrices& rMatrices, float x, float y, bool bFlip)
@@ -32,14 +35,21 @@ float CPanoramaView::ShownShare(EViewType eView)
     }
 }
 
+float CPanoramaView::ShareOf(const SDewarpParams& rParams)
+{
+    if (rParams.eViewType == VIEW_PANORAMA_FULL && rParams.sShape.fSpanX > 0.0f)
+        return rParams.sShape.fSpanX / 360.0f;
+    return ShownShare(rParams.eViewType);
+}
+
 float CPanoramaView::MeshAspect(const SDewarpParams& rParams) const
 {
-    return ::MeshAspect(MESH_PANORAMA, rParams.nImageWidth, rParams.nImageHeight);
+    return AspectOf(MeshKey(rParams));
 }
 
 float CPanoramaView::Aspect(const SDewarpParams& rParams, float fMeshAspect) const
 {
-    const float fShare = ShownShare(rParams.eViewType);
+    const float fShare = ShareOf(rParams);
     return fShare == 0.0f ? 1.0f : fMeshAspect * fShare;
 }
 
@@ -63,13 +73,20 @@ void CPanoramaView::LimitPTZ(SDewarpParams& rParams) const
     rParams.fZoom = FIXED_ZOOM;
 }
 
+/// The strip slides; it does not tilt.
+bool CPanoramaView::LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const
+{
+    rParams.fPan = static_cast<float>(BearingOf(rTarget.sDirection));
+    return true;
+}
+
 void CPanoramaView::Drag(const SDrag& rDrag, SDewarpParams& rParams) const
 {
     const float dx = DragPixels(rDrag.sFrom.x, rDrag.sTo.x);
     int nWidth = rDrag.nViewportWidth;
     if (rDrag.nLeftBand != -1)
         nWidth -= 2 * rDrag.nLeftBand;
-    const float f = rParams.eViewType == VIEW_PANORAMA_FULL ? 360.0f : 180.0f;
+    const float f = rParams.eViewType == VIEW_PANORAMA_FULL ? 360.0f * ShareOf(rParams) : 180.0f;
     float d = f * dx / static_cast<float>(nWidth);
     if (rParams.eMountType == MOUNT_FLOOR)
         d = -d;
@@ -80,7 +97,7 @@ SClipBands CPanoramaView::ClipBands(const SDewarpParams& rParams, float fMeshAsp
                                     int nHeight) const
 {
     SClipBands sBands;
-    const float a = fMeshAspect * ShownShare(rParams.eViewType);
+    const float a = fMeshAspect * ShareOf(rParams);
     const float vw = static_cast<float>(nWidth);
     const float vh = static_cast<float>(nHeight);
     if (vw / vh > a) {
@@ -131,6 +148,8 @@ void CPanoramaView::DefaultSize(const SDewarpParams& rParams, int& nWidth, int& 
 {
     nWidth = 2500;
     nHeight = 350;
+    if (rParams.sShape.HasBand() || rParams.sShape.fSpanX > 0.0f)
+        nHeight = std::max(2, static_cast<int>(2500.0f / (MeshAspect(rParams) * ShareOf(rParams))) / 2 * 2);
     if (rParams.eViewType == VIEW_PANORAMA_HALF) {
         nWidth = 2000;
         nHeight = 560;

@@ -16,6 +16,7 @@ public:
     float ScaleMultiplier(const SDewarpParams& rParams) const override;
     SPTZLimits Limits(const SDewarpParams& rParams) const override;
     void LimitPTZ(SDewarpParams& rParams) const override;
+    bool LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const override;
     void Drag(const SDrag& rDrag, SDewarpParams& rParams) const override;
     SClipBands ClipBands(const SDewarpParams& rParams, float fMeshAspect, int nWidth,
                          int nHeight) const override;
@@ -32,4 +33,8 @@ public:
                                                 float* pUpper, float* pLower);
     /// Share of the strip's aspect that a view shows; 0 for views that are none of these.
     static LUMOR_INTERNAL_API float ShownShare(EViewType eView);
+
+private:
+    /// The same, where the host chose how much.
+    static float ShareOf(const SDewarpParams& rParams);
 };

@@ -2,6 +2,7 @@
 
 #include "dewarp/geometry/ViewOptics.h"
 #include "dewarp/lenses/GivenLens.h"
+#include "dewarp/views/LookAngles.h"
 #include "dewarp/views/PTZLimits.h"
 
 #include <cmath>
@@ -73,6 +74,14 @@ void CPanoramaWallView::LimitPTZ(SDewarpParams& rParams) const
 {
     LimitTilt(BandOf(rParams), rParams.fTilt);
     rParams.fZoom = FIXED_ZOOM;
+}
+
+/// The picture moves up and down only.
+bool CPanoramaWallView::LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const
+{
+    rParams.fTilt = static_cast<float>(CViewOptics(MeshKey(rParams)).WallRow(rTarget.sDirection)) * 0.5f *
+                    SpanOf(rParams);
+    return true;
 }
 
 void CPanoramaWallView::Drag(const SDrag& rDrag, SDewarpParams& rParams) const

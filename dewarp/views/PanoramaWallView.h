@@ -15,6 +15,7 @@ public:
     float ScaleMultiplier(const SDewarpParams& rParams) const override;
     SPTZLimits Limits(const SDewarpParams& rParams) const override;
     void LimitPTZ(SDewarpParams& rParams) const override;
+    bool LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const override;
     void Drag(const SDrag& rDrag, SDewarpParams& rParams) const override;
     SClipBands ClipBands(const SDewarpParams& rParams, float fMeshAspect, int nWidth,
                          int nHeight) const override;

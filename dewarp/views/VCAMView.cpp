@@ -3,6 +3,7 @@
 #include "dewarp/geometry/Matrix.h"
 #include "dewarp/geometry/MeshAspect.h"
 #include "dewarp/geometry/ViewOptics.h"
+#include "dewarp/views/LookAngles.h"
 #include "dewarp/views/PTZLimits.h"
 
 #include <algorithm>
@@ -45,6 +46,23 @@ void CVCAMView::LimitPTZ(SDewarpParams& rParams) const
         LimitAngle(rParams.fPan, sLimits.sPan.fLow, sLimits.sPan.fHigh);
     LimitAngle(rParams.fTilt, sLimits.sTilt.fLow, sLimits.sTilt.fHigh);
     LimitZoom(rParams.fZoom);
+}
+
+bool CVCAMView::LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const
+{
+    const SDirection& d = rTarget.sDirection;
+    if (rParams.eMountType == MOUNT_WALL) {
+        rParams.fPan = static_cast<float>(90.0 - SideOf(d));
+        rParams.fTilt = static_cast<float>(90.0 + HeightOf(d));
+        return true;
+    }
+    const bool bFloor = rParams.eMountType == MOUNT_FLOOR;
+    const double fOff = OffAxis(d);
+    // The first of four cameras stands a quarter further.
+    const double fQuarter = rParams.eViewType == VIEW_VCAM_QUAD ? 90.0 : 0.0;
+    rParams.fPan = static_cast<float>(90.0 - fQuarter - BearingOf(d) + (bFloor ? 180.0 : 0.0));
+    rParams.fTilt = static_cast<float>(bFloor ? 180.0 - fOff : fOff);
+    return true;
 }
 
 void CVCAMView::Drag(const SDrag& rDrag, SDewarpParams& rParams) const

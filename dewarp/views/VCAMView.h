@@ -14,6 +14,7 @@ public:
     SPTZ DefaultPTZ(EMountType eMount) const override;
     SPTZLimits Limits(const SDewarpParams& rParams) const override;
     void LimitPTZ(SDewarpParams& rParams) const override;
+    bool LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const override;
     void Drag(const SDrag& rDrag, SDewarpParams& rParams) const override;
     /// Here the bounds are tangents of the half-openings.
     void Project(const SFrustum& rFrustum, float* pProjection) const override;

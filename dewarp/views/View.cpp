@@ -44,19 +44,23 @@ SClipBands CView::ClipBands(const SDewarpParams& /*rParams*/, float /*fMeshAspec
 SClipBands CView::Bands(const SDewarpParams& rParams, float fMeshAspect, int nWidth, int nHeight) const
 {
     SClipBands sBands = ClipBands(rParams, fMeshAspect, nWidth, nHeight);
-    if (rParams.pOptics == nullptr || !IsOpticsMesh(Mesh()) || rParams.nImageWidth < 1 ||
-        rParams.nImageHeight < 1)
+    if (!NeedsOpticsMesh(MeshKey(rParams)) || rParams.nImageWidth < 1 || rParams.nImageHeight < 1)
         return sBands;
     sBands.fDepth = 0.0f;
     sBands.bTexCoordRows = false;
-    const SRimEllipse sRim = CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth,
-                                      rParams.nImageHeight, Mesh() == MESH_VCAM)
-                                 .FrameRim();
+    const SRimEllipse sRim =
+        CLensMap(rParams.pOptics.get(), rParams.eLensType, rParams.nImageWidth, rParams.nImageHeight)
+            .FrameRim();
     const double w = rParams.nImageWidth;
     const double h = rParams.nImageHeight;
     sBands.sRim = {static_cast<float>(sRim.fCenterX / w), static_cast<float>(sRim.fCenterY / h),
                    static_cast<float>(w / sRim.fRadiusX), static_cast<float>(h / sRim.fRadiusY)};
     return sBands;
+}
+
+bool CView::LookAt(const SLookTarget& /*rTarget*/, SDewarpParams& /*rParams*/) const
+{
+    return false;
 }
 
 void CView::Project(const SFrustum& rFrustum, float* m) const

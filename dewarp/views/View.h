@@ -5,6 +5,7 @@
 #include "dewarp/geometry/MeshKey.h"
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/records/SDewarpParams.h"
+#include "dewarp/records/SDirection.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SPTZLimits.h"
 #include "platform/Export.h"
@@ -21,6 +22,13 @@ struct SRimCut
     float fInverseV = 0.0f;
 
     bool IsSet() const { return fInverseU > 0.0f; }
+    /// Whether light reaches a place; everywhere without a rim.
+    bool IsLit(double u, double v) const
+    {
+        const double x = (u - static_cast<double>(fCenterU)) * static_cast<double>(fInverseU);
+        const double y = (v - static_cast<double>(fCenterV)) * static_cast<double>(fInverseV);
+        return !IsSet() || (x * x + y * y <= 1.0 && u >= 0.0 && u <= 1.0 && v >= 0.0 && v <= 1.0);
+    }
     bool operator==(const SRimCut& sOther) const = default;
 };
 
@@ -44,6 +52,16 @@ struct SDrag
     int nViewportHeight = 0;
     int nLeftBand = -1; ///< first column that is drawn
     int nTopBand = -1;  ///< first row that is drawn
+};
+
+/// What a view is to look at: a direction as the mount counts them, and where it lies in the frame as it is
+/// shown.
+struct SLookTarget
+{
+    SDirection sDirection;
+    double u = 0.0;
+    double v = 0.0;
+    int nRotation = 0; ///< of the flat views
 };
 
 /// Bounds of a projection, as the views take them: extents for flat views, tangents for cameras.
@@ -95,6 +113,9 @@ public:
     virtual SPTZLimits Limits(const SDewarpParams& rParams) const = 0;
     /// Brings pan, tilt and zoom inside the limits, in one step; a periodic pan is moved by a turn at most.
     virtual void LimitPTZ(SDewarpParams& rParams) const = 0;
+    /// Turns the view so that its middle shows a place, without limiting it; false for views that cannot be
+    /// turned there. Zoom stays.
+    virtual bool LookAt(const SLookTarget& rTarget, SDewarpParams& rParams) const;
     /// Turns a drag into pan and tilt, without limiting them.
     virtual void Drag(const SDrag& rDrag, SDewarpParams& rParams) const = 0;
     virtual SClipBands ClipBands(const SDewarpParams& rParams, float fMeshAspect, int nWidth,

@@ -4,6 +4,7 @@
 #include "dewarp/views/PanoramaMultiView.h"
 #include "dewarp/views/PanoramaView.h"
 #include "dewarp/views/PanoramaWallView.h"
+#include "dewarp/views/SurfaceView.h"
 #include "dewarp/views/VCAMView.h"
 
 namespace
@@ -16,6 +17,9 @@ const CPanoramaView PANORAMA;
 const CPanoramaWallView WALL;
 const CPanoramaMultiView DUAL(2);
 const CPanoramaMultiView TRIPLE(3);
+const CSurfaceView EQUIRECTANGULAR(MESH_EQUIRECTANGULAR);
+const CSurfaceView CYLINDRICAL(MESH_CYLINDRICAL);
+const CSurfaceView PANINI(MESH_PANINI);
 
 const SViewEntry VIEWS[] = {
     {VIEW_FISHEYE, "fisheye", &FISHEYE, &FISHEYE},
@@ -27,6 +31,9 @@ const SViewEntry VIEWS[] = {
     {VIEW_PANORAMA_QUARTER, "panorama-quarter", &PANORAMA, &WALL},
     {VIEW_PANORAMA_DUAL, "dual", &DUAL, &DUAL},
     {VIEW_PANORAMA_TRIPLE, "triple", &TRIPLE, &TRIPLE},
+    {VIEW_EQUIRECTANGULAR, "equirectangular", &EQUIRECTANGULAR, &EQUIRECTANGULAR},
+    {VIEW_CYLINDRICAL, "cylindrical", &CYLINDRICAL, &CYLINDRICAL},
+    {VIEW_PANINI, "panini", &PANINI, &PANINI},
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "tests/support/EngineDewarper.h"
 #include "tests/support/HeapCounter.h"
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -192,4 +193,38 @@ TEST(AllocationFaultsOfSetters, LeaveTheDewarperUsable)
         Try([&] { oDewarper->SetTexture(oFrame.Image(), false, &sInfo, 0); });
         EXPECT_TRUE(oDewarper.DrawFrame(oFrame)) << nSkip;
     }
+}
+
+TEST(AllocationFaultsOfQuestions, LeaveThemUnansweredUntilTheyAreAskedAgain)
+{
+    if (!CanFailAllocations())
+        GTEST_SKIP() << "the sanitizer keeps operator new to itself";
+    CTestFrame oFrame(AsymmetricPicture(128, 128), IMAGE_FORMAT_NV12);
+    SPointD sGolden;
+    int nFaults = 0;
+    for (bool bReached = true; bReached; ++nFaults) {
+        CEngineDewarper oDewarper(ENGINE_CPU, 64, 48);
+        oDewarper->SetViewType(VIEW_PANORAMA_DUAL);
+        ASSERT_TRUE(oDewarper.DrawFrame(oFrame));
+        const CLogCapture oLog;
+        const SPointD sPoint = {30.0, 20.0};
+        SPointD s = {1.0, 1.0};
+        bool bValid = true;
+        FailAllocation(nFaults);
+        const int nFound = oDewarper->ViewToFrame(&sPoint, &s, &bValid, 1);
+        bReached = AllocationHasFailed();
+        FailAllocation(-1);
+        ASSERT_EQ(nFound, bReached ? 0 : 1) << nFaults;
+        ASSERT_EQ(bValid, !bReached);
+        ASSERT_EQ(std::isnan(s.x), bReached);
+        ASSERT_EQ(oLog.Contains("out of memory"), bReached) << oLog.Text();
+        ASSERT_TRUE(oDewarper->ViewToFrame(30.0, 20.0, s.x, s.y));
+        if (nFaults > 0) {
+            EXPECT_EQ(s.x, sGolden.x);
+            EXPECT_EQ(s.y, sGolden.y);
+        }
+        sGolden = s;
+    }
+    std::printf("  about %d allocations\n", nFaults);
+    EXPECT_GT(nFaults, 10);
 }

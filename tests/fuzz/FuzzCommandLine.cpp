@@ -100,7 +100,17 @@ static const char* const WORDS[] = {"--raw",
                                     "--engine",
                                     "--threads",
                                     "cpu",
-                                    "gl"};
+                                    "gl",
+                                    "--lens",
+                                    "equidistant:200",
+                                    "--circle",
+                                    "960,540,530",
+                                    "--mount-orientation",
+                                    "1,2,3",
+                                    "--roll",
+                                    "--span",
+                                    "--band",
+                                    "110,40"};
 
 /// Bytes are characters but for the upper half, which are words; 0 ends an argument, 255 lets the next byte
 /// be a character whatever it is.
@@ -136,7 +146,11 @@ static void RequireWithin(const std::optional<float>& oValue, float fLow, float 
 static void CheckOptions(const SToolOptions& rOptions)
 {
     Require(!rOptions.strInput.empty() && !rOptions.strOutput.empty(), "there are files");
-    Require(rOptions.eView >= VIEW_VCAM && rOptions.eView <= VIEW_FISHEYE_CIRCULAR, "a view");
+    Require(CDewarper::GetViewName(rOptions.eView) != nullptr, "a view");
+    Require(!rOptions.oLens || FindLensFault(*rOptions.oLens).empty(), "a lens");
+    Require(!rOptions.oCircle || (rOptions.oCircle->fRadiusX >= 1.0f && rOptions.oCircle->fRadiusY >= 1.0f),
+            "a circle");
+    RequireWithin(rOptions.oRoll, -360.0f, 360.0f, "a roll");
     RequireWithin(rOptions.oPan, -360.0f, 360.0f, "a pan");
     RequireWithin(rOptions.oTilt, -180.0f, 180.0f, "a tilt");
     RequireWithin(rOptions.oZoom, 5.0f, 180.0f, "a zoom");

@@ -151,7 +151,7 @@ TEST_P(Getters, ViewsHaveNamesByWhichTheyAreFound)
         ASSERT_NE(CCustomGPUDewarper::GetViewName(eView), nullptr);
         EXPECT_EQ(strName, CCustomGPUDewarper::GetViewName(eView));
     }
-    EXPECT_EQ(oNames.size(), 9u);
+    EXPECT_EQ(oNames.size(), 12u);
     for (const int nView : {0, -1, 10})
         EXPECT_EQ(CCustomGPUDewarper::GetViewName(static_cast<EViewType>(nView)), nullptr);
     for (const char* pName : {"", "VCAM", "vcam ", "panorama-", "nothing"})

@@ -67,6 +67,14 @@ const std::pair<const char*, const char*> OPTIONS[] = {
     {"--buffers", nullptr},
     {"--stats", nullptr},
     {"--verbose", nullptr},
+    {"--circle", "960,540.5,530"},
+    {"--mount-orientation", "1,-2,3.5"},
+    {"--roll", "-15"},
+    {"--no-clean-rim", nullptr},
+    {"--span", "200,70"},
+    {"--band", "110,40"},
+    {"--floor-flip", nullptr},
+    {"--map", "m"},
 };
 
 } // namespace
@@ -119,6 +127,38 @@ TEST(Options, EveryOptionIsTakenAndExplained)
     EXPECT_EQ(sOptions.eEngine, ENGINE_GL);
     EXPECT_EQ(*sOptions.oThreads, 3);
     EXPECT_TRUE(sOptions.bBuffers && sOptions.bStats && sOptions.bVerbose);
+    EXPECT_FLOAT_EQ(sOptions.oCircle->fCenterY, 540.5f);
+    EXPECT_FLOAT_EQ(sOptions.oCircle->fRadiusY, 530.0f);
+    EXPECT_FLOAT_EQ(sOptions.oOrientation->fPitch, -2.0f);
+    EXPECT_FLOAT_EQ(*sOptions.oRoll, -15.0f);
+    EXPECT_FALSE(sOptions.bCleanRim);
+    EXPECT_EQ(sOptions.sShape, (SViewShape{200.0f, 70.0f, 110.0f, 40.0f, true}));
+    EXPECT_EQ(sOptions.strMapName, "m");
+}
+
+TEST(Options, LensesAreKnownOnesOrModelsWithAField)
+{
+    EXPECT_EQ(ParseWithFiles({"--lens", "419"}).eLens, LENS_DSL419);
+    EXPECT_FALSE(ParseWithFiles({"--lens", "auto"}).oLens);
+    const SToolOptions sOptions = ParseWithFiles({"--lens", "equisolid:212.5"});
+    ASSERT_TRUE(sOptions.oLens);
+    EXPECT_EQ(sOptions.oLens->eModel, LENS_EQUISOLID);
+    EXPECT_DOUBLE_EQ(sOptions.oLens->fField, 212.5);
+    for (const char* pLens : {"420", "", "equidistant", "equidistant:", "equidistant:0", "orthographic:181",
+                              "fisheye:180", "equidistant:180:1", ":180"})
+        EXPECT_TRUE(IsRefused({"in.png", "out.png", "--lens", pLens})) << pLens;
+}
+
+TEST(Options, CirclesAreGivenOrLookedFor)
+{
+    EXPECT_TRUE(ParseWithFiles({"--circle", "auto"}).bFindCircle);
+    EXPECT_FALSE(ParseWithFiles({"--circle", "auto"}).oCircle);
+    const SToolOptions sOptions = ParseWithFiles({"--circle", "-20,10.5,300,310"});
+    EXPECT_FLOAT_EQ(sOptions.oCircle->fCenterX, -20.0f);
+    EXPECT_FLOAT_EQ(sOptions.oCircle->fRadiusY, 310.0f);
+    for (const char* pCircle :
+         {"", "1,2", "1,2,3,4,5", "1,2,0", "1,2,-5", "1,2,3,0.5", "1,2,x", "nan,1,2", "1e9,1,2"})
+        EXPECT_TRUE(IsRefused({"in.png", "out.png", "--circle", pCircle})) << pCircle;
 }
 
 TEST(Options, HelpNamesNoOptionThatIsNotTaken)
@@ -219,6 +259,11 @@ TEST(Options, CommandLinesThatCannotBeFollowedAreRefused)
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--buffers", "--engine", "cpu"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--exact-geometry", "--engine", "gl"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--exact-geometry", "--buffers"}));
+    for (const auto& [pName, pValue] :
+         {std::pair("--span", "5"), std::pair("--span", "200,190"), std::pair("--span", "a"),
+          std::pair("--band", "40"), std::pair("--band", "40,110"), std::pair("--band", "171,40"),
+          std::pair("--mount-orientation", "1,2"), std::pair("--roll", "400")})
+        EXPECT_TRUE(IsRefused({"in.png", "out.png", pName, pValue})) << pName << pValue;
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--mask-file", ""}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text-at", "1,1"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text", "a", "--text-height", "9", "--text-height", "9"}));

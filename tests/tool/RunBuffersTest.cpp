@@ -107,8 +107,8 @@ TEST_F(RunBuffers, OptionsWithoutEffectAreNoted)
 {
     const std::string strInput = m_oFolder.Path("in.png");
     SavePNG(strInput, MakeGradient(SIDE, SIDE));
-    const SToolRun sRun = RunTool({"--buffers", "--flip", "h", "--gain", "1:1", "--interpolation", "nearest",
-                                   strInput, m_oFolder.Path("out.png")});
+    const SToolRun sRun = RunTool({"--buffers", "--lens", "ideal", "--flip", "h", "--gain", "1:1",
+                                   "--interpolation", "nearest", strInput, m_oFolder.Path("out.png")});
     EXPECT_EQ(sRun.nStatus, 0) << sRun.strErrors;
     EXPECT_EQ(CountLines(sRun.strErrors), 3) << sRun.strErrors;
     for (const char* pOption : {"--flip", "--gain", "--interpolation nearest"})

@@ -99,10 +99,11 @@ TEST_F(RunOverlays, StringsFilesAreDrawn)
 
 TEST_F(RunOverlays, CharactersWithoutAGlyphAreNoted)
 {
-    const SToolRun sRun = RunTool({"--text",
-                                   "20 \xC2\xB0"
-                                   "C",
-                                   "--size", "64x64", m_strInput, m_oFolder.Path("out.raw")});
+    const SToolRun sRun =
+        RunTool({"--text",
+                 "20 \xC2\xB0"
+                 "C",
+                 "--lens", "ideal", "--size", "64x64", m_strInput, m_oFolder.Path("out.raw")});
     EXPECT_EQ(sRun.nStatus, 0);
     EXPECT_NE(sRun.strErrors.find("note: text '20 "), std::string::npos) << sRun.strErrors;
     EXPECT_EQ(CountLines(sRun.strErrors), 1);

@@ -113,11 +113,11 @@ TEST_F(RunPictures, GrayFramesComeOutGray)
             sPicture.Set(x, y, {x * 3 + y, x * 3 + y, x * 3 + y});
     SavePNG(m_oFolder.Path("gray.png"), sPicture);
     SaveBytes(m_oFolder.Path("gray"), MakeRaw(sPicture, "gray", 67));
-    const TBytes vGray =
-        DewarpRaw(m_oFolder, {"--raw", "gray:64x64:67", "--size", "64x64"}, m_oFolder.Path("gray"));
-    EXPECT_LE(
-        GetLargestDifference(vGray, DewarpRaw(m_oFolder, {"--size", "64x64"}, m_oFolder.Path("gray.png"))),
-        1);
+    const TBytes vGray = DewarpRaw(
+        m_oFolder, {"--raw", "gray:64x64:67", "--lens", "ideal", "--size", "64x64"}, m_oFolder.Path("gray"));
+    EXPECT_LE(GetLargestDifference(vGray, DewarpRaw(m_oFolder, {"--lens", "ideal", "--size", "64x64"},
+                                                    m_oFolder.Path("gray.png"))),
+              1);
 }
 
 TEST_F(RunPictures, PNGAndRawOutputsHoldTheSamePixels)
@@ -207,8 +207,8 @@ TEST_F(RunPictures, StatsNameTheStages)
         {"gl", {"decode", "set up", "upload and draw", "read back", "encode", "total"}},
     };
     for (const auto& [pEngine, vStages] : aEngines) {
-        const SToolRun sRun = RunTool(
-            {"--stats", "--engine", pEngine, "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+        const SToolRun sRun = RunTool({"--stats", "--engine", pEngine, "--lens", "ideal", "--size", "64x64",
+                                       m_strGradient, m_oFolder.Path("out.raw")});
         EXPECT_EQ(sRun.nStatus, 0);
         for (const char* pStage : vStages)
             EXPECT_NE(sRun.strOutput.find(std::string("\n") + pStage), std::string::npos) << pStage;
@@ -220,29 +220,29 @@ TEST_F(RunPictures, TheLogIsShownOnlyOnDemand)
 {
     // What GL is given shows only there.
     for (const auto& [pEngine, bShaders] : {std::pair{"cpu", false}, {"gl", true}}) {
-        const SToolRun sQuiet =
-            RunTool({"--engine", pEngine, "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+        const SToolRun sQuiet = RunTool({"--engine", pEngine, "--lens", "ideal", "--size", "64x64",
+                                         m_strGradient, m_oFolder.Path("out.raw")});
         EXPECT_EQ(sQuiet.strErrors, "");
         EXPECT_EQ(CountLines(sQuiet.strOutput), 1);
-        const SToolRun sVerbose = RunTool(
-            {"--verbose", "--engine", pEngine, "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+        const SToolRun sVerbose = RunTool({"--verbose", "--engine", pEngine, "--lens", "ideal", "--size",
+                                           "64x64", m_strGradient, m_oFolder.Path("out.raw")});
         EXPECT_EQ(sVerbose.nStatus, 0);
         EXPECT_EQ(sVerbose.strErrors.find("gl_Position") != std::string::npos, bShaders) << pEngine;
     }
     // The library itself has something to say.
-    const SToolRun sVerbose =
-        RunTool({"--verbose", "--engine", "gl", "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+    const SToolRun sVerbose = RunTool({"--verbose", "--engine", "gl", "--lens", "ideal", "--size", "64x64",
+                                       m_strGradient, m_oFolder.Path("out.raw")});
     EXPECT_NE(sVerbose.strErrors.find("LUMORVIDEOMANAGER_DEWRAP"), std::string::npos);
 }
 
 TEST_F(RunPictures, IgnoredAndLimitedOptionsAreNoted)
 {
-    const SToolRun sRun = RunTool(
-        {"--view", "panorama", "--zoom", "60", "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+    const SToolRun sRun = RunTool({"--view", "panorama", "--zoom", "60", "--lens", "ideal", "--size", "64x64",
+                                   m_strGradient, m_oFolder.Path("out.raw")});
     EXPECT_EQ(sRun.nStatus, 0);
     EXPECT_EQ(sRun.strErrors, "lumor-dewarp: note: --zoom has no effect: view panorama does not zoom\n");
-    const SToolRun sLimited =
-        RunTool({"--tilt", "120", "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
+    const SToolRun sLimited = RunTool(
+        {"--tilt", "120", "--lens", "ideal", "--size", "64x64", m_strGradient, m_oFolder.Path("out.raw")});
     EXPECT_EQ(sLimited.strErrors,
               "lumor-dewarp: note: --tilt 120 is beyond the view's limits; 90 was taken\n");
 }

@@ -62,6 +62,7 @@ SNames OtherSources(const std::string& strTarget)
     SNames sNames;
     for (const auto& [pList, pPrefix] : {std::pair{"dewarp/CMakeLists.txt", "dewarp/"},
                                          {"dewarp/cpu/CMakeLists.txt", "dewarp/cpu/"},
+                                         {"dewarp/mapping/CMakeLists.txt", "dewarp/mapping/"},
                                          {"cmake/GPUFont.cmake", "dewarp/"},
                                          {"platform/CMakeLists.txt", "platform/"}}) {
         const std::string strText = ReadText(pList);

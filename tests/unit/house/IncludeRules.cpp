@@ -59,9 +59,9 @@ const std::vector<SRoomRule>& HouseRules()
     static const std::vector<std::string> EVERYTHING = {"dewarp/", "platform/"};
     static const std::vector<std::string> DECIDING = {"dewarp/records/", "dewarp/lenses/", "dewarp/geometry/",
                                                       "dewarp/views/"};
-    static const std::vector<std::string> CARRYING =
-        With(DECIDING, {"dewarp/control/", "dewarp/overlays/", "dewarp/tables/", "dewarp/cpu/",
-                        "dewarp/Dewarper.h", "platform/Report.h", "platform/MemoryGuard.h", EXPORT});
+    static const std::vector<std::string> CARRYING = With(
+        DECIDING, {"dewarp/control/", "dewarp/mapping/", "dewarp/overlays/", "dewarp/tables/", "dewarp/cpu/",
+                   "dewarp/Dewarper.h", "platform/Report.h", "platform/MemoryGuard.h", EXPORT});
     static const std::vector<SRoomRule> RULES = {
         // Each may include rooms above it.
         {"dewarp/records/", {"dewarp/records/", EXPORT}, PLAIN, {}},
@@ -74,6 +74,10 @@ const std::vector<SRoomRule>& HouseRules()
          {}},
         {"dewarp/views/", With(DECIDING, {EXPORT}), PLAIN, {}},
         {"dewarp/control/", With(DECIDING, {"dewarp/control/", "platform/Report.h", EXPORT}), TELLING, {}},
+        {"dewarp/mapping/",
+         With(DECIDING, {"dewarp/mapping/", "dewarp/control/S", "dewarp/control/Decision.h", EXPORT}),
+         PLAIN,
+         {}},
         {"dewarp/overlays/",
          {"dewarp/overlays/", "dewarp/records/", "platform/Report.h", EXPORT},
          TELLING,

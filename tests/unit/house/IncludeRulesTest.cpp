@@ -138,7 +138,7 @@ TEST(IncludeRules, RoomsWithoutGLCallNoGL)
 {
     const MSources oSources =
         ReadSources({"dewarp/records", "dewarp/tables", "dewarp/lenses", "dewarp/geometry", "dewarp/views",
-                     "dewarp/control", "dewarp/overlays", "dewarp/shaders", "dewarp/cpu"},
+                     "dewarp/control", "dewarp/mapping", "dewarp/overlays", "dewarp/shaders", "dewarp/cpu"},
                     CODE);
     EXPECT_EQ(Join(Calls(oSources, "gl")), "");
 }
@@ -200,18 +200,20 @@ std::string Includes(const VStrings& vHeaders)
 
 TEST(BrokenIncludeRules, RoomsIncludeThoseBeforeThem)
 {
-    EXPECT_EQ(
-        Broken({{"dewarp/lenses/A.cpp", Includes({"records/B.h", "tables/B.h", "lenses/B.h"})},
-                {"dewarp/geometry/A.cpp", Includes({"records/B.h", "lenses/B.h", "tables/B.h"})},
-                {"dewarp/views/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h"})},
-                {"dewarp/control/A.cpp",
-                 Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h", "control/B.h"})},
-                {"dewarp/overlays/A.cpp", Includes({"records/B.h", "overlays/B.h"})},
-                {"dewarp/cpu/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h",
-                                               "control/B.h", "overlays/B.h", "tables/B.h", "cpu/B.h"})},
-                {"dewarp/CFoo.h", Includes({"control/B.h", "gl/B.h", "tables/B.h"})},
-                {"dewarp/hosted/A.cpp", Includes({"CFoo.h", "gl/B.h", "hosted/B.h"})}}),
-        VStrings{});
+    EXPECT_EQ(Broken({{"dewarp/lenses/A.cpp", Includes({"records/B.h", "tables/B.h", "lenses/B.h"})},
+                      {"dewarp/geometry/A.cpp", Includes({"records/B.h", "lenses/B.h", "tables/B.h"})},
+                      {"dewarp/views/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h"})},
+                      {"dewarp/control/A.cpp",
+                       Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h", "control/B.h"})},
+                      {"dewarp/mapping/A.cpp", Includes({"records/B.h", "lenses/B.h", "geometry/B.h",
+                                                         "views/B.h", "control/Decision.h", "mapping/B.h"})},
+                      {"dewarp/overlays/A.cpp", Includes({"records/B.h", "overlays/B.h"})},
+                      {"dewarp/cpu/A.cpp",
+                       Includes({"records/B.h", "lenses/B.h", "geometry/B.h", "views/B.h", "control/B.h",
+                                 "mapping/B.h", "overlays/B.h", "tables/B.h", "cpu/B.h"})},
+                      {"dewarp/CFoo.h", Includes({"control/B.h", "gl/B.h", "tables/B.h"})},
+                      {"dewarp/hosted/A.cpp", Includes({"CFoo.h", "gl/B.h", "hosted/B.h"})}}),
+              VStrings{});
 }
 
 TEST(BrokenIncludeRules, NoRoomIncludesOneBehindIt)
@@ -230,6 +232,10 @@ TEST(BrokenIncludeRules, NoRoomIncludesOneBehindIt)
                                         {"shaders", "views"},
                                         {"gl", "offscreen"},
                                         {"control", "cpu"},
+                                        {"control", "mapping"},
+                                        {"mapping", "control"},
+                                        {"mapping", "overlays"},
+                                        {"mapping", "cpu"},
                                         {"overlays", "cpu"},
                                         {"gl", "cpu"},
                                         {"cpu", "gl"},
@@ -244,8 +250,8 @@ TEST(BrokenIncludeRules, NoRoomIncludesOneBehindIt)
 
 TEST(BrokenIncludeRules, GLIsFoundThroughOtherFiles)
 {
-    for (const char* pRoom :
-         {"records", "tables", "lenses", "geometry", "views", "control", "overlays", "shaders", "cpu"}) {
+    for (const char* pRoom : {"records", "tables", "lenses", "geometry", "views", "control", "mapping",
+                              "overlays", "shaders", "cpu"}) {
         const std::string strRoom = Concatenate({"dewarp/", pRoom, "/"});
         EXPECT_EQ(Broken({{strRoom + "A.cpp", Concatenate({"#include \"", strRoom, "B.h\"\n"})},
                           {strRoom + "B.h", "#include <GLES3/gl31.h>\n"}}),

@@ -69,7 +69,7 @@ TEST(LensMap, ACircleStretchesTheLensToItsRadii)
 {
     const CCameraOptics oOptics =
         OpticsOf(SLens::FromModel(LENS_EQUIDISTANT, 200.0), {700.0f, 500.5f, 480.0f, 520.0f});
-    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1920, 1080, true);
+    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1920, 1080);
     ExpectPlace(oMap, Ray(0.0, 0.0), 700.0, 500.5);
     ExpectPlace(oMap, Ray(100.0, 0.0), 1180.0, 500.5);
     ExpectPlace(oMap, Ray(50.0, 90.0), 700.0, 240.5);
@@ -82,7 +82,7 @@ TEST(LensMap, AKnownLensKeepsItsHeightsInACircle)
     SCameraOptics sSaid;
     sSaid.sCircle = {960.0f, 540.0f, 600.0f, 600.0f};
     const CCameraOptics oOptics(sSaid);
-    const CLensMap oMap(&oOptics, LENS_DSL419, 1920, 1080, true);
+    const CLensMap oMap(&oOptics, LENS_DSL419, 1920, 1080);
     const SGivenLens& rLens = FindLens(LENS_DSL419);
     const double fHeight = static_cast<double>(rLens.vRange[45]) / static_cast<double>(rLens.vRange[90]);
     ASSERT_EQ(rLens.vDomain[45], 45.0f);
@@ -93,26 +93,13 @@ TEST(LensMap, AKnownLensKeepsItsHeightsInACircle)
 TEST(LensMap, WithoutACircleEachLensHasItsOwnRule)
 {
     const CCameraOptics oModel = OpticsOf(SLens::FromModel(LENS_EQUISOLID, 180.0));
-    EXPECT_DOUBLE_EQ(CLensMap(&oModel, LENS_UNKNOWN, 1920, 1080, false).Rim().fRadiusX, 540.0);
+    EXPECT_DOUBLE_EQ(CLensMap(&oModel, LENS_UNKNOWN, 1920, 1080).Rim().fRadiusX, 540.0);
     const CCameraOptics oTable = OpticsOf(SLens::FromTable({0.0, 100.0}, {0.0, 1.5}, 0.003));
-    const SRimEllipse sRim = CLensMap(&oTable, LENS_UNKNOWN, 1921, 1080, false).Rim();
+    const SRimEllipse sRim = CLensMap(&oTable, LENS_UNKNOWN, 1921, 1080).Rim();
     EXPECT_DOUBLE_EQ(sRim.fRadiusX, 500.0);
     EXPECT_DOUBLE_EQ(sRim.fCenterX, 960.5);
-    EXPECT_DOUBLE_EQ(CLensMap(nullptr, LENS_DSL419, 1920, 1080, false).Rim().fRadiusX, 540.0);
-    EXPECT_DOUBLE_EQ(CLensMap(nullptr, LENS_UNKNOWN, 1920, 1080, false).Rim().fRadiusX, 960.0);
-}
-
-TEST(LensMap, TheCamerasShiftBelongsToKnownLensesUnderTheirOwnRule)
-{
-    SCameraOptics sSaid;
-    sSaid.bCleanRim = true;
-    EXPECT_DOUBLE_EQ(CLensMap(nullptr, LENS_DSL419, 1000, 1000, true).Rim().fCenterX, 501.0);
-    const CCameraOptics oRim(sSaid);
-    EXPECT_DOUBLE_EQ(CLensMap(&oRim, LENS_DSL419, 1000, 1000, true).Rim().fCenterX, 501.0);
-    EXPECT_DOUBLE_EQ(CLensMap(&oRim, LENS_DSL419, 1000, 1000, false).Rim().fCenterX, 500.0);
-    sSaid.sCircle = {500.0f, 500.0f, 400.0f, 400.0f};
-    const CCameraOptics oCircle(sSaid);
-    EXPECT_DOUBLE_EQ(CLensMap(&oCircle, LENS_DSL419, 1000, 1000, true).Rim().fCenterX, 500.0);
+    EXPECT_DOUBLE_EQ(CLensMap(nullptr, LENS_DSL419, 1920, 1080).Rim().fRadiusX, 540.0);
+    EXPECT_DOUBLE_EQ(CLensMap(nullptr, LENS_UNKNOWN, 1920, 1080).Rim().fRadiusX, 960.0);
 }
 
 TEST(LensMap, AMirroredFrameHasItsCircleOnTheOtherSide)
@@ -121,7 +108,7 @@ TEST(LensMap, AMirroredFrameHasItsCircleOnTheOtherSide)
     sSaid.sCircle = {300.0f, 400.0f, 250.0f, 250.0f};
     sSaid.bMirrorX = true;
     const CCameraOptics oOptics(sSaid);
-    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1000, 800, false);
+    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1000, 800);
     ExpectPlace(oMap, Ray(0.0, 0.0), 700.0, 400.0);
     // To the right in the picture as it is shown.
     ExpectPlace(oMap, Ray(45.0, 0.0), 825.0, 400.0);
@@ -133,7 +120,7 @@ TEST(LensMap, WhatTheLensDoesNotSeeLandsBeyondItsRim)
 {
     const CCameraOptics oOptics =
         OpticsOf(SLens::FromModel(LENS_ORTHOGRAPHIC, 180.0), {500.0f, 500.0f, 400.0f, 400.0f});
-    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1000, 1000, false);
+    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1000, 1000);
     double x = 0.0;
     double y = 0.0;
     EXPECT_FALSE(oMap.ToFrame(Ray(91.0, 0.0), x, y));
@@ -155,7 +142,7 @@ TEST(LensMap, ACalibrationCountsItsPixelsFromTheMiddleOfTheFirst)
     s.fCenterY = 269.5;
     const CCameraOptics oOptics = OpticsOf(SLens::FromCalibration(s));
     // Frames of twice the size.
-    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1920, 1080, true);
+    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1920, 1080);
     ExpectPlace(oMap, Ray(0.0, 0.0), 960.0, 540.0);
     ExpectPlace(oMap, Ray(45.0, 0.0), 960.0 + 600.0 * 45.0 * RADIANS, 540.0);
     ExpectPlace(oMap, Ray(45.0, -90.0), 960.0, 540.0 + 620.0 * 45.0 * RADIANS);
@@ -174,7 +161,7 @@ TEST(LensMap, CalibrationsComeBackFromTheFrame)
     s.afRadial[2] = -0.0007;
     s.afRadial[3] = 0.00004;
     const CCameraOptics oFisheye = OpticsOf(SLens::FromCalibration(s));
-    ExpectRoundTrips(CLensMap(&oFisheye, LENS_UNKNOWN, 1920, 1080, false));
+    ExpectRoundTrips(CLensMap(&oFisheye, LENS_UNKNOWN, 1920, 1080));
     s.eModel = CALIBRATION_UNIFIED;
     s.fXi = 1.2;
     s.fFocalX = s.fFocalY = 1100.0;
@@ -184,7 +171,7 @@ TEST(LensMap, CalibrationsComeBackFromTheFrame)
     s.afTangential[0] = 0.0012;
     s.afTangential[1] = -0.0007;
     const CCameraOptics oUnified = OpticsOf(SLens::FromCalibration(s));
-    ExpectRoundTrips(CLensMap(&oUnified, LENS_UNKNOWN, 1920, 1080, false));
+    ExpectRoundTrips(CLensMap(&oUnified, LENS_UNKNOWN, 1920, 1080));
 }
 
 TEST(LensMap, ACircleOnlyEndsTheLightOfACalibration)
@@ -193,7 +180,7 @@ TEST(LensMap, ACircleOnlyEndsTheLightOfACalibration)
     s.fFocalX = s.fFocalY = 600.0;
     s.fCenterX = s.fCenterY = 499.5;
     const CCameraOptics oOptics = OpticsOf(SLens::FromCalibration(s), {510.0f, 500.0f, 300.0f, 300.0f});
-    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1000, 1000, false);
+    const CLensMap oMap(&oOptics, LENS_UNKNOWN, 1000, 1000);
     ExpectPlace(oMap, Ray(10.0, 0.0), 500.0 + 600.0 * 10.0 * RADIANS, 500.0);
     EXPECT_DOUBLE_EQ(oMap.Rim().fCenterX, 510.0);
     SDirection d;
@@ -204,13 +191,13 @@ TEST(LensMap, ACircleOnlyEndsTheLightOfACalibration)
 TEST(LensMap, HalfFieldIsTheLensOrWhatTheFrameHasRoomFor)
 {
     const CCameraOptics oInside = OpticsOf(SLens::FromModel(LENS_EQUIDISTANT, 220.0));
-    EXPECT_DOUBLE_EQ(CLensMap(&oInside, LENS_UNKNOWN, 1920, 1080, false).HalfField(), 110.0);
+    EXPECT_DOUBLE_EQ(CLensMap(&oInside, LENS_UNKNOWN, 1920, 1080).HalfField(), 110.0);
     SLensCalibration s;
     s.fFocalX = s.fFocalY = 1000.0;
     s.fCenterX = 499.5;
     s.fCenterY = 499.5;
     const CCameraOptics oCut = OpticsOf(SLens::FromCalibration(s));
-    EXPECT_NEAR(CLensMap(&oCut, LENS_UNKNOWN, 1000, 1000, false).HalfField(), std::sqrt(0.5) / RADIANS, 1e-6);
+    EXPECT_NEAR(CLensMap(&oCut, LENS_UNKNOWN, 1000, 1000).HalfField(), std::sqrt(0.5) / RADIANS, 1e-6);
 }
 
 TEST(BodyTurn, YawLooksRightPitchUpAndRollTurnsClockwise)

@@ -2,8 +2,8 @@
 /// The vertices of a mesh, seen from one part of a view.
 #pragma once
 
-#include "dewarp/cpu/MeshIndex.h"
-#include "dewarp/cpu/ScreenTriangle.h"
+#include "dewarp/mapping/MeshIndex.h"
+#include "dewarp/mapping/ScreenTriangle.h"
 #include "dewarp/views/View.h"
 
 #include <cstddef>

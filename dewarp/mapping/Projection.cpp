@@ -1,6 +1,6 @@
-#include "dewarp/cpu/Projection.h"
+#include "dewarp/mapping/Projection.h"
 
-#include "dewarp/cpu/Grid.h"
+#include "dewarp/mapping/FramePosition.h"
 
 #include <cmath>
 

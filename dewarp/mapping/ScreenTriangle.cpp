@@ -1,4 +1,4 @@
-#include "dewarp/cpu/ScreenTriangle.h"
+#include "dewarp/mapping/ScreenTriangle.h"
 
 #include <algorithm>
 #include <cmath>

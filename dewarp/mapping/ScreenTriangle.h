@@ -47,18 +47,6 @@ inline SScreenVertex OnScreen(const SClipVertex& r, const SWindow& rWindow)
             (r.z * f + 1.0) * 0.5};
 }
 
-/// What may be drawn of a triangle, beside its edges.
-struct SCuts
-{
-    bool bDepth = false; ///< window depth must not lie below fDepth
-    double fDepth = 0.0;
-    bool bRows = false; ///< positions must lie inside the frame's rows
-    double fLowestRow = 0.0;
-    double fHighestRow = 0.0;
-
-    bool Any() const { return bDepth || bRows; }
-};
-
 /// A plane over the target, from a triangle's first corner.
 struct SPlane
 {
@@ -96,6 +84,33 @@ struct SScreenTriangle
     SPlane sZ;          ///< window depth
     bool bFlat = false; ///< 1/w is 1 everywhere
 };
+
+/// What may be drawn of a triangle, beside its edges.
+struct SCuts
+{
+    bool bDepth = false; ///< window depth must not lie below fDepth
+    double fDepth = 0.0;
+    bool bRows = false; ///< positions must lie inside the frame's rows
+    double fLowestRow = 0.0;
+    double fHighestRow = 0.0;
+
+    bool Any() const { return bDepth || bRows; }
+    /// Whether a triangle is drawn at an offset from its first corner, where it shows row v.
+    bool Keep(const SScreenTriangle& rTriangle, double dx, double dy, double v) const
+    {
+        return (!bDepth || rTriangle.sZ.At(dx, dy) >= fDepth) &&
+               (!bRows || (v >= fLowestRow && v <= fHighestRow));
+    }
+};
+
+/// Whether a point on an edge belongs to the triangle, so that of two that share the edge one has it: left
+/// edges and level upper ones are a triangle's own. The steps are what is gained towards the inside with a
+/// pixel to the right and one down.
+template <class T>
+inline bool IsOwnEdge(T tStepX, T tStepY)
+{
+    return tStepX > T{0} || (tStepX == T{0} && tStepY > T{0});
+}
 
 /// Most corners that are left of a triangle.
 inline constexpr int MOST_CLIPPED = 9;

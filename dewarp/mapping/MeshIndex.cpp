@@ -1,4 +1,4 @@
-#include "dewarp/cpu/MeshIndex.h"
+#include "dewarp/mapping/MeshIndex.h"
 
 #include "dewarp/geometry/CustomGPUGeometry.h"
 
