@@ -84,7 +84,7 @@ TEST(OpenCVLens, FisheyeRaysLandWhereOpenCVPutsThem)
             std::copy(std::begin(rRadial), std::end(rRadial), std::begin(s.afRadial));
             s.fSkew = fAlpha * s.fFocalX;
             const CCameraOptics oOptics = OpticsOf(s);
-            const CLensMap oMap(&oOptics, LENS_UNKNOWN, s.nWidth, s.nHeight, false);
+            const CLensMap oMap(&oOptics, LENS_UNKNOWN, s.nWidth, s.nHeight);
             // OpenCV takes points of a plane before the lens: it does not reach further.
             const std::vector<SDirection> vRays = RaysUpTo(89.0);
             std::vector<cv::Point2d> vPlane;
@@ -116,7 +116,7 @@ TEST(OpenCVLens, RaysOfTheUnifiedModelLandWhereOpenCVPutsThem)
             std::copy(rTerms, rTerms + 2, std::begin(s.afRadial));
             std::copy(rTerms + 2, rTerms + 4, std::begin(s.afTangential));
             const CCameraOptics oOptics = OpticsOf(s);
-            const CLensMap oMap(&oOptics, LENS_UNKNOWN, s.nWidth, s.nHeight, false);
+            const CLensMap oMap(&oOptics, LENS_UNKNOWN, s.nWidth, s.nHeight);
             const std::vector<SDirection> vRays = RaysUpTo(99.0);
             std::vector<cv::Point3d> vPoints;
             for (const SDirection& rRay : vRays)
