@@ -119,6 +119,26 @@ bool FadeCell(const CCoverage& rCoverage, const SGridPoint* pPositions, std::uin
     return true;
 }
 
+/// Whether a cell between grid points lies inside as a whole, told by its points alone: most do.
+bool LiesInside(const CCoverage& rCoverage, const SCellPoints& rPoints)
+{
+    const int nPerCell = CELL_SIDE / rPoints.nStep;
+    SGridPoint sLow = rPoints.pFirst[0];
+    SGridPoint sHigh = sLow;
+    for (int y = 0; y <= nPerCell; ++y) {
+        for (int x = 0; x <= nPerCell; ++x) {
+            const SGridPoint& p = rPoints.pFirst[y * rPoints.nRow + x];
+            sLow = {std::min(sLow.x, p.x), std::min(sLow.y, p.y)};
+            sHigh = {std::max(sHigh.x, p.x), std::max(sHigh.y, p.y)};
+        }
+    }
+    const SPlace sFirst = rCoverage.PlaceOf(sLow);
+    const SPlace sLast = rCoverage.PlaceOf(sHigh);
+    const double fRoomU = 0.25 * (sLast.u - sFirst.u);
+    const double fRoomV = 0.25 * (sLast.v - sFirst.v);
+    return rCoverage.Holds(sFirst.u - fRoomU, sFirst.v - fRoomV, sLast.u + fRoomU, sLast.v + fRoomV);
+}
+
 /// The cells of one row of cells, whose pixels stand side by side in rows.
 bool FadeRow(const SPartGrid& rGrid, int nRow, const CCoverage& rCoverage, std::uint32_t* pPixels)
 {
@@ -136,9 +156,11 @@ bool FadeRow(const SPartGrid& rGrid, int nRow, const CCoverage& rCoverage, std::
             nCovered = rCell.nCovered;
             ExactPositions(rCell, asPositions);
         } else {
-            PixelPositions({&rGrid.vPoints[rGrid.PointIndex(nCol * nPerCell, nRow * nPerCell)],
-                            rGrid.nPointCols, rGrid.nStep},
-                           asPositions);
+            const SCellPoints sPoints = {&rGrid.vPoints[rGrid.PointIndex(nCol * nPerCell, nRow * nPerCell)],
+                                         rGrid.nPointCols, rGrid.nStep};
+            if (LiesInside(rCoverage, sPoints))
+                continue;
+            PixelPositions(sPoints, asPositions);
         }
         std::uint32_t anCell[CELL_PIXELS];
         if (!FadeCell(rCoverage, asPositions, nCovered, anCell))

@@ -36,9 +36,9 @@ struct SPatch
     int nRows;
 };
 
-const SPatch DUAL[] = {{-0.8, 0.0, -0.5, 0.5, 48, 60}, {0.0, 0.8, -0.5, 0.5, 48, 60}};
+const SPatch DUAL[] = {{-0.8, 0.0, -0.5, 0.5, 38, 46}, {0.0, 0.8, -0.5, 0.5, 38, 46}};
 const SPatch TRIPLE[] = {
-    {-1.2, -0.4, -0.5, 0.5, 48, 60}, {0.4, 1.2, -0.5, 0.5, 48, 60}, {-0.4, 0.4, -0.5, 0.5, 48, 60}};
+    {-1.2, -0.4, -0.5, 0.5, 38, 46}, {0.4, 1.2, -0.5, 0.5, 38, 46}, {-0.4, 0.4, -0.5, 0.5, 38, 46}};
 
 double MostAngle(const CViewOptics& rOptics)
 {
@@ -175,7 +175,7 @@ void BuildSphere(CCustomGPUGeometry& rGeometry, const CViewOptics& rOptics)
 {
     const std::vector<double> vRings = PlaceRings(rOptics.Lens().Curve(), MostAngle(rOptics));
     const int nRows = static_cast<int>(vRings.size()) - 1;
-    const int nSectors = 160;
+    const int nSectors = 128;
     rGeometry.CheckBufferSize(6 * nRows * nSectors);
     const CGridMesh oGrid(rGeometry, nSectors, nRows);
     for (int r = 0; r <= nRows; ++r) {

@@ -8,7 +8,7 @@
 
 static const double RADIANS = std::numbers::pi / 180.0;
 static const double LEAST_STEP = 0.4 * RADIANS;
-static const double MOST_STEP = 2.0 * RADIANS;
+static const double MOST_STEP = 2.4 * RADIANS;
 /// How far a line may leave the lens's curve, in parts of the height at its edge.
 static const double MOST_ERROR = 4e-5;
 
