@@ -14,6 +14,7 @@ const int PHASES = (1 << PHASE_BITS) + 1;
 const int WEIGHT_BITS = 14;
 // Rows are summed first, and kept with so many bits of fraction.
 const int ROW_BITS = 7;
+const int MOST_PIXEL_BYTES = 4;
 
 double CubicWeight(double x)
 {
@@ -71,6 +72,43 @@ const CWeights<TAPS>& Weights()
     return oWeights;
 }
 
+int PhaseOf(std::int32_t nPosition)
+{
+    const int nBits = POSITION_BITS - PHASE_BITS;
+    return ((nPosition & (POSITION_ONE - 1)) + (1 << (nBits - 1))) >> nBits;
+}
+
+/// The weighed sum of TAPS x TAPS bytes that are STEP bytes apart, as a sample.
+template <int TAPS, int STEP>
+int KernelSample(const unsigned char* pFirst, std::ptrdiff_t nStride, const std::int16_t* pAcross,
+                 const std::int16_t* pDown)
+{
+    int nSum = 1 << (ROW_BITS - 1);
+    for (int j = 0; j < TAPS; ++j, pFirst += nStride) {
+        int nRow = 1 << (WEIGHT_BITS - ROW_BITS - 1);
+        for (int i = 0; i < TAPS; ++i)
+            nRow += pAcross[i] * pFirst[i * STEP];
+        nSum += pDown[j] * (nRow >> (WEIGHT_BITS - ROW_BITS));
+    }
+    const int nSample = ((nSum >> ROW_BITS) * SAMPLE_LEVEL + (1 << (WEIGHT_BITS - 1))) >> WEIGHT_BITS;
+    return std::clamp(nSample, 0, 255 * SAMPLE_LEVEL);
+}
+
+/// TAPS x TAPS pixels from a column and row on; beyond the plane it goes on as its edge is.
+template <int TAPS>
+void CopyEdge(const SSamplePlane& rPlane, int x, int y, unsigned char* pTarget)
+{
+    for (int j = 0; j < TAPS; ++j) {
+        const unsigned char* const pRow =
+            rPlane.pPixels + std::clamp(y + j, 0, rPlane.nHeight - 1) * rPlane.nStride;
+        for (int i = 0; i < TAPS; ++i) {
+            const std::ptrdiff_t nColumn = std::clamp(x + i, 0, rPlane.nWidth - 1);
+            for (int n = 0; n < rPlane.nPixelBytes; ++n)
+                *pTarget++ = pRow[nColumn * rPlane.nPixelBytes + n];
+        }
+    }
+}
+
 /// Linear samples that a side of a footprint takes: a quarter of a texel more than a whole number does not
 /// take another one.
 int CountOf(const SGridPoint& rSide)
@@ -83,6 +121,13 @@ int CountOf(const SGridPoint& rSide)
             break;
     }
     return n;
+}
+
+/// One of some samples that share a side evenly, from the side's middle.
+SGridPoint PlaceOnSide(const SGridPoint& rSide, int n, int nSamples)
+{
+    const int nHalves = 2 * n + 1 - nSamples;
+    return {rSide.x * nHalves / (2 * nSamples), rSide.y * nHalves / (2 * nSamples)};
 }
 
 /// Half of a distance in a plane of half resolution.
@@ -151,30 +196,35 @@ bool CPlaneSampler::TakeKernel(const SSamplePlane& rPlane, const SGridPoint& rAt
     const int y = (rAt.y >> POSITION_BITS) - nBefore;
     if (!IsClear(rPlane, x, y, TAPS))
         return false;
-    std::ptrdiff_t anColumns[TAPS];
-    const unsigned char* apRows[TAPS];
-    for (int i = 0; i < TAPS; ++i) {
-        anColumns[i] = std::ptrdiff_t{std::clamp(x + i, 0, rPlane.nWidth - 1)} * rPlane.nPixelBytes;
-        apRows[i] = rPlane.pPixels + std::clamp(y + i, 0, rPlane.nHeight - 1) * rPlane.nStride;
+    const CWeights<TAPS>& rWeights = Weights<TAPS>();
+    const std::int16_t* const pAcross = rWeights.Phase(PhaseOf(rAt.x));
+    const std::int16_t* const pDown = rWeights.Phase(PhaseOf(rAt.y));
+    const bool bInside = x >= 0 && y >= 0 && x + TAPS <= rPlane.nWidth && y + TAPS <= rPlane.nHeight;
+    unsigned char anEdge[TAPS * TAPS * MOST_PIXEL_BYTES];
+    const unsigned char* pFirst = anEdge;
+    std::ptrdiff_t nStride = std::ptrdiff_t{TAPS} * rPlane.nPixelBytes;
+    if (bInside) {
+        nStride = rPlane.nStride;
+        pFirst = rPlane.pPixels + y * nStride + std::ptrdiff_t{x} * rPlane.nPixelBytes;
+    } else {
+        CopyEdge<TAPS>(rPlane, x, y, anEdge);
     }
-    const auto Phase = [](std::int32_t n) {
-        const int nBits = POSITION_BITS - PHASE_BITS;
-        return Weights<TAPS>().Phase(((n & (POSITION_ONE - 1)) + (1 << (nBits - 1))) >> nBits);
-    };
-    const std::int16_t* const pAcross = Phase(rAt.x);
-    const std::int16_t* const pDown = Phase(rAt.y);
     for (int k = 0; k < nBytes; ++k) {
-        int nSum = 0;
-        for (int j = 0; j < TAPS; ++j) {
-            const unsigned char* const pRow = apRows[j] + pBytes[k];
-            int nRow = 1 << (WEIGHT_BITS - ROW_BITS - 1);
-            for (int i = 0; i < TAPS; ++i)
-                nRow += pAcross[i] * pRow[anColumns[i]];
-            nSum += pDown[j] * (nRow >> (WEIGHT_BITS - ROW_BITS));
+        const unsigned char* const p = pFirst + pBytes[k];
+        switch (rPlane.nPixelBytes) {
+        case 1:
+            pSamples[k] = KernelSample<TAPS, 1>(p, nStride, pAcross, pDown);
+            break;
+        case 2:
+            pSamples[k] = KernelSample<TAPS, 2>(p, nStride, pAcross, pDown);
+            break;
+        case 3:
+            pSamples[k] = KernelSample<TAPS, 3>(p, nStride, pAcross, pDown);
+            break;
+        default:
+            pSamples[k] = KernelSample<TAPS, 4>(p, nStride, pAcross, pDown);
+            break;
         }
-        const int nLevels = (nSum + (1 << (ROW_BITS - 1))) >> ROW_BITS;
-        const int nSample = (nLevels * SAMPLE_LEVEL + (1 << (WEIGHT_BITS - 1))) >> WEIGHT_BITS;
-        pSamples[k] = std::clamp(nSample, 0, 255 * SAMPLE_LEVEL);
     }
     return true;
 }
@@ -187,8 +237,13 @@ void CPlaneSampler::TakeBase(const SSamplePlane& rPlane, const SGridPoint& rAt, 
         return;
     if (m_sSampling.eSampling == SAMPLING_LANCZOS && TakeKernel<6>(rPlane, rAt, pBytes, nBytes, pSamples))
         return;
-    for (int i = 0; i < nBytes; ++i)
-        pSamples[i] = SampleAt(rPlane, pBytes[i], rAt.x, rAt.y, m_sSampling.eSampling != SAMPLING_NEAREST);
+    if (m_sSampling.eSampling == SAMPLING_NEAREST) {
+        for (int i = 0; i < nBytes; ++i)
+            pSamples[i] = SampleAt(rPlane, pBytes[i], rAt.x, rAt.y, false);
+        return;
+    }
+    std::fill_n(pSamples, nBytes, 0);
+    AddLinear(rPlane, rAt.x, rAt.y, pBytes, nBytes, pSamples);
 }
 
 void CPlaneSampler::Take(const SSamplePlane& rPlane, const SSpot& rSpot, const int* pBytes, int nBytes,
@@ -196,16 +251,20 @@ void CPlaneSampler::Take(const SSamplePlane& rPlane, const SSpot& rSpot, const i
 {
     const int nAcross = m_sSampling.bMinification ? CountOf(rSpot.sAcross) : 1;
     const int nDown = m_sSampling.bMinification ? CountOf(rSpot.sDown) : 1;
+    if (nAcross * nDown == 1) {
+        TakeBase(rPlane, rSpot.sAt, pBytes, nBytes, pSamples);
+        return;
+    }
+    SGridPoint asColumns[MOST_SAMPLES];
+    for (int i = 0; i < nAcross; ++i)
+        asColumns[i] = PlaceOnSide(rSpot.sAcross, i, nAcross);
     int anSums[4] = {};
     int nTaken = 0;
-    for (int j = 0; j < nDown && nAcross * nDown > 1; ++j) {
-        const int nDownHalves = 2 * j + 1 - nDown;
+    for (int j = 0; j < nDown; ++j) {
+        const SGridPoint sRow = PlaceOnSide(rSpot.sDown, j, nDown);
         for (int i = 0; i < nAcross; ++i) {
-            const int nAcrossHalves = 2 * i + 1 - nAcross;
-            const std::int32_t x = rSpot.sAt.x + rSpot.sAcross.x * nAcrossHalves / (2 * nAcross) +
-                                   rSpot.sDown.x * nDownHalves / (2 * nDown);
-            const std::int32_t y = rSpot.sAt.y + rSpot.sAcross.y * nAcrossHalves / (2 * nAcross) +
-                                   rSpot.sDown.y * nDownHalves / (2 * nDown);
+            const std::int32_t x = rSpot.sAt.x + sRow.x + asColumns[i].x;
+            const std::int32_t y = rSpot.sAt.y + sRow.y + asColumns[i].y;
             if (!IsClear(rPlane, x >> POSITION_BITS, y >> POSITION_BITS, 2))
                 continue;
             AddLinear(rPlane, x, y, pBytes, nBytes, anSums);

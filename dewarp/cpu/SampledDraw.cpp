@@ -42,9 +42,12 @@ SGridPoint StepOf(const SGridPoint* pPoints, std::uint64_t nCovered, int n, int 
     return 4 * SquareOf(rOther) < SquareOf(rPair) ? rOther : rPair;
 }
 
+/// A point's spot; steps are needed for averages alone.
 template <int SIDE>
-SSpot SpotOf(const SGridPoint* pPoints, std::uint64_t nCovered, int n)
+SSpot SpotOf(const SGridPoint* pPoints, std::uint64_t nCovered, int n, bool bSteps)
 {
+    if (!bSteps)
+        return {pPoints[n], SGridPoint(), SGridPoint()};
     return {pPoints[n], StepOf<SIDE>(pPoints, nCovered, n, n % SIDE, 1),
             StepOf<SIDE>(pPoints, nCovered, n, n / SIDE, SIDE)};
 }
@@ -88,7 +91,7 @@ void CFrameDraw::DrawSampledPixels(const SCellSpan& rSpan, const SGridPoint* pPo
     const bool bFine = rColours.sFine.bUsed;
     for (std::uint64_t nLeft = nCovered; nLeft != 0; nLeft &= nLeft - 1) {
         const int n = std::countr_zero(nLeft);
-        const SSpot sSpot = SpotOf<CELL_SIDE>(pPoints, nCovered, n);
+        const SSpot sSpot = SpotOf<CELL_SIDE>(pPoints, nCovered, n, m_rJob.sSampling.bMinification);
         std::uint32_t nRGBA = 0;
         if (m_rCells.eSource == SOURCE_PACKED) {
             nRGBA = oSampler.TakePacked(m_rCells, sSpot);
@@ -114,7 +117,7 @@ void CFrameDraw::DrawSampledYUV(const SCellSpan& rSpan, const SGridPoint* pPoint
     const bool bFine = rColours.sFine.bUsed;
     for (std::uint64_t nLeft = nCovered; nLeft != 0; nLeft &= nLeft - 1) {
         const int n = std::countr_zero(nLeft);
-        const SSpot sSpot = SpotOf<CELL_SIDE>(pPoints, nCovered, n);
+        const SSpot sSpot = SpotOf<CELL_SIDE>(pPoints, nCovered, n, m_rJob.sSampling.bMinification);
         anLuma[n] = static_cast<unsigned char>(
             bFine ? FineYUV(rColours, pPoints[n], oSampler.TakeYUV(m_rCells, sSpot)) & 255
                   : static_cast<std::uint32_t>(SampleByte(oSampler.TakeLuma(m_rCells, sSpot))));
@@ -127,7 +130,7 @@ void CFrameDraw::DrawSampledYUV(const SCellSpan& rSpan, const SGridPoint* pPoint
         nPlaces = 0;
     for (std::uint64_t nLeft = nPlaces; nLeft != 0; nLeft &= nLeft - 1) {
         const int n = std::countr_zero(nLeft);
-        const SSpot sSpot = SpotOf<CELL_SIDE / 2>(pPlaces, nPlaces, n);
+        const SSpot sSpot = SpotOf<CELL_SIDE / 2>(pPlaces, nPlaces, n, m_rJob.sSampling.bMinification);
         SYUVSample sSample;
         if (bFine) {
             const std::uint32_t nYUV = FineYUV(rColours, pPlaces[n], oSampler.TakeYUV(m_rCells, sSpot));

@@ -1,6 +1,6 @@
 // How pictures are sampled: kernels against their formulae, averages against pictures drawn eight times as
-// large, and masks, under which nothing may shine through.
-#include "tests/support/EngineDewarper.h"
+// large.
+#include "SamplingScene.h"
 #include "tests/support/GLRecorder.h"
 #include "tests/support/ReferenceSampling.h"
 
@@ -8,36 +8,9 @@
 #include <cmath>
 #include <cstdio>
 #include <gtest/gtest.h>
-#include <random>
 
 namespace
 {
-
-const ESampling SAMPLINGS[] = {SAMPLING_NEAREST, SAMPLING_LINEAR, SAMPLING_CUBIC, SAMPLING_LANCZOS};
-const ESampling KERNELS[] = {SAMPLING_CUBIC, SAMPLING_LANCZOS};
-
-SReferenceSetup SetupOf(EViewType eView, int nFrame, int nWidth, int nHeight, double fZoom = 180.0)
-{
-    SReferenceSetup s;
-    s.eView = eView;
-    s.nLensType = LENS_DSL419;
-    s.nImageWidth = s.nImageHeight = nFrame;
-    s.nTargetWidth = nWidth;
-    s.nTargetHeight = nHeight;
-    s.fZoom = fZoom;
-    return s;
-}
-
-STestImage NoisePicture(int nSize, int nSeed)
-{
-    std::mt19937 oRandom(static_cast<unsigned int>(nSeed));
-    STestImage sPicture(nSize, nSize);
-    for (int y = 0; y < nSize; ++y)
-        for (int x = 0; x < nSize; ++x)
-            sPicture.Set(x, y, static_cast<int>(oRandom() % 256), static_cast<int>(oRandom() % 256),
-                         static_cast<int>(oRandom() % 256));
-    return sPicture;
-}
 
 /// Waves of forty texels and more.
 STestImage SmoothPicture(int nSize)
@@ -61,15 +34,6 @@ STestImage LinesPicture(int nSize)
             sPicture.Set(x, y, bLine ? 250 : 30, bLine ? 240 : 60, (x / 2 + y / 3) % 2 != 0 ? 200 : 20);
         }
     return sPicture;
-}
-
-/// A picture of a frame with a sampling.
-STestImage Draw(CEngineDewarper& rDewarper, CTestFrame& rFrame, ESampling eSampling, bool bMinification)
-{
-    EXPECT_TRUE(rDewarper->SetSampling(eSampling));
-    rDewarper->SetMinification(bMinification);
-    EXPECT_TRUE(rDewarper.DrawFrame(rFrame));
-    return rDewarper.Picture();
 }
 
 /// Mean and largest difference from the kernel's formula at the exact view's places, levels.
@@ -276,39 +240,7 @@ TEST_P(Shrinking, AveragedPicturesAreTenDecibelsBetter)
 namespace
 {
 
-const int SECRET_FRAME = 300;
-
-/// White where a mask lies, and black elsewhere; the mask as a polygon.
-SGPolygon SecretPolygon()
-{
-    SGPolygon sPolygon;
-    sPolygon.vPoints = {{90, 100}, {170, 60}, {230, 130}, {160, 240}};
-    sPolygon.nColor = 0x000000FF;
-    return sPolygon;
-}
-
-/// Texels that the engine's own mask covers are white: those where a white mask shows in a flat view.
-STestImage SecretPicture(EDewarpEngine eEngine)
-{
-    CTestFrame oBlack(STestImage(SECRET_FRAME, SECRET_FRAME), IMAGE_FORMAT_RGB24);
-    CEngineDewarper oDewarper(eEngine, SECRET_FRAME, SECRET_FRAME);
-    SGPolygon sPolygon = SecretPolygon();
-    sPolygon.nColor = 0xFFFFFFFF;
-    oDewarper->SetMaskPolygons({sPolygon});
-    EXPECT_TRUE(oDewarper.Apply(SetupOf(VIEW_FISHEYE, SECRET_FRAME, SECRET_FRAME, SECRET_FRAME), oBlack));
-    return oDewarper.Picture();
-}
-
-/// The same secret under an image that lies over the frame.
-std::vector<unsigned char> SecretOverlay(const STestImage& sSecret)
-{
-    std::vector<unsigned char> vOverlay(sSecret.vPixels.size());
-    for (std::size_t n = 3; n < vOverlay.size(); n += 4)
-        vOverlay[n] = sSecret.vPixels[n - 1];
-    return vOverlay;
-}
-
-struct SSecretView
+struct SView
 {
     EViewType eView;
     int nWidth;
@@ -316,95 +248,15 @@ struct SSecretView
     double fZoom;
 };
 
-const SSecretView SECRET_VIEWS[] = {
-    {VIEW_FISHEYE, 61, 61, 180.0},        {VIEW_FISHEYE, 200, 160, 180.0}, {VIEW_FISHEYE, 240, 200, 60.0},
-    {VIEW_PANORAMA_FULL, 240, 40, 180.0}, {VIEW_VCAM, 160, 120, 90.0},
-};
-
-/// Pixels that are lighter than in another picture.
-int CountLighter(const STestImage& sPicture, const STestImage& sThan)
-{
-    int nLighter = 0;
-    for (int y = 0; y < sPicture.nHeight; ++y)
-        for (int x = 0; x < sPicture.nWidth; ++x) {
-            const unsigned char* const p = sPicture.At(x, y);
-            const unsigned char* const q = sThan.At(x, y);
-            nLighter += p[0] > q[0] || p[1] > q[1] || p[2] > q[2] ? 1 : 0;
-        }
-    return nLighter;
-}
-
 } // namespace
-
-TEST_P(Sampling, NothingUnderAMaskIsCarriedBesideIt)
-{
-    const STestImage sSecret = SecretPicture(GetParam());
-    std::vector<unsigned char> vOverlay = SecretOverlay(sSecret);
-    int nWhite = 0;
-    for (const EImageFormat eFormat : {IMAGE_FORMAT_RGB24, IMAGE_FORMAT_NV12}) {
-        CTestFrame oFrame(sSecret, eFormat);
-        for (const SSecretView& v : SECRET_VIEWS) {
-            CEngineDewarper oDewarper(GetParam(), v.nWidth, v.nHeight);
-            ASSERT_TRUE(
-                oDewarper.Apply(SetupOf(v.eView, SECRET_FRAME, v.nWidth, v.nHeight, v.fZoom), oFrame));
-            const STestImage sOpen = Draw(oDewarper, oFrame, SAMPLING_LINEAR, false);
-            for (const bool bPolygon : {true, false}) {
-                if (bPolygon) {
-                    oDewarper->SetMaskPolygons({SecretPolygon()});
-                } else {
-                    oDewarper->SetMaskPolygons(std::vector<SGPolygon>());
-                    oDewarper->SetInputOverlay(vOverlay.data(), SECRET_FRAME, SECRET_FRAME, 0);
-                }
-                const STestImage sPlain = Draw(oDewarper, oFrame, SAMPLING_LINEAR, false);
-                nWhite += CountLighter(sOpen, sPlain);
-                for (const ESampling eSampling : {SAMPLING_LINEAR, SAMPLING_CUBIC, SAMPLING_LANCZOS}) {
-                    for (const bool bMinification : {false, true}) {
-                        const STestImage sPicture = Draw(oDewarper, oFrame, eSampling, bMinification);
-                        EXPECT_EQ(CountLighter(sPicture, sPlain), 0)
-                            << "view " << v.eView << ", sampling " << eSampling << ", averaged "
-                            << bMinification << ", polygon " << bPolygon << ", format " << eFormat;
-                    }
-                }
-            }
-        }
-    }
-    EXPECT_GT(nWhite, 10000) << "the secret must be in the pictures without a mask";
-    EXPECT_NO_GL_ERROR();
-}
-
-TEST_P(Sampling, MasksFarAwayChangeNothing)
-{
-    const SReferenceSetup s = SetupOf(VIEW_FISHEYE, 300, 120, 120, 180.0);
-    CTestFrame oFrame(NoisePicture(300, 6), IMAGE_FORMAT_NV12);
-    CEngineDewarper oDewarper(GetParam(), 120, 120);
-    ASSERT_TRUE(oDewarper.Apply(s, oFrame));
-    for (const ESampling eSampling : SAMPLINGS) {
-        for (const bool bMinification : {false, true}) {
-            oDewarper->SetMaskPolygons(std::vector<SGPolygon>());
-            const STestImage sOpen = Draw(oDewarper, oFrame, eSampling, bMinification);
-            SGPolygon sPolygon;
-            sPolygon.vPoints = {{0, 0}, {40, 0}, {40, 40}, {0, 40}};
-            sPolygon.nColor = 0x102030FF;
-            oDewarper->SetMaskPolygons({sPolygon});
-            const STestImage sMasked = Draw(oDewarper, oFrame, eSampling, bMinification);
-            int nOther = 0;
-            for (int y = 0; y < 120; ++y)
-                for (int x = 0; x < 120; ++x)
-                    nOther += (x > 24 || y > 24) && sOpen.Word(x, y) != sMasked.Word(x, y) ? 1 : 0;
-            EXPECT_EQ(nOther, 0) << "sampling " << eSampling << ", averaged " << bMinification;
-            EXPECT_EQ(sMasked.Word(8, 8), 0x102030FFu);
-        }
-    }
-    EXPECT_NO_GL_ERROR();
-}
 
 TEST(SamplingOfBothEngines, AgreesOnSmoothScenes)
 {
-    const SSecretView asViews[] = {
+    const SView asViews[] = {
         {VIEW_VCAM, 240, 180, 100.0}, {VIEW_PANORAMA_FULL, 420, 60, 180.0}, {VIEW_FISHEYE, 97, 97, 180.0}};
     for (const EImageFormat eFormat : {IMAGE_FORMAT_NV12, IMAGE_FORMAT_RGB24}) {
         CTestFrame oFrame(SmoothPicture(600), eFormat);
-        for (const SSecretView& v : asViews) {
+        for (const SView& v : asViews) {
             CEngineDewarper oGL(ENGINE_GL, v.nWidth, v.nHeight);
             CEngineDewarper oCPU(ENGINE_CPU, v.nWidth, v.nHeight);
             const SReferenceSetup s = SetupOf(v.eView, 600, v.nWidth, v.nHeight, v.fZoom);
