@@ -16,7 +16,7 @@ struct SFrameJob
     /// BGRA32, RGBA32, NV12 or YUV420P; the latter two for sources without red and blue.
     SFrameTarget sTarget;
     int nFirstRow = 0;                   ///< row of the picture that the target's first row is; even
-    SPlaneSampling sSampling;            ///< plain: the kernels do
+    SPlaneSampling sSampling = {};       ///< plain: the kernels do
     const CFrameCover* pCover = nullptr; ///< what lies over the frame; null: nothing
 };
 
