@@ -336,6 +336,8 @@ std::string CCustomGPUDewarperVela::GetFragShaderCode()
     sMainShader.bInputOverlayInShader = sMainShader.bInputOverlay;
     // Images have the linear filter, whatever the type of interpolation says.
     const ESampling eSampling = RequestedSettings(sMainShader).SamplingInForce(INTERPOLATION_LINEAR);
+    const SYUVTargetSampling sSampling = {eSampling, sMainShader.bMinification, pParams->nImageWidth,
+                                          pParams->nImageHeight};
     return YUVTargetFragmentText(mDrawToTexture, sMainShader.bInputOverlay, GetFragShaderDiscardCode(),
-                                 GetFragShaderRimCode(), {eSampling, sMainShader.bMinification});
+                                 GetFragShaderRimCode(), sSampling);
 }

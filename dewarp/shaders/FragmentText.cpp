@@ -267,8 +267,10 @@ std::string FragmentText(const SFragmentTextInput& sInput)
 {
     if (!HasFragmentText(sInput.nFormat))
         return std::string();
-    const SSamplingTextInput sSampling = {"sampler2D", sInput.eSampling, sInput.bMinification,
-                                          sInput.bInputOverlay, false};
+    SSamplingTextInput sSampling;
+    sSampling.eSampling = sInput.eSampling;
+    sSampling.bMinification = sInput.bMinification;
+    sSampling.bInputOverlay = sInput.bInputOverlay;
     std::string strText = HeadText(sInput);
     if (sInput.bInputOverlay)
         strText += COLOUR_TEXT::pOverlayDeclaration;

@@ -51,20 +51,38 @@ static const char* const pLanczosWeight = "highp float sampleWeight(highp float 
                                           "   return sin(3.14159265 * x) * sin(1.04719755 * x) / (x * x);\n"
                                           "}\n";
 
+// Size and texels as drivers tell them. Of external images some tell neither: the size is written into the
+// text, and the linear filter has a texel for itself in its middle.
+static const char* const pSizeHead0 = "highp ivec2 sampleSize(";
+
+static const char* const pSizeHead1 = " plane)\n"
+                                      "{\n";
+
+static const char* const pSizeAsked = "   return textureSize(plane, 0);\n";
+
+static const char* const pTexelHead0 = "highp vec4 sampleTexel(";
+
+static const char* const pTexelHead1 = " plane, highp ivec2 texel, highp ivec2 size)\n"
+                                       "{\n";
+
+static const char* const pTexelFetched = "   return texelFetch(plane, texel, 0);\n";
+
+static const char* const pTexelFiltered = "   return texture(plane, (vec2(texel) + 0.5) / vec2(size));\n";
+
 // Between the pieces of functions stand the type of the planes' samplers and what they differ in.
 static const char* const pBaseHead0 = "highp vec4 sampleBase(";
 
 static const char* const pHead1 = " plane, highp vec2 at)\n"
                                   "{\n";
 
-static const char* const pNearest = "   highp ivec2 size = textureSize(plane, 0);\n"
+static const char* const pNearest = "   highp ivec2 size = sampleSize(plane);\n"
                                     "   highp ivec2 place = ivec2(floor(at * vec2(size)));\n"
-                                    "   return texelFetch(plane, clamp(place, ivec2(0), size - 1), 0);\n";
+                                    "   return sampleTexel(plane, clamp(place, ivec2(0), size - 1), size);\n";
 
 static const char* const pLinear = "   return texture(plane, at);\n";
 
 // "before" texels of the kernel lie left of the texel that the place lies right of.
-static const char* const pKernelPlace = "   highp ivec2 size = textureSize(plane, 0);\n"
+static const char* const pKernelPlace = "   highp ivec2 size = sampleSize(plane);\n"
                                         "   highp vec2 place = at * vec2(size) - 0.5;\n"
                                         "   highp vec2 part = place - floor(place);\n"
                                         "   highp ivec2 corner = ivec2(floor(place) - before);\n";
@@ -85,7 +103,7 @@ static const char* const pKernelSum =
     "      highp vec4 row = vec4(0.0);\n"
     "      for (int i = 0; i < taps; ++i) {\n"
     "         highp ivec2 texel = clamp(corner + ivec2(i, j), ivec2(0), size - 1);\n"
-    "         row += across[i] * texelFetch(plane, texel, 0);\n"
+    "         row += across[i] * sampleTexel(plane, texel, size);\n"
     "      }\n"
     "      highp float weight = sampleWeight(part.y + before - float(j));\n"
     "      sum += weight * row;\n"
@@ -99,7 +117,7 @@ static const char* const pFrameBase = "   return sampleBase(plane, at);\n";
 
 // A quarter of a texel more than a whole number does not take another sample.
 static const char* const pAverage0 =
-    "   highp ivec2 size = textureSize(plane, 0);\n"
+    "   highp ivec2 size = sampleSize(plane);\n"
     "   highp vec2 texels = vec2(length(sampleAcross * vec2(size)), length(sampleDown * vec2(size)));\n"
     "   highp vec2 counts = clamp(ceil(texels - 0.25), 1.0, 8.0);\n"
     "   if (max(counts.x, counts.y) < 1.5)\n"
@@ -133,6 +151,22 @@ static const char* const pAverageReturn = "   return sum / total;\n";
 static const char* const pEnd = "}\n";
 
 } // namespace SAMPLING_TEXT
+
+/// The functions that tell a plane's size and texels.
+static std::string PlaneText(const SSamplingTextInput& sInput)
+{
+    const std::string strType = sInput.pSamplerType;
+    std::string strText = SAMPLING_TEXT::pSizeHead0 + strType + SAMPLING_TEXT::pSizeHead1;
+    if (sInput.bExternal)
+        strText +=
+            "   return ivec2(" + NumberText(sInput.nWidth) + ", " + NumberText(sInput.nHeight) + ");\n";
+    else
+        strText += SAMPLING_TEXT::pSizeAsked;
+    strText += SAMPLING_TEXT::pEnd;
+    strText += SAMPLING_TEXT::pTexelHead0 + strType + SAMPLING_TEXT::pTexelHead1;
+    strText += sInput.bExternal ? SAMPLING_TEXT::pTexelFiltered : SAMPLING_TEXT::pTexelFetched;
+    return strText + SAMPLING_TEXT::pEnd;
+}
 
 /// A kernel of some texels along either side.
 static std::string KernelText(int nTaps, bool bInputOverlay)
@@ -174,6 +208,7 @@ std::string SamplingText(const SSamplingTextInput& sInput)
         strText += SAMPLING_TEXT::pCubicWeight;
     if (sInput.eSampling == SAMPLING_LANCZOS)
         strText += SAMPLING_TEXT::pLanczosWeight;
+    strText += PlaneText(sInput);
     strText += SAMPLING_TEXT::pBaseHead0 + std::string(sInput.pSamplerType) + SAMPLING_TEXT::pHead1;
     strText += BaseText(sInput) + SAMPLING_TEXT::pEnd;
     strText += SAMPLING_TEXT::pFrameHead0 + std::string(sInput.pSamplerType) + SAMPLING_TEXT::pHead1;

@@ -12,12 +12,15 @@ struct SSamplingTextInput
     ESampling eSampling = SAMPLING_BY_TYPE; ///< in force, or by the texture's filter
     bool bMinification = false;             ///< average over a pixel's footprint
     bool bInputOverlay = false;             ///< "samplerInputOverlay" lies over the frame
-    bool bAlwaysLinear = false;             ///< planes have the linear filter where nearest is asked for, too
+    /// The frame is an external image of that size: it has the linear filter where nearest is asked for, too.
+    bool bExternal = false;
+    int nWidth = 0;
+    int nHeight = 0;
 
     /// The texture's filter does for all of it: there is no text to be written.
     bool IsPlain() const
     {
-        const bool bFilter = eSampling <= (bAlwaysLinear ? SAMPLING_BY_TYPE : SAMPLING_NEAREST);
+        const bool bFilter = eSampling <= (bExternal ? SAMPLING_BY_TYPE : SAMPLING_NEAREST);
         return !bMinification && (bFilter || eSampling == SAMPLING_LINEAR);
     }
 };

@@ -67,8 +67,9 @@ std::string YUVTargetVertexText(bool bDrawToTexture)
 std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard,
                                   const std::string& strRim, const SYUVTargetSampling& sSampling)
 {
-    const SSamplingTextInput sInput = {YUV_TARGET_TEXT::pSampler, sSampling.eSampling,
-                                       sSampling.bMinification, bInputOverlay, true};
+    const SSamplingTextInput sInput = {
+        YUV_TARGET_TEXT::pSampler, sSampling.eSampling, sSampling.bMinification, bInputOverlay, true,
+        sSampling.nWidth,          sSampling.nHeight};
     std::string strText = YUV_TARGET_TEXT::pHead;
     strText += bDrawToTexture ? YUV_TARGET_TEXT::pOutPlain : YUV_TARGET_TEXT::pOutYUV;
     if (bInputOverlay)

@@ -18,6 +18,8 @@ struct SYUVTargetSampling
 {
     ESampling eSampling = SAMPLING_BY_TYPE;
     bool bMinification = false;
+    int nWidth = 0; ///< of the image
+    int nHeight = 0;
 };
 
 /// Samples "uTexture" as YUV and writes the sample unconverted: as YUV onto the target, as plain colour into

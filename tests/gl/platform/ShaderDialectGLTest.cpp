@@ -229,7 +229,7 @@ TEST_F(ShaderDialectGL, EverySamplingMakesAProgram)
             if (sInput.nFormat == IMAGE_FORMAT_RGB24)
                 ExpectProgram({"sampling of an external image", YUVTargetVertexText(true),
                                YUVTargetFragmentText(true, sInput.bInputOverlay, FullDiscard(), "",
-                                                     {sInput.eSampling, sInput.bMinification})},
+                                                     {sInput.eSampling, sInput.bMinification, 64, 48})},
                               sTraits);
         }
     }

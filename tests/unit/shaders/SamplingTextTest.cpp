@@ -37,8 +37,10 @@ TEST(SamplingText, WhatTheFilterDoesNeedsNone)
         }
     }
     SSamplingTextInput sLinear = InputOf(SAMPLING_NEAREST, false, false);
-    sLinear.bAlwaysLinear = true;
-    EXPECT_TRUE(Contains(SamplingText(sLinear), "texelFetch"));
+    sLinear.bExternal = true;
+    sLinear.nWidth = 640;
+    sLinear.nHeight = 480;
+    EXPECT_TRUE(Contains(SamplingText(sLinear), "return ivec2(640, 480);"));
     sLinear.eSampling = SAMPLING_LINEAR;
     EXPECT_EQ(SamplingText(sLinear), "");
 }
@@ -54,7 +56,7 @@ TEST(SamplingText, PlainFragmentTextsAreTheSameWithEverySetting)
             EXPECT_EQ(FragmentText(sInput), strPlain);
         }
     }
-    EXPECT_EQ(YUVTargetFragmentText(true, true, "", "", {SAMPLING_LINEAR, false}),
+    EXPECT_EQ(YUVTargetFragmentText(true, true, "", "", {SAMPLING_LINEAR, false, 0, 0}),
               YUVTargetFragmentText(true, true, ""));
 }
 
@@ -106,7 +108,7 @@ TEST(SamplingText, BothChromaChannelsAreTakenAtOnce)
 TEST(SamplingText, FootprintsAreTakenBeforePixelsAreDiscarded)
 {
     const std::string strText =
-        YUVTargetFragmentText(false, false, "   discard;\n", "", {SAMPLING_LINEAR, true});
+        YUVTargetFragmentText(false, false, "   discard;\n", "", {SAMPLING_LINEAR, true, 0, 0});
     EXPECT_LT(strText.find("dFdx(v_TexCoordinate)"), strText.find("discard;"));
     EXPECT_TRUE(Contains(strText, "sampleFrame(__samplerExternal2DY2YEXT plane"));
     EXPECT_TRUE(Contains(strText, "vec4 yuvTex = sampleFrame(uTexture, v_TexCoordinate);"));
