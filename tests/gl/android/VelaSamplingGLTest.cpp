@@ -68,7 +68,7 @@ TEST(VelaSampling, IsThatOfTheDesktopClass)
                         vOff.push_back(std::abs(sBuffer.At(x, y)[0] - sPicture.At(x, y)[1]));
                 std::printf("  view %d, sampling %d, averaged %d: mean %.3f\n", eView, eSampling,
                             bMinification, Mean(vOff));
-                // Linear filters weigh in 256ths, one of them YUV and the other what it became.
+                // Linear filters weigh in 256ths, and both round on their own.
                 EXPECT_LE(Mean(vOff), 1.5);
             }
         }
