@@ -151,6 +151,15 @@ public:
     /// limits.
     bool SetViewShape(const SViewShape& rShape);
     SViewShape GetViewShape();
+    /// How the frame is sampled, beyond SetInterpolationType. A value that is not listed is refused with a
+    /// log line and false. Where something lies over the frame, masks or an input overlay, no texel under it
+    /// counts for what is drawn beside it, but for the one that linear sampling reaches.
+    bool SetSampling(ESampling eSampling);
+    ESampling GetSampling();
+    /// Where the view shrinks the frame, averages each pixel over what it covers of it, with up to 8 x 8
+    /// linear samples. Off at first.
+    void SetMinification(bool bAverage);
+    bool GetMinification();
     void SetLogGLErrors(bool bEnable);
     bool GetLogGLErrors();
     void SetLogShaderCode(bool bEnable);

@@ -59,6 +59,9 @@ ELensType CCustomGPUDewarper::GetLensInForce()
 void CCustomGPUDewarper::SetInterpolationType(EInterpolationType eType)
 {
     CLockScope oScope(*this);
+    // What is not averaged keeps the type's filter, which is written into the text then.
+    if (sMainShader.bMinificationRequested && eInterpolation != eType)
+        sMainShader.bForceReload = true;
     eInterpolation = eType;
     RequestFrame();
 }
@@ -197,6 +200,36 @@ float CCustomGPUDewarper::GetEyeDistance()
 {
     CLockScope oScope(*this);
     return pRooms->oControl.fEyeDistance;
+}
+
+bool CCustomGPUDewarper::SetSampling(ESampling eSampling)
+{
+    CLockScope oScope(*this);
+    SPictureSettings sSettings = RequestedSettings(sMainShader);
+    if (!sSettings.SetSampling(eSampling, pRooms->oReport))
+        return false;
+    RequestSettings(sSettings, sMainShader);
+    RequestFrame();
+    return true;
+}
+
+ESampling CCustomGPUDewarper::GetSampling()
+{
+    CLockScope oScope(*this);
+    return sMainShader.eSamplingRequested;
+}
+
+void CCustomGPUDewarper::SetMinification(bool bAverage)
+{
+    CLockScope oScope(*this);
+    sMainShader.bMinificationRequested = bAverage;
+    RequestFrame();
+}
+
+bool CCustomGPUDewarper::GetMinification()
+{
+    CLockScope oScope(*this);
+    return sMainShader.bMinificationRequested;
 }
 
 void CCustomGPUDewarper::SetLogGLErrors(bool bEnable)

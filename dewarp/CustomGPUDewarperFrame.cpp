@@ -130,6 +130,8 @@ bool CCustomGPUDewarper::Decide(const STargetShape& rTarget)
     const bool bSetUp = bViewSetupRequired || rTarget.nWidth != pMatrices->nViewportWidth ||
                         rTarget.nHeight != pMatrices->nViewportHeight || *pParams != *pLastDrawnParams;
     r.sDecision.sPicture = RequestedSettings(sMainShader);
+    r.oTextures.eSampling = r.sDecision.sPicture.eSampling;
+    r.oTextures.bMinification = r.sDecision.sPicture.bMinification;
     if (IsDecidedFor(r.sDecision, r.oControl, rTarget))
         return bSetUp;
     DecideView(r.oControl, rTarget, r.sDecision);

@@ -153,6 +153,8 @@ std::string CCustomGPUDewarper::GetFragShaderCode()
     sInput.fChromaGain = sMainShader.fChromaGain;
     sInput.bInputOverlay = sMainShader.bInputOverlay;
     sInput.bQPTextures = sMainShader.bQPTextures;
+    sInput.eSampling = RequestedSettings(sMainShader).SamplingInForce(eInterpolation);
+    sInput.bMinification = sMainShader.bMinification;
     sInput.strDiscard = GetFragShaderDiscardCode();
     sInput.strRim = GetFragShaderRimCode();
     return FragmentText(sInput);

@@ -172,6 +172,18 @@ public:
     virtual bool LookAt(double fFrameX, double fFrameY);
     virtual bool LookAtView(double x, double y);
 
+    // How the frame is sampled, beyond SetInterpolationType. Where something lies over the frame, masks or an
+    // input overlay, no texel under it counts for what is drawn beside it, but for the one that linear
+    // sampling reaches.
+    /// Sharper kernels for views that enlarge the frame. A value that is not listed is refused with a log
+    /// line and false.
+    virtual bool SetSampling(ESampling eSampling) = 0;
+    virtual ESampling GetSampling() = 0;
+    /// Where the view shrinks the frame, averages each pixel over what it covers of it, with up to 8 x 8
+    /// linear samples: fine patterns and edges no longer sparkle. Off at first.
+    virtual void SetMinification(bool bAverage) = 0;
+    virtual bool GetMinification() = 0;
+
     // What a host would have to guess.
     /// Where a view starts on a mount.
     static void GetDefaultPTZ(EViewType eView, EMountType eMount, float& fPan, float& fTilt, float& fZoom);

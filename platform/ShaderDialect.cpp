@@ -54,14 +54,13 @@ void SeparateSigns(VTokens& vTokens)
     }
 }
 
-/// Gives integral numbers a decimal point, save array sizes, indices and layout values.
-void MakeNumbersFloat(VTokens& vTokens)
+/// Integral numbers of some tokens get a decimal point, save array sizes, indices and layout values.
+void MakeNumbersFloat(VTokens::iterator itFirst, VTokens::iterator itEnd)
 {
-    if (std::any_of(vTokens.begin(), vTokens.end(), IsIntegerWord))
-        return;
     int nBrackets = 0;
     bool bLayout = false;
-    for (SShaderToken& sToken : vTokens) {
+    for (; itFirst != itEnd; ++itFirst) {
+        SShaderToken& sToken = *itFirst;
         const std::string& strText = sToken.strText;
         if (strText == "[")
             ++nBrackets;
@@ -75,6 +74,38 @@ void MakeNumbersFloat(VTokens& vTokens)
                  strText.find_first_not_of("0123456789") == std::string::npos &&
                  (strText[0] != '0' || strText.size() == 1))
             sToken.strText += ".0";
+    }
+}
+
+/// One past the end of a declaration, or of a function with its body.
+VTokens::iterator EndOfPiece(VTokens::iterator it, VTokens::iterator itEnd)
+{
+    for (int nDepth = 0; it != itEnd; ++it) {
+        nDepth += it->strText == "{" ? 1 : it->strText == "}" ? -1 : 0;
+        if (nDepth == 0 && (it->strText == ";" || it->strText == "}"))
+            return it + 1;
+    }
+    return itEnd;
+}
+
+/// Makes numbers floats, one function after the other: those that count in integers keep theirs, and where
+/// something is declared that does, all do.
+void MakeNumbersFloat(VTokens& vTokens)
+{
+    const auto CountsIntegers = [](VTokens::iterator itFirst, VTokens::iterator itPast) {
+        return std::any_of(itFirst, itPast, IsIntegerWord);
+    };
+    for (const bool bLook : {true, false}) {
+        for (auto it = vTokens.begin(); it != vTokens.end();) {
+            const auto itPast = EndOfPiece(it, vTokens.end());
+            const bool bFunction = (itPast - 1)->strText == "}";
+            const bool bIntegers = CountsIntegers(it, itPast);
+            if (bLook && bIntegers && !bFunction)
+                return;
+            if (!bLook && !bIntegers)
+                MakeNumbersFloat(it, itPast);
+            it = itPast;
+        }
     }
 }
 

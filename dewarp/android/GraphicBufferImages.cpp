@@ -3,6 +3,7 @@
 #include "dewarp/android/CustomGPUDewarperVela.h"
 
 #include "dewarp/Rooms.h"
+#include "dewarp/gl/PictureRequests.h"
 #include "dewarp/gl/PlaneUpload.h"
 #include "dewarp/records/LogTag.h"
 #include "dewarp/shaders/YUVTargetText.h"
@@ -333,6 +334,10 @@ std::string CCustomGPUDewarperVela::GetVertexShaderCode()
 std::string CCustomGPUDewarperVela::GetFragShaderCode()
 {
     sMainShader.bInputOverlayInShader = sMainShader.bInputOverlay;
+    // Images have the linear filter, whatever the type of interpolation says.
+    const ESampling eSampling = RequestedSettings(sMainShader).SamplingInForce(INTERPOLATION_LINEAR);
+    const SYUVTargetSampling sSampling = {eSampling, sMainShader.bMinification, pParams->nImageWidth,
+                                          pParams->nImageHeight};
     return YUVTargetFragmentText(mDrawToTexture, sMainShader.bInputOverlay, GetFragShaderDiscardCode(),
-                                 GetFragShaderRimCode());
+                                 GetFragShaderRimCode(), sSampling);
 }

@@ -35,3 +35,13 @@ void SPictureSettings::SetFlip(bool bHorizontal, bool bVertical)
     bFlipHorizontal = bHorizontal;
     bFlipVertical = bVertical;
 }
+
+bool SPictureSettings::SetSampling(ESampling eNewSampling, CReport& rReport)
+{
+    if (eNewSampling < SAMPLING_BY_TYPE || eNewSampling > SAMPLING_LANCZOS) {
+        rReport.Refuse("%s: there is no sampling %d", "SetSampling", static_cast<int>(eNewSampling));
+        return false;
+    }
+    eSampling = eNewSampling;
+    return true;
+}

@@ -74,7 +74,7 @@ bool CCustomCPUDewarper::SState::PrepareLayers(const SFrameTarget& rTarget, cons
     sPlace.sFormat.bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
     sPlace.sFormat.nYUVSpace = EffectiveYUVSpace(sPicture.sYUV2RGB.eSpace, sImage.eYUVSpace);
     sPlace.sFormat.nYUVRange = EffectiveYUVRange(sPicture.sYUV2RGB.eRange, sImage.eYUVRange);
-    sPlace.bLinear = oControl.eInterpolation == INTERPOLATION_LINEAR;
+    sPlace.bLinear = sPicture.SamplingInForce(oControl.eInterpolation) != SAMPLING_NEAREST;
     sPlace.nFrameWidth = sImage.nWidth;
     sPlace.nFrameHeight = sImage.nHeight;
     sPlace.nTargetWidth = nTargetWidth;
@@ -91,10 +91,14 @@ bool CCustomCPUDewarper::SState::DrawView(const SFrameTarget& rTarget, const cha
 {
     if (!PrepareLayers(rTarget, pFunction))
         return false;
-    SFrameColours sColours = PrepareColours(sImage, sPicture, oControl.eInterpolation == INTERPOLATION_LINEAR,
-                                            sQP.pQP != nullptr ? &sQP : nullptr);
+    const ESampling eSampling = sPicture.SamplingInForce(oControl.eInterpolation);
+    SFrameColours sColours =
+        PrepareColours(sImage, sPicture, eSampling != SAMPLING_NEAREST, sQP.pQP != nullptr ? &sQP : nullptr);
     sColours.sJob.bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
-    const SFrameJob sJob = {&sColours, &BestKernels(), &oGrid, rTarget, 0};
+    const CFrameCover oCover = oLayers.Cover();
+    const SPlaneSampling sSampling = {eSampling, sPicture.bMinification};
+    const CFrameCover* const pCover = oCover.IsEmpty() ? nullptr : &oCover;
+    const SFrameJob sJob = {&sColours, &BestKernels(), &oGrid, rTarget, 0, sSampling, pCover};
     const CFrameDraw oDraw(sJob);
     const int nThreadCount = CountThreads();
     oScratch.MakeRoom(nTargetWidth, nThreadCount);

@@ -157,8 +157,12 @@ SYUVSample SampleYUV(const SCellJob& rJob, const SGridPoint& rPoint);
 std::uint32_t ConvertYUV(const SColourFactors& rColours, const SYUVSample& rSample);
 /// A pixel of a packed frame likewise.
 std::uint32_t SamplePacked(const SCellJob& rJob, const SGridPoint& rPoint);
+/// The same from samples of red, green, blue and alpha.
+std::uint32_t PackSamples(const SCellJob& rJob, const int* pSamples);
 /// A pixel of any frame likewise.
 std::uint32_t PlainPixel(const SCellJob& rJob, const SGridPoint& rPoint);
+/// The same from samples; of a frame that is not packed.
+std::uint32_t PlainPixel(const SCellJob& rJob, const SYUVSample& rSample);
 /// Bytes of a pixel in the job's order.
 inline std::uint32_t Ordered(const SCellJob& rJob, std::uint32_t nRGBA)
 {

@@ -136,12 +136,19 @@ std::uint32_t ConvertYUV(const SColourFactors& c, const SYUVSample& rSample)
 
 std::uint32_t SamplePacked(const SCellJob& rJob, const SGridPoint& rPoint)
 {
-    std::uint32_t anBytes[4] = {0, 0, 0, 255};
+    int anSamples[4] = {0, 0, 0, 255 * SAMPLE_LEVEL};
     for (int i = 0; i < 4; ++i) {
         if (rJob.anChannels[i] >= 0)
-            anBytes[i] = static_cast<std::uint32_t>(
-                SampleByte(SampleAt(rJob.aPlanes[0], rJob.anChannels[i], rPoint.x, rPoint.y, rJob.bLinear)));
+            anSamples[i] = SampleAt(rJob.aPlanes[0], rJob.anChannels[i], rPoint.x, rPoint.y, rJob.bLinear);
     }
+    return PackSamples(rJob, anSamples);
+}
+
+std::uint32_t PackSamples(const SCellJob& rJob, const int* pSamples)
+{
+    std::uint32_t anBytes[4];
+    for (int i = 0; i < 4; ++i)
+        anBytes[i] = static_cast<std::uint32_t>(SampleByte(pSamples[i]));
     if (rJob.bPremultiply) {
         for (int i = 0; i < 3; ++i) {
             const std::uint32_t n = anBytes[i] * anBytes[3] + 128;
@@ -172,10 +179,14 @@ std::uint32_t PlainPixel(const SCellJob& rJob, const SGridPoint& rPoint)
 {
     if (rJob.eSource == SOURCE_PACKED)
         return SamplePacked(rJob, rPoint);
-    const SYUVSample sSample = SampleYUV(rJob, rPoint);
+    return PlainPixel(rJob, SampleYUV(rJob, rPoint));
+}
+
+std::uint32_t PlainPixel(const SCellJob& rJob, const SYUVSample& rSample)
+{
     if (rJob.eSource != SOURCE_GRAY)
-        return ConvertYUV(rJob.sColours, sSample);
-    return 0xFF000000U | static_cast<std::uint32_t>(SampleByte(sSample.y)) * 0x010101U;
+        return ConvertYUV(rJob.sColours, rSample);
+    return 0xFF000000U | static_cast<std::uint32_t>(SampleByte(rSample.y)) * 0x010101U;
 }
 
 std::int32_t LowestRow(const SCellPoints& rPoints)

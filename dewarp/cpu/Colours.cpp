@@ -110,10 +110,9 @@ void ShowQuantiser(const SFrameColours& rColours, const SGridPoint& rPoint, SYUV
 }
 
 /// Luma and chroma in full range, with gains.
-SYUV FullYUV(const SFrameColours& rColours, const SGridPoint& rPoint)
+SYUV FullYUV(const SFrameColours& rColours, const SGridPoint& rPoint, const SYUVSample& sSample)
 {
     const SFineColours& f = rColours.sFine;
-    const SYUVSample sSample = SampleYUV(rColours.sJob, rPoint);
     const float fLevels = 1.0f / (SAMPLE_LEVEL * 255.0f);
     SYUV s = {static_cast<float>(sSample.y) * fLevels, static_cast<float>(sSample.u) * fLevels - 0.5f,
               static_cast<float>(sSample.v) * fLevels - 0.5f};
@@ -187,10 +186,19 @@ SFrameColours PrepareColours(const SImageProperties& rImage, const SPictureSetti
 
 std::uint32_t FinePixel(const SFrameColours& rColours, const SGridPoint& rPoint)
 {
+    return rColours.sJob.eSource == SOURCE_PACKED
+               ? FinePacked(rColours, SamplePacked(rColours.sJob, rPoint))
+               : FinePixel(rColours, rPoint, SampleYUV(rColours.sJob, rPoint));
+}
+
+std::uint32_t FinePixel(const SFrameColours& rColours, const SGridPoint& rPoint, const SYUVSample& rSample)
+{
+    return ToPixel(FullYUV(rColours, rPoint, rSample), *rColours.sFine.pMatrix) | 0xFF000000U;
+}
+
+std::uint32_t FinePacked(const SFrameColours& rColours, std::uint32_t nRGBA)
+{
     const SFineColours& f = rColours.sFine;
-    if (rColours.sJob.eSource != SOURCE_PACKED)
-        return ToPixel(FullYUV(rColours, rPoint), *f.pMatrix) | 0xFF000000U;
-    const std::uint32_t nRGBA = SamplePacked(rColours.sJob, rPoint);
     const float r = static_cast<float>(nRGBA & 255) / 255.0f;
     const float g = static_cast<float>(nRGBA >> 8 & 255) / 255.0f;
     const float b = static_cast<float>(nRGBA >> 16 & 255) / 255.0f;
@@ -202,8 +210,13 @@ std::uint32_t FinePixel(const SFrameColours& rColours, const SGridPoint& rPoint)
 
 std::uint32_t FineYUV(const SFrameColours& rColours, const SGridPoint& rPoint)
 {
+    return FineYUV(rColours, rPoint, SampleYUV(rColours.sJob, rPoint));
+}
+
+std::uint32_t FineYUV(const SFrameColours& rColours, const SGridPoint& rPoint, const SYUVSample& rSample)
+{
     const SFineColours& f = rColours.sFine;
-    const SYUV s = FullYUV(rColours, rPoint);
+    const SYUV s = FullYUV(rColours, rPoint, rSample);
     const float y = std::clamp(s.y, 0.0f, 1.0f) * f.fLumaSpan + f.fLumaMin;
     return Byte(y) | Byte(std::clamp(s.u, -0.5f, 0.5f) * f.fChromaSpan + 0.5f) << 8 |
            Byte(std::clamp(s.v, -0.5f, 0.5f) * f.fChromaSpan + 0.5f) << 16;

@@ -42,3 +42,7 @@ SFrameColours PrepareColours(const SImageProperties& rImage, const SPictureSetti
 std::uint32_t FinePixel(const SFrameColours& rColours, const SGridPoint& rPoint);
 /// The same, left in the frame's own YUV: Y, U, V from the lowest byte up.
 std::uint32_t FineYUV(const SFrameColours& rColours, const SGridPoint& rPoint);
+/// Both from samples that were taken already; packed frames from the bytes of a pixel.
+std::uint32_t FinePixel(const SFrameColours& rColours, const SGridPoint& rPoint, const SYUVSample& rSample);
+std::uint32_t FineYUV(const SFrameColours& rColours, const SGridPoint& rPoint, const SYUVSample& rSample);
+std::uint32_t FinePacked(const SFrameColours& rColours, std::uint32_t nRGBA);

@@ -1,4 +1,5 @@
-// What the host says about its camera: requests are stored, the rules are the control room's.
+// What the host says about its camera and the sampling: requests are stored, the rules are the control
+// room's.
 
 #include "dewarp/cpu/CPUState.h"
 #include "platform/MemoryGuard.h"
@@ -93,4 +94,32 @@ SViewShape CCustomCPUDewarper::GetViewShape()
 {
     const CCPULock oLock(pState->oMutex);
     return pState->oControl.sParams.sShape;
+}
+
+bool CCustomCPUDewarper::SetSampling(ESampling eSampling)
+{
+    const CCPULock oLock(pState->oMutex);
+    const bool bTaken = pState->sPicture.SetSampling(eSampling, pState->oReport);
+    if (bTaken)
+        pState->RequestFrame();
+    return bTaken;
+}
+
+ESampling CCustomCPUDewarper::GetSampling()
+{
+    const CCPULock oLock(pState->oMutex);
+    return pState->sPicture.eSampling;
+}
+
+void CCustomCPUDewarper::SetMinification(bool bAverage)
+{
+    const CCPULock oLock(pState->oMutex);
+    pState->sPicture.bMinification = bAverage;
+    pState->RequestFrame();
+}
+
+bool CCustomCPUDewarper::GetMinification()
+{
+    const CCPULock oLock(pState->oMutex);
+    return pState->sPicture.bMinification;
 }

@@ -23,7 +23,7 @@ void FillGaps(const SGridPoint* pPoints, std::uint64_t nCovered, SGridPoint* pFi
 CFrameDraw::CFrameDraw(const SFrameJob& rJob)
     : m_rJob(rJob), m_rCells(rJob.pColours->sJob),
       m_bYUV(rJob.sTarget.eFormat == IMAGE_FORMAT_NV12 || rJob.sTarget.eFormat == IMAGE_FORMAT_YUV420P),
-      m_bKernels(!rJob.pColours->sFine.bUsed && m_rCells.nFrameWidth % 2 == 0 &&
+      m_bKernels(rJob.sSampling.IsPlain() && !rJob.pColours->sFine.bUsed && m_rCells.nFrameWidth % 2 == 0 &&
                  m_rCells.nFrameHeight % 2 == 0 && m_rCells.nFrameWidth >= 32 && m_rCells.nFrameHeight >= 32),
       m_nBlack(rJob.pColours->nYUVRange == YUV_RANGE_LIMITED ? 16 : 0)
 {}
@@ -195,6 +195,10 @@ void CFrameDraw::DrawCell(const SPartGrid& rGrid, int nRow, int nCol, const SExa
 
 void CFrameDraw::DrawPixels(const SCellSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const
 {
+    if (!m_rJob.sSampling.IsPlain()) {
+        DrawSampledPixels(rSpan, pPoints, nCovered);
+        return;
+    }
     std::uint32_t anPixels[CELL_PIXELS] = {};
     if (nCovered != 0 && m_rJob.pKernels->pPixelsAt != nullptr && AreInside(pPoints, nCovered)) {
         SGridPoint aPoints[CELL_PIXELS];
@@ -218,6 +222,10 @@ void CFrameDraw::DrawPixels(const SCellSpan& rSpan, const SGridPoint* pPoints, s
 void CFrameDraw::DrawYUV(const SCellSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
                          std::uint64_t nCovered) const
 {
+    if (!m_rJob.sSampling.IsPlain()) {
+        DrawSampledYUV(rSpan, pPoints, pPlaces, nCovered);
+        return;
+    }
     unsigned char anLuma[CELL_PIXELS];
     unsigned char anChroma[CELL_PIXELS / 4][2];
     std::memset(anLuma, m_nBlack, sizeof anLuma);

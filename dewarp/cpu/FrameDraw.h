@@ -4,6 +4,7 @@
 
 #include "dewarp/Dewarper.h"
 #include "dewarp/cpu/Colours.h"
+#include "dewarp/cpu/PlaneSampler.h"
 #include "dewarp/cpu/ViewGrid.h"
 
 /// What one drawing is made of. Owns: nothing.
@@ -14,7 +15,9 @@ struct SFrameJob
     const CViewGrid* pGrid = nullptr;
     /// BGRA32, RGBA32, NV12 or YUV420P; the latter two for sources without red and blue.
     SFrameTarget sTarget;
-    int nFirstRow = 0; ///< row of the picture that the target's first row is; even
+    int nFirstRow = 0;                   ///< row of the picture that the target's first row is; even
+    SPlaneSampling sSampling = {};       ///< plain: the kernels do
+    const CFrameCover* pCover = nullptr; ///< what lies over the frame; null: nothing
 };
 
 struct SCellSpan;
@@ -45,6 +48,10 @@ private:
                  std::uint64_t nCovered) const;
     void DrawInside(const SCellSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
                     std::uint64_t nCovered) const;
+    CPlaneSampler SamplerOf(const SGridPoint* pPoints, std::uint64_t nCovered) const;
+    void DrawSampledPixels(const SCellSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const;
+    void DrawSampledYUV(const SCellSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
+                        std::uint64_t nCovered) const;
     bool AreInside(const SGridPoint* pPoints, std::uint64_t nCovered) const;
     void PutPixels(const SCellSpan& rSpan, const std::uint32_t* pPixels) const;
     void PutLuma(const SCellSpan& rSpan, const unsigned char* pLuma) const;

@@ -2,6 +2,7 @@
 /// All that lies over a frame of the processor engine, built when it changes.
 #pragma once
 
+#include "dewarp/cpu/FrameCover.h"
 #include "dewarp/cpu/InputLayer.h"
 #include "dewarp/cpu/MaskImage.h"
 #include "dewarp/cpu/OverlayImage.h"
@@ -44,6 +45,12 @@ public:
     bool Prepare(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads);
     /// Lays over the rows of one part what lies over the frame.
     const CRunLayer& InputLayer(int nPart) const { return m_oInput.Layer(nPart); }
+    /// Which texels of the frame something lies over.
+    CFrameCover Cover() const
+    {
+        const bool bMasks = !sMasks.vMaskPolygons.empty();
+        return {bMasks ? &m_oMasks : nullptr, bMasks ? nullptr : &m_oInputImage};
+    }
     /// Ends one part where the light of the lens does.
     const CRunLayer& RimLayer(int nPart) const { return m_oRim.Layer(nPart); }
     /// Whether something lies over the picture as a whole.

@@ -172,7 +172,7 @@ void CInputTextures::Bind()
     for (int i = 0; i < nPlanes; ++i) {
         glActiveTexture(aPlanes[i].nUnit);
         glBindTexture(GL_TEXTURE_2D, *aPlanes[i].pTexture);
-        m_rTextures.SetInterpolation();
+        m_rTextures.SetFrameInterpolation();
     }
     if (ShowsQP()) {
         // Macroblock values are not to be mixed.

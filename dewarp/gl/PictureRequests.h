@@ -19,6 +19,8 @@ inline SPictureSettings RequestedSettings(const SShaderProperties& rShader)
     sSettings.fChromaGain = rShader.fChromaGainRequested;
     sSettings.bFlipHorizontal = rShader.bFlipHorizontalRequested;
     sSettings.bFlipVertical = rShader.bFlipVerticalRequested;
+    sSettings.eSampling = rShader.eSamplingRequested;
+    sSettings.bMinification = rShader.bMinificationRequested;
     return sSettings;
 }
 
@@ -31,6 +33,8 @@ inline void RequestSettings(const SPictureSettings& rSettings, SShaderProperties
     rShader.fChromaGainRequested = rSettings.fChromaGain;
     rShader.bFlipHorizontalRequested = rSettings.bFlipHorizontal;
     rShader.bFlipVerticalRequested = rSettings.bFlipVertical;
+    rShader.eSamplingRequested = rSettings.eSampling;
+    rShader.bMinificationRequested = rSettings.bMinification;
 }
 
 /// Puts a program's requests in force: its texts are written from them next.
@@ -41,6 +45,8 @@ inline void TakeSettings(SShaderProperties& rShader)
     rShader.fChromaGain = rShader.fChromaGainRequested;
     rShader.bFlipHorizontal = rShader.bFlipHorizontalRequested;
     rShader.bFlipVertical = rShader.bFlipVerticalRequested;
+    rShader.eSampling = rShader.eSamplingRequested;
+    rShader.bMinification = rShader.bMinificationRequested;
     rShader.sYUV2RGB = rShader.sYUV2RGBRequested;
 }
 

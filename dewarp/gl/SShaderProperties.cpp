@@ -33,5 +33,6 @@ bool SShaderProperties::ShouldReloadShaders() const
     return bGain != bGainRequested || fLumaGain != fLumaGainRequested ||
            fChromaGain != fChromaGainRequested || !(sYUV2RGB == sYUV2RGBRequested) ||
            fClipValue != fClipValueRequested || bInputOverlayInShader != bInputOverlay ||
+           eSampling != eSamplingRequested || bMinification != bMinificationRequested ||
            bFlipHorizontal != bFlipHorizontalRequested || bFlipVertical != bFlipVerticalRequested;
 }

@@ -2,6 +2,7 @@
 /// One shader program: its texts, its GL names, and the parameters the texts were written from.
 #pragma once
 
+#include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SYUV2RGBConversionParams.h"
 #include "platform/Export.h"
 
@@ -59,6 +60,11 @@ struct LUMOR_API SShaderProperties
     bool bFlipHorizontal = false;
     bool bFlipVerticalRequested = false;
     bool bFlipVertical = false;
+    /// How the frame is sampled, and whether pixels are averaged over what they cover.
+    ESampling eSamplingRequested = SAMPLING_BY_TYPE;
+    ESampling eSampling = SAMPLING_BY_TYPE;
+    bool bMinificationRequested = false;
+    bool bMinification = false;
     bool bQPTextures = false; ///< the quantiser and macroblock-type textures are in use
     /// Centre and inverse radii of the rim in texture coordinates; 0 without one.
     float afRim[4] = {0.0f, 0.0f, 0.0f, 0.0f};

@@ -33,9 +33,25 @@ void CTextures::Update(unsigned int nTexture, unsigned int nFormat, int nWidth, 
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, nWidth, nHeight, nFormat, GL_UNSIGNED_BYTE, pPixels);
 }
 
+bool CTextures::IsLinear() const
+{
+    return eSampling == SAMPLING_BY_TYPE ? m_rInterpolation == INTERPOLATION_LINEAR
+                                         : eSampling != SAMPLING_NEAREST;
+}
+
 void CTextures::SetInterpolation()
 {
-    const GLint nFilter = m_rInterpolation == INTERPOLATION_LINEAR ? GL_LINEAR : GL_NEAREST;
+    SetFilter(IsLinear());
+}
+
+void CTextures::SetFrameInterpolation()
+{
+    SetFilter(IsLinear() || bMinification);
+}
+
+void CTextures::SetFilter(bool bLinear)
+{
+    const GLint nFilter = bLinear ? GL_LINEAR : GL_NEAREST;
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, nFilter);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, nFilter);
 }

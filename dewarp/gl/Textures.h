@@ -25,6 +25,8 @@ public:
                 const unsigned char* pPixels);
     /// Sets the host's filter on the texture bound to the active unit.
     void SetInterpolation();
+    /// The same for a plane of the frame: linear wherever its text asks for linear samples.
+    void SetFrameInterpolation();
     /// Binds a texture on a unit, with the host's filter.
     void Bind(int nUnit, unsigned int nTexture);
     /// True when a texture is missing or the unit was last given another size.
@@ -43,8 +45,13 @@ public:
 
     int anTextureUnitSize[RECORDED_UNITS][2] = {}; ///< width and height last given to Generate on each unit
     int nMaxTextureSize = 0;                       ///< of the driver in use; 0: not asked for yet
+    ESampling eSampling = SAMPLING_BY_TYPE;        ///< stands above the type of interpolation
+    bool bMinification = false;                    ///< the frame's texts average linear samples
 
 private:
+    bool IsLinear() const;
+    static void SetFilter(bool bLinear);
+
     CDriverWatch& m_rWatch;
     const EInterpolationType& m_rInterpolation;
 };

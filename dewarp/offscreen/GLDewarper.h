@@ -93,6 +93,10 @@ public:
     int FrameToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) override;
     bool LookAt(double fFrameX, double fFrameY) override;
     bool LookAtView(double x, double y) override;
+    bool SetSampling(ESampling eSampling) override;
+    ESampling GetSampling() override;
+    void SetMinification(bool bAverage) override;
+    bool GetMinification() override;
     using CDewarper::DrawTo;
     using CDewarper::FrameToView;
     using CDewarper::ViewToFrame;

@@ -1,4 +1,4 @@
-// What the host says about its camera, and where things are in the picture.
+// What the host says about its camera and the sampling, and where things are in the picture.
 
 #include "dewarp/CustomGPUDewarper.h"
 #include "dewarp/offscreen/GLDewarper.h"
@@ -91,4 +91,24 @@ bool CGLDewarper::LookAt(double fFrameX, double fFrameY)
 bool CGLDewarper::LookAtView(double x, double y)
 {
     return Engine().LookAtView(x, y);
+}
+
+bool CGLDewarper::SetSampling(ESampling eSampling)
+{
+    return Engine().SetSampling(eSampling);
+}
+
+ESampling CGLDewarper::GetSampling()
+{
+    return Engine().GetSampling();
+}
+
+void CGLDewarper::SetMinification(bool bAverage)
+{
+    Engine().SetMinification(bAverage);
+}
+
+bool CGLDewarper::GetMinification()
+{
+    return Engine().GetMinification();
 }

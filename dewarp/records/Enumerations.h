@@ -52,6 +52,17 @@ enum EInterpolationType : int
     INTERPOLATION_LINEAR = 1,
 };
 
+/// How the input image is sampled. Beside SAMPLING_BY_TYPE each also says how an overlay that lies over the
+/// image is: the nearest texel with SAMPLING_NEAREST, linear with all others.
+enum ESampling : int
+{
+    SAMPLING_BY_TYPE = -1, ///< as EInterpolationType says
+    SAMPLING_NEAREST = 0,
+    SAMPLING_LINEAR = 1,  ///< four texels
+    SAMPLING_CUBIC = 2,   ///< Catmull-Rom, sixteen texels
+    SAMPLING_LANCZOS = 3, ///< Lanczos of three lobes, thirty-six texels
+};
+
 /// YUV colour space of the input image.
 enum EYUVSpace : int
 {

@@ -4,6 +4,7 @@
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/shaders/NumberText.h"
 #include "dewarp/shaders/RimText.h"
+#include "dewarp/shaders/SamplingText.h"
 
 #include <cmath>
 #include <cstddef>
@@ -266,24 +267,28 @@ std::string FragmentText(const SFragmentTextInput& sInput)
 {
     if (!HasFragmentText(sInput.nFormat))
         return std::string();
+    SSamplingTextInput sSampling;
+    sSampling.eSampling = sInput.eSampling;
+    sSampling.bMinification = sInput.bMinification;
+    sSampling.bInputOverlay = sInput.bInputOverlay;
     std::string strText = HeadText(sInput);
     if (sInput.bInputOverlay)
         strText += COLOUR_TEXT::pOverlayDeclaration;
+    strText += SamplingText(sSampling);
     strText += COLOUR_TEXT::pMain;
+    strText += SamplingStartText(sSampling);
     strText += sInput.strDiscard;
-    strText += IsYUV(sInput.nFormat) ? YUVText(sInput) : RGBText(sInput);
+    const std::string strColour = IsYUV(sInput.nFormat) ? YUVText(sInput) : RGBText(sInput);
+    strText += sSampling.IsPlain() ? strColour : SampledFetches(strColour);
     if (sInput.bInputOverlay)
         strText += COLOUR_TEXT::pOverlayBlend;
     if (HasAlpha(sInput.nFormat) && !sInput.bGain)
         strText += COLOUR_TEXT::pPremultiply;
-    if (sInput.strRim.empty()) {
-        strText += COLOUR_TEXT::pOut;
-        strText += COLOUR_TEXT::pEnd;
-        return strText;
+    if (!sInput.strRim.empty()) {
+        strText += sInput.strRim;
+        strText += COLOUR_TEXT::pFade;
     }
-    strText += sInput.strRim;
-    strText += COLOUR_TEXT::pFade;
     strText += COLOUR_TEXT::pOut;
     strText += COLOUR_TEXT::pEnd;
-    return HighTexCoords(strText);
+    return sInput.strRim.empty() && sSampling.IsPlain() ? strText : HighTexCoords(strText);
 }

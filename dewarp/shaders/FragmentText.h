@@ -3,6 +3,7 @@
 #pragma once
 
 #include "dewarp/records/ColourMatrix.h"
+#include "dewarp/records/Enumerations.h"
 
 #include <string>
 
@@ -20,10 +21,12 @@ struct SFragmentTextInput
     bool bGain = false; ///< multiply luma and chroma by the gains
     float fLumaGain = 1.1765f;
     float fChromaGain = 2.0f;
-    bool bInputOverlay = false; ///< blend "samplerInputOverlay" over the picture
-    bool bQPTextures = false;   ///< show quantiser and macroblock type, planar frames only
-    std::string strRim;         ///< RimText of the view
-    std::string strDiscard;     ///< DiscardText of the view; goes in unchanged, before anything is sampled
+    bool bInputOverlay = false;             ///< blend "samplerInputOverlay" over the picture
+    bool bQPTextures = false;               ///< show quantiser and macroblock type, planar frames only
+    ESampling eSampling = SAMPLING_BY_TYPE; ///< SamplingText of the planes
+    bool bMinification = false;
+    std::string strRim;     ///< RimText of the view
+    std::string strDiscard; ///< DiscardText of the view; goes in unchanged, before anything is sampled
 };
 
 /// A shader that samples the frame's planes at "v_TexCoordinate" and writes RGB and alpha to "vOutputColor".

@@ -1,6 +1,7 @@
 #include "dewarp/shaders/YUVTargetText.h"
 
 #include "dewarp/shaders/RimText.h"
+#include "dewarp/shaders/SamplingText.h"
 
 namespace YUV_TARGET_TEXT
 {
@@ -24,6 +25,8 @@ static const char* const pHead = "#version 310 es \n"
                                  "precision mediump float;\n"
                                  "uniform __samplerExternal2DY2YEXT uTexture;\n"
                                  "in vec2 v_TexCoordinate;  \n";
+
+static const char* const pSampler = "__samplerExternal2DY2YEXT";
 
 static const char* const pOutPlain = "out vec4 fragColor; \n";
 
@@ -62,20 +65,26 @@ std::string YUVTargetVertexText(bool bDrawToTexture)
 }
 
 std::string YUVTargetFragmentText(bool bDrawToTexture, bool bInputOverlay, const std::string& strDiscard,
-                                  const std::string& strRim)
+                                  const std::string& strRim, const SYUVTargetSampling& sSampling)
 {
+    const SSamplingTextInput sInput = {
+        YUV_TARGET_TEXT::pSampler, sSampling.eSampling, sSampling.bMinification, bInputOverlay, true,
+        sSampling.nWidth,          sSampling.nHeight};
     std::string strText = YUV_TARGET_TEXT::pHead;
     strText += bDrawToTexture ? YUV_TARGET_TEXT::pOutPlain : YUV_TARGET_TEXT::pOutYUV;
     if (bInputOverlay)
         strText += YUV_TARGET_TEXT::pOverlayDeclaration;
+    strText += SamplingText(sInput);
     strText += YUV_TARGET_TEXT::pMain;
+    strText += SamplingStartText(sInput);
     strText += strDiscard;
-    strText += YUV_TARGET_TEXT::pFetch;
+    strText += sInput.IsPlain() ? YUV_TARGET_TEXT::pFetch : SampledFetches(YUV_TARGET_TEXT::pFetch);
     if (bInputOverlay)
         strText += YUV_TARGET_TEXT::pOverlayBlend;
-    if (strRim.empty())
-        return strText + YUV_TARGET_TEXT::pOutEnd;
-    strText += strRim;
-    strText += bDrawToTexture ? YUV_TARGET_TEXT::pFadePlain : YUV_TARGET_TEXT::pFadeYUV;
-    return HighTexCoords(strText + YUV_TARGET_TEXT::pOutEnd);
+    if (!strRim.empty()) {
+        strText += strRim;
+        strText += bDrawToTexture ? YUV_TARGET_TEXT::pFadePlain : YUV_TARGET_TEXT::pFadeYUV;
+    }
+    strText += YUV_TARGET_TEXT::pOutEnd;
+    return strRim.empty() && sInput.IsPlain() ? strText : HighTexCoords(strText);
 }

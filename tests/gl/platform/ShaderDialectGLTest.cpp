@@ -206,6 +206,35 @@ TEST_F(ShaderDialectGL, EveryFlipMakesAProgram)
     }
 }
 
+TEST_F(ShaderDialectGL, EverySamplingMakesAProgram)
+{
+    const std::string strVertex = VertexText(SVertexTextInput());
+    for (const SDriverTraits& sTraits : AllTraits()) {
+        for (int n = 0; n < 4 * 2 * 2 * 4; ++n) {
+            SFragmentTextInput sInput;
+            sInput.eSampling = static_cast<ESampling>(n % 4);
+            sInput.bMinification = (n & 4) != 0;
+            sInput.bInputOverlay = (n & 8) != 0;
+            // Whole numbers for levels, gains and quantisers: they stand beside functions with integers.
+            const int anFormats[] = {IMAGE_FORMAT_RGB24, IMAGE_FORMAT_NV12, IMAGE_FORMAT_YUV420P,
+                                     IMAGE_FORMAT_RGBA32};
+            sInput.nFormat = anFormats[n / 16];
+            sInput.nYUVRange = 2;
+            sInput.nLumaMin = 0;
+            sInput.nLumaMax = 255;
+            sInput.nChromaMin = 0;
+            sInput.bQPTextures = true;
+            sInput.strDiscard = FullDiscard();
+            ExpectProgram({"sampling", strVertex, FragmentText(sInput)}, sTraits);
+            if (sInput.nFormat == IMAGE_FORMAT_RGB24)
+                ExpectProgram({"sampling of an external image", YUVTargetVertexText(true),
+                               YUVTargetFragmentText(true, sInput.bInputOverlay, FullDiscard(), "",
+                                                     {sInput.eSampling, sInput.bMinification, 64, 48})},
+                              sTraits);
+        }
+    }
+}
+
 TEST_F(ShaderDialectGL, EveryPassMakesAProgram)
 {
     using namespace PASS_TEXT;

@@ -19,6 +19,28 @@ TEST(SPictureSettings, GainsThatAreNoNumbersAreRefusedWithOneLine)
     EXPECT_EQ(sSettings.fChromaGain, -1.0f);
 }
 
+TEST(SPictureSettings, SamplingsThatAreNotListedAreRefusedWithOneLine)
+{
+    CReport oReport(DEWARP_LOG_TAG);
+    SPictureSettings sSettings;
+    EXPECT_TRUE(sSettings.SetSampling(SAMPLING_CUBIC, oReport));
+    const CLogCapture oLog;
+    EXPECT_FALSE(sSettings.SetSampling(static_cast<ESampling>(-2), oReport));
+    EXPECT_FALSE(sSettings.SetSampling(static_cast<ESampling>(4), oReport));
+    EXPECT_EQ(oLog.Lines().size(), 2u) << oLog.Text();
+    EXPECT_EQ(sSettings.eSampling, SAMPLING_CUBIC);
+}
+
+TEST(SPictureSettings, SamplingStandsAboveTheTypeOfInterpolation)
+{
+    SPictureSettings sSettings;
+    EXPECT_EQ(sSettings.SamplingInForce(INTERPOLATION_LINEAR), SAMPLING_LINEAR);
+    EXPECT_EQ(sSettings.SamplingInForce(INTERPOLATION_NEAREST), SAMPLING_NEAREST);
+    EXPECT_EQ(sSettings.SamplingInForce(static_cast<EInterpolationType>(7)), SAMPLING_NEAREST);
+    sSettings.eSampling = SAMPLING_LANCZOS;
+    EXPECT_EQ(sSettings.SamplingInForce(INTERPOLATION_NEAREST), SAMPLING_LANCZOS);
+}
+
 TEST(SPictureSettings, SpaceRangeAndFlipsAreTakenAsTheyCome)
 {
     SPictureSettings sSettings;
