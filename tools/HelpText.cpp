@@ -74,6 +74,9 @@ View
   --flip AXES           mirror: h (left to right), v (top to bottom) or hv
   --rotation DEGREES    turn clockwise, fisheye and circular view: 0, 90, 180, 270
   --interpolation NAME  nearest or linear (default)
+  --sampling NAME       nearest, linear, cubic (Catmull-Rom) or lanczos (three
+                        lobes); stands above --interpolation
+  --minification        averages where the view shrinks INPUT: no sparkle
   --size WxH            size of the output, 2..16384 pixels each way. Default:
                         flat views as the input, cameras 1280x720, panoramas a
                         size without bars at the sides

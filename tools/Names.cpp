@@ -24,6 +24,11 @@ const SName LENS_NAMES[] = {
 
 const SName INTERPOLATION_NAMES[] = {{"nearest", INTERPOLATION_NEAREST}, {"linear", INTERPOLATION_LINEAR}};
 
+const SName SAMPLING_NAMES[] = {{"nearest", SAMPLING_NEAREST},
+                                {"linear", SAMPLING_LINEAR},
+                                {"cubic", SAMPLING_CUBIC},
+                                {"lanczos", SAMPLING_LANCZOS}};
+
 const SName YUV_SPACE_NAMES[] = {
     {"auto", YUV_SPACE_AUTO},
     {"bt601", YUV_SPACE_BT601},
@@ -97,6 +102,11 @@ bool FindLensName(const std::string& strText, ELensType& rLens)
 EInterpolationType ReadInterpolation(const std::string& strText)
 {
     return static_cast<EInterpolationType>(ReadName("--interpolation", strText, INTERPOLATION_NAMES));
+}
+
+ESampling ReadSampling(const std::string& strText)
+{
+    return static_cast<ESampling>(ReadName("--sampling", strText, SAMPLING_NAMES));
 }
 
 EYUVSpace ReadYUVSpace(const std::string& strText)

@@ -10,6 +10,7 @@
 EViewType ReadView(const std::string& strText); ///< by name or number
 EMountType ReadMount(const std::string& strText);
 EInterpolationType ReadInterpolation(const std::string& strText);
+ESampling ReadSampling(const std::string& strText);
 EYUVSpace ReadYUVSpace(const std::string& strText);
 EYUVRange ReadYUVRange(const std::string& strText);
 EDewarpEngine ReadEngine(const std::string& strText);

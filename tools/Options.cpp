@@ -22,7 +22,7 @@ struct SOptionTexts
     TText oInterpolation, oYUVSpace, oYUVRange, oGain, oFlip, oRotation;
     TText oInputOverlay, oOutputOverlay, oMaskFile, oStringsFile;
     TText oEngine, oThreads;
-    TText oCircle, oOrientation, oRoll, oSpan, oBand, oMap;
+    TText oCircle, oOrientation, oRoll, oSpan, oBand, oMap, oSampling;
     TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns;
     bool bNoStrictTilt = false;
     bool bBuffers = false;
@@ -33,6 +33,7 @@ struct SOptionTexts
     bool bExactGeometry = false;
     bool bGivenRim = false;
     bool bFloorFlip = false;
+    bool bMinification = false;
 };
 
 void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
@@ -47,6 +48,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
     oApp.add_flag("--no-strict-tilt", sTexts.bNoStrictTilt);
     oApp.add_flag("--no-clean-rim", sTexts.bGivenRim);
     oApp.add_flag("--floor-flip", sTexts.bFloorFlip);
+    oApp.add_flag("--minification", sTexts.bMinification);
 
     oApp.add_option("INPUT", sTexts.oInput);
     oApp.add_option("OUTPUT", sTexts.oOutput);
@@ -79,6 +81,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
         {"--span", &sTexts.oSpan},
         {"--band", &sTexts.oBand},
         {"--map", &sTexts.oMap},
+        {"--sampling", &sTexts.oSampling},
     };
     for (const auto& [pName, pText] : aSingle)
         oApp.add_option(pName, *pText)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -147,6 +150,9 @@ void ReadPictureOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
         sOptions.oSize = ReadSize("--size", *sTexts.oSize);
     if (sTexts.oInterpolation)
         sOptions.eInterpolation = ReadInterpolation(*sTexts.oInterpolation);
+    if (sTexts.oSampling)
+        sOptions.eSampling = ReadSampling(*sTexts.oSampling);
+    sOptions.bMinification = sTexts.bMinification;
     if (sTexts.oYUVSpace)
         sOptions.oYUVSpace = ReadYUVSpace(*sTexts.oYUVSpace);
     if (sTexts.oYUVRange)

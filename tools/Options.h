@@ -68,6 +68,8 @@ struct SToolOptions
     std::optional<float> oRoll;
     bool bCleanRim = true;
     SViewShape sShape; ///< spans and bands
+    ESampling eSampling = SAMPLING_BY_TYPE;
+    bool bMinification = false;
     std::optional<float> oPan;
     std::optional<float> oTilt;
     std::optional<float> oZoom;

@@ -84,6 +84,8 @@ void CSessionOf<TDewarper>::ApplyView()
     rDewarper.SetMountType(m_sOptions.eMount);
     ApplyCamera();
     rDewarper.SetInterpolationType(m_sOptions.eInterpolation);
+    rDewarper.SetSampling(m_sOptions.eSampling);
+    rDewarper.SetMinification(m_sOptions.bMinification);
     rDewarper.SetYUVparams(m_sOptions.oYUVSpace.value_or(YUV_SPACE_AUTO),
                            m_sOptions.oYUVRange.value_or(YUV_RANGE_AUTO));
     rDewarper.SetFlip(m_sOptions.bFlipHorizontal, m_sOptions.bFlipVertical);

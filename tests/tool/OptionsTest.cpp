@@ -75,6 +75,8 @@ const std::pair<const char*, const char*> OPTIONS[] = {
     {"--band", "110,40"},
     {"--floor-flip", nullptr},
     {"--map", "m"},
+    {"--sampling", "lanczos"},
+    {"--minification", nullptr},
 };
 
 } // namespace
@@ -134,6 +136,8 @@ TEST(Options, EveryOptionIsTakenAndExplained)
     EXPECT_FALSE(sOptions.bCleanRim);
     EXPECT_EQ(sOptions.sShape, (SViewShape{200.0f, 70.0f, 110.0f, 40.0f, true}));
     EXPECT_EQ(sOptions.strMapName, "m");
+    EXPECT_EQ(sOptions.eSampling, SAMPLING_LANCZOS);
+    EXPECT_TRUE(sOptions.bMinification);
 }
 
 TEST(Options, LensesAreKnownOnesOrModelsWithAField)
@@ -264,7 +268,8 @@ TEST(Options, CommandLinesThatCannotBeFollowedAreRefused)
     for (const auto& [pName, pValue] :
          {std::pair("--span", "5"), std::pair("--span", "200,190"), std::pair("--span", "a"),
           std::pair("--band", "40"), std::pair("--band", "40,110"), std::pair("--band", "171,40"),
-          std::pair("--mount-orientation", "1,2"), std::pair("--roll", "400")})
+          std::pair("--sampling", "bicubic"), std::pair("--mount-orientation", "1,2"),
+          std::pair("--roll", "400")})
         EXPECT_TRUE(IsRefused({"in.png", "out.png", pName, pValue})) << pName << pValue;
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--mask-file", ""}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text-at", "1,1"}));
