@@ -115,22 +115,28 @@ bool Land(const STextbookLens& rLens, const STextbookCamera& rCamera, const FVec
     return fAngle <= rLens.fHalfField;
 }
 
-/// The angle of a height, by halving.
-static double AngleOf(const STextbookLens& rLens, double fHeight)
+/// Angles of heights 0 to 1, radians; between them a straight line will do.
+static std::vector<double> AnglesOf(const STextbookLens& rLens)
 {
-    double fLow = 0.0;
-    double fHigh = rLens.fHalfField * RADIANS;
-    for (int i = 0; i < 40; ++i) {
-        const double f = 0.5 * (fLow + fHigh);
-        (rLens.pHeight(f) > fHeight ? fHigh : fLow) = f;
+    const int nSteps = 4000;
+    std::vector<double> vAngles;
+    for (int n = 0; n <= nSteps + 1; ++n) {
+        double fLow = 0.0;
+        double fHigh = rLens.fHalfField * RADIANS;
+        for (int i = 0; i < 40; ++i) {
+            const double f = 0.5 * (fLow + fHigh);
+            (rLens.pHeight(f) > static_cast<double>(n) / nSteps ? fHigh : fLow) = f;
+        }
+        vAngles.push_back(0.5 * (fLow + fHigh));
     }
-    return 0.5 * (fLow + fHigh);
+    return vAngles;
 }
 
 STestImage RenderThrough(const STextbookLens& rLens, const STextbookCamera& rCamera, EMountType eMount,
                          const FScene& fScene, int nSamples)
 {
     const SAxes s(rCamera);
+    const std::vector<double> vAngles = AnglesOf(rLens);
     STestImage sImage(rCamera.nWidth, rCamera.nHeight);
     const auto Sample = [&](double fX, double fY) {
         const double x = (fX - rCamera.fCenterX) / rCamera.fRadiusX;
@@ -138,7 +144,9 @@ STestImage RenderThrough(const STextbookLens& rLens, const STextbookCamera& rCam
         const double fHeight = std::hypot(x, y);
         if (fHeight > 1.0)
             return FColour{0.0, 0.0, 0.0};
-        const double fAngle = AngleOf(rLens, fHeight);
+        const double fStep = fHeight * static_cast<double>(vAngles.size() - 2);
+        const std::size_t n = static_cast<std::size_t>(fStep);
+        const double fAngle = vAngles[n] + (vAngles[n + 1] - vAngles[n]) * (fStep - static_cast<double>(n));
         const double f = fHeight > 0.0 ? std::sin(fAngle) / fHeight : 0.0;
         FVector aMount;
         for (std::size_t i = 0; i < 3; ++i)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <gtest/gtest.h>
@@ -267,6 +268,8 @@ TEST_P(CMappingOfEngine, IsAskedByAnotherThreadWhileFramesAreDrawn)
         oDewarper->SetViewType(i % 20 < 15 ? VIEW_VCAM_QUAD : VIEW_PANORAMA_DUAL);
         oDewarper->RelativePTZ(1.0f, 0.25f, 0.0f);
         nDrawn += oDewarper.DrawFrame(oFrame) ? 1 : 0;
+        // A lock that is taken again at once lets nobody else in.
+        std::this_thread::sleep_for(std::chrono::microseconds(300));
     }
     bDone = true;
     oAsking.join();

@@ -15,7 +15,7 @@ namespace
 {
 
 /// Pictures of each kind: 15 kinds make 210.
-constexpr int PICTURES = 14;
+constexpr int PICTURES = 9;
 constexpr int PHOTOGRAPHS = 4;
 
 /// Circles of about 100 to 270 pixels of radius.
