@@ -16,6 +16,9 @@ target_compile_definitions(dewarp_test_pch PRIVATE ${TEST_PATHS})
 target_precompile_headers(dewarp_test_pch PRIVATE
     <algorithm> <cmath> <cstdlib> <cstring> <functional> <map> <random> <string> <vector> <gtest/gtest.h>)
 
+# Programs that only `./test --full` runs are built when it does.
+add_custom_target(long_tests)
+
 function(add_dewarp_test)
     cmake_parse_arguments(ARG "GL;INTERNALS;LONG" "NAME;SECONDS" "SOURCES;LIBRARIES" ${ARGN})
     add_executable(${ARG_NAME} ${ARG_SOURCES})
@@ -42,6 +45,8 @@ function(add_dewarp_test)
     endif()
     if(ARG_LONG)
         set_property(TEST ${ARG_NAME} APPEND PROPERTY LABELS long)
+        set_target_properties(${ARG_NAME} PROPERTIES EXCLUDE_FROM_ALL ON)
+        add_dependencies(long_tests ${ARG_NAME})
     endif()
     if(ARG_SECONDS)
         set_property(TEST ${ARG_NAME} PROPERTY COST ${ARG_SECONDS})

@@ -16,7 +16,7 @@
 #include <random>
 #include <sstream>
 
-static const int SEQUENCES = 250;
+static const int SEQUENCES = 120;
 static const int MOST_CALLS = 40;
 static const int MOST_BYTES = 180;
 static const int MOST_FAULTS = 5;
