@@ -100,6 +100,9 @@ std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nI
          "only the views vcam and quad have one");
     Note(sOptions.oRoll && !IsCameraView(sOptions.eView) && sOptions.eView != VIEW_PANINI, "--roll",
          "only the views vcam, quad and panini roll");
+    const bool bDescribed = sOptions.oLens || sOptions.oCircle || sOptions.oOrientation;
+    Note(!sOptions.bCleanRim && bDescribed, "--no-clean-rim",
+         "views of a lens, circle or orientation of one's own end cleanly");
     const bool bBand = IsStripView(sOptions.eView) && sOptions.eMount != MOUNT_WALL;
     Note(sOptions.sShape.fSpanX > 0.0f && !IsSurfaceView(sOptions.eView) &&
              !(bBand && sOptions.eView == VIEW_PANORAMA_FULL),
