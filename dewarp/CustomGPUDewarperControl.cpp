@@ -7,6 +7,7 @@
 #include "dewarp/Rooms.h"
 #include "dewarp/gl/PictureRequests.h"
 #include "dewarp/views/ViewList.h"
+#include "platform/MemoryGuard.h"
 
 #include <atomic>
 
@@ -40,7 +41,10 @@ void CCustomGPUDewarper::SetLensType(ELensType eLens)
 {
     CLockScope oScope(*this);
     eRequestedLens = eLens;
-    pRooms->oControl.DropLens();
+    GuardMemory("SetLensType", pRooms->oReport, false, [&] {
+        pRooms->oControl.DropLens();
+        return true;
+    });
     RequestFrame();
 }
 

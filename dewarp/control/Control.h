@@ -55,7 +55,7 @@ public:
     bool SetMountOrientation(const SMountOrientation& rOrientation);
     void SetCleanRim(bool bClean);
     /// What the host said; nothing when it said nothing.
-    SCameraOptics Optics() const;
+    const SCameraOptics& Optics() const;
     /// Where the circle lies: as the host said, or by the lens's own rule. False before a frame was drawn.
     bool CircleInForce(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY) const;
     ELensType LensInForce() const;

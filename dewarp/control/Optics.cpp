@@ -9,9 +9,10 @@
 /// Pixels; no frame is so large that its circle would be farther away, or larger.
 static const float MOST_PIXELS = 1e6f;
 
-SCameraOptics CControl::Optics() const
+const SCameraOptics& CControl::Optics() const
 {
-    return sParams.pOptics != nullptr ? sParams.pOptics->Said() : SCameraOptics();
+    static const SCameraOptics NOTHING;
+    return sParams.pOptics != nullptr ? sParams.pOptics->Said() : NOTHING;
 }
 
 /// Views and meshes are made anew for another one, so the same is not put in force twice.
@@ -39,6 +40,8 @@ bool CControl::SetLens(const SLens& rLens)
 
 void CControl::DropLens()
 {
+    if (!Optics().bOwnLens)
+        return;
     SCameraOptics sOptics = Optics();
     sOptics.bOwnLens = false;
     sOptics.sLens = SLens();
@@ -114,9 +117,9 @@ ELensType CControl::LensInForce() const
 
 bool CControl::CircleInForce(float& fCenterX, float& fCenterY, float& fRadiusX, float& fRadiusY) const
 {
-    const SCameraOptics sSaid = Optics();
-    const bool bLens = sSaid.bOwnLens || sParams.eLensType != LENS_UNSET;
-    if (!sSaid.sCircle.IsSet() && (sParams.nImageWidth < 1 || !bLens))
+    const SCameraOptics& rSaid = Optics();
+    const bool bLens = rSaid.bOwnLens || sParams.eLensType != LENS_UNSET;
+    if (!rSaid.sCircle.IsSet() && (sParams.nImageWidth < 1 || !bLens))
         return false;
     const SRimEllipse sRim =
         CLensMap(sParams.pOptics.get(), sParams.eLensType, sParams.nImageWidth, sParams.nImageHeight)

@@ -82,7 +82,10 @@ void CCustomCPUDewarper::SetLensType(ELensType eLens)
 {
     const CCPULock oLock(pState->oMutex);
     pState->oControl.eRequestedLens = eLens;
-    pState->oControl.DropLens();
+    GuardMemory("SetLensType", pState->oReport, false, [&] {
+        pState->oControl.DropLens();
+        return true;
+    });
     pState->RequestFrame();
 }
 
