@@ -39,6 +39,7 @@ public:
 protected:
     void GiveFrame(SFrame& sFrame) override;
     CDewarper& GetDewarper() override { return *m_pDewarper; }
+    bool GetSize(int& nWidth, int& nHeight) override { return m_pDewarper->GetTargetSize(nWidth, nHeight); }
 
 private:
     std::unique_ptr<CDewarper> m_pDewarper;

@@ -21,6 +21,8 @@ public:
 protected:
     explicit CSessionOf(const SToolOptions& sOptions) : m_sOptions(sOptions) {}
     virtual TDewarper& GetDewarper() = 0;
+    /// Of the pictures; false where it is not known.
+    virtual bool GetSize(int& /*nWidth*/, int& /*nHeight*/) { return false; }
     /// Hands the frame to the dewarper.
     virtual void GiveFrame(SFrame& sFrame) = 0;
     /// Draws the frame that was handed over last.
@@ -36,6 +38,7 @@ protected:
 private:
     void ApplyView();
     void ApplyCamera();
+    bool ShowsAnything();
     void ApplyPTZ();
     void ApplyOverlays(SOverlays& sOverlays);
 };
@@ -159,6 +162,21 @@ void CSessionOf<TDewarper>::DrawGiven()
         ThrowUndrawn();
 }
 
+/// Whether a described camera sees some of the view, looked for at 16 x 16 places.
+template <class TDewarper>
+bool CSessionOf<TDewarper>::ShowsAnything()
+{
+    int nWidth = 0;
+    int nHeight = 0;
+    const bool bDescribed = m_sOptions.oLens || m_sOptions.oCircle || m_sOptions.oOrientation;
+    if (!bDescribed || !GetSize(nWidth, nHeight))
+        return true;
+    std::vector<SPointD> vPoints;
+    for (int n = 0; n < 256; ++n)
+        vPoints.push_back({(n % 16 + 0.5) / 16.0 * nWidth, (n / 16 + 0.5) / 16.0 * nHeight});
+    return GetDewarper().ViewToFrame(vPoints.data(), vPoints.data(), nullptr, 256) > 0;
+}
+
 template <class TDewarper>
 std::vector<std::string> CSessionOf<TDewarper>::GetNotes()
 {
@@ -167,6 +185,9 @@ std::vector<std::string> CSessionOf<TDewarper>::GetNotes()
     float fZoom = 0.0f;
     GetDewarper().GetPTZ(fPan, fTilt, fZoom);
     std::vector<std::string> vNotes = ListLimitedPTZ(m_sOptions, fPan, fTilt, fZoom);
+    if (!ShowsAnything())
+        vNotes.emplace_back(
+            "nothing of this view lies in the light of the lens; check --lens, --circle and where it looks");
     if (m_sOptions.oThreads && GetEngine() == ENGINE_GL)
         vNotes.emplace_back("--threads has no effect: OpenGL ES draws");
     return vNotes;

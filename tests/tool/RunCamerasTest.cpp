@@ -94,6 +94,19 @@ TEST_F(RunCameras, APictureWithoutACircleIsSaidToHaveNone)
         << sAuto.strErrors;
 }
 
+TEST_F(RunCameras, AViewThatTheLensSeesNothingOfIsNoted)
+{
+    for (const std::vector<std::string>& vOptions : {std::vector<std::string>{"--circle", "5000,5000,10"},
+                                                     {"--lens", "rectilinear:60", "--view", "panorama"}}) {
+        std::vector<std::string> vArguments = vOptions;
+        vArguments.insert(vArguments.end(), {"--size", "64x64", m_strInput, m_strOutput});
+        const SToolRun sRun = RunTool(vArguments);
+        EXPECT_EQ(sRun.nStatus, 0);
+        EXPECT_NE(sRun.strErrors.find("nothing of this view lies in the light"), std::string::npos)
+            << sRun.strErrors;
+    }
+}
+
 TEST_F(RunCameras, ALensFileBringsLensAndCircle)
 {
     const std::string strLens = m_oFolder.Path("lens.json");
