@@ -200,7 +200,7 @@ void CFrameDraw::DrawPixels(const SCellSpan& rSpan, const SGridPoint* pPoints, s
         return;
     }
     std::uint32_t anPixels[CELL_PIXELS] = {};
-    if (nCovered != 0 && m_rJob.pKernels->pPixelsAt != nullptr && AreInside(pPoints, nCovered)) {
+    if (nCovered != 0 && m_rJob.pKernels->pPixelsAt != nullptr && AreInside<CELL_PIXELS>(pPoints, nCovered)) {
         SGridPoint aPoints[CELL_PIXELS];
         FillGaps(pPoints, nCovered, aPoints);
         m_rJob.pKernels->pPixelsAt(m_rCells, aPoints, anPixels);
@@ -230,7 +230,8 @@ void CFrameDraw::DrawYUV(const SCellSpan& rSpan, const SGridPoint* pPoints, cons
     unsigned char anChroma[CELL_PIXELS / 4][2];
     std::memset(anLuma, m_nBlack, sizeof anLuma);
     std::memset(anChroma, NEUTRAL_CHROMA, sizeof anChroma);
-    if (nCovered != 0 && m_rJob.pKernels->pLumaAt != nullptr && AreInside(pPoints, nCovered)) {
+    if (nCovered != 0 && m_rJob.pKernels->pLumaAt != nullptr && AreInside<CELL_PIXELS>(pPoints, nCovered) &&
+        AreInside<CELL_PIXELS / 4>(pPlaces, PlacesOf(nCovered))) {
         DrawInside(rSpan, pPoints, pPlaces, nCovered);
         return;
     }
@@ -274,9 +275,7 @@ void CFrameDraw::DrawInside(const SCellSpan& rSpan, const SGridPoint* pPoints, c
     std::memset(anChroma, NEUTRAL_CHROMA, sizeof anChroma);
     if (m_rCells.eSource != SOURCE_GRAY) {
         SGridPoint aPlaces[CELL_PIXELS / 4];
-        std::uint64_t nPlaces = 0;
-        for (int n = 0; n < CELL_PIXELS / 4; ++n)
-            nPlaces |= std::uint64_t{HasPlace(nCovered, n)} << n;
+        const std::uint64_t nPlaces = PlacesOf(nCovered);
         FillGaps<CELL_PIXELS / 4>(pPlaces, nPlaces, aPlaces);
         m_rJob.pKernels->pChromaAt(m_rCells, aPlaces, anChroma[0]);
         for (int n = 0; n < CELL_PIXELS / 4; ++n) {
@@ -287,22 +286,21 @@ void CFrameDraw::DrawInside(const SCellSpan& rSpan, const SGridPoint* pPoints, c
     PutChroma(rSpan, anChroma);
 }
 
-/// Whether a kernel may sample some positions.
-bool CFrameDraw::AreInside(const SGridPoint* pPoints, std::uint64_t nCovered) const
+/// Whether a kernel may sample the positions whose bits are set. Chroma is asked of its own places: at the
+/// end of the target one may stand for pixels of which some are not drawn.
+template <int COUNT>
+bool CFrameDraw::AreInside(const SGridPoint* pPoints, std::uint64_t nUsed) const
 {
     if (!m_bKernels || (m_rCells.eSource == SOURCE_PACKED && !m_rCells.bLinear))
         return false;
     // Half a pixel to spare, for chroma; three bytes a pixel are fetched by eight.
     const int nHalf = POSITION_ONE / 2;
     const int nRows = m_rCells.nFrameHeight - (m_rCells.aPlanes[0].nPixelBytes == 3 ? 2 : 1);
-    const int nRight = (m_rCells.nFrameWidth - 1) * POSITION_ONE - nHalf;
-    const int nBottom = nRows * POSITION_ONE - nHalf;
+    const SInside sInside = {nHalf, nHalf, (m_rCells.nFrameWidth - 1) * POSITION_ONE - nHalf,
+                             nRows * POSITION_ONE - nHalf};
     bool bInside = true;
-    for (int n = 0; n < CELL_PIXELS; ++n) {
-        const SGridPoint& p = pPoints[n];
-        const bool bHere = p.x >= nHalf && p.x < nRight && p.y >= nHalf && p.y < nBottom;
-        bInside = bInside && (bHere || (nCovered >> n & 1) == 0);
-    }
+    for (int n = 0; n < COUNT; ++n)
+        bInside = bInside && (sInside.Has(pPoints[n]) || (nUsed >> n & 1) == 0);
     return bInside;
 }
 

@@ -52,7 +52,8 @@ private:
     void DrawSampledPixels(const SCellSpan& rSpan, const SGridPoint* pPoints, std::uint64_t nCovered) const;
     void DrawSampledYUV(const SCellSpan& rSpan, const SGridPoint* pPoints, const SGridPoint* pPlaces,
                         std::uint64_t nCovered) const;
-    bool AreInside(const SGridPoint* pPoints, std::uint64_t nCovered) const;
+    template <int COUNT>
+    bool AreInside(const SGridPoint* pPoints, std::uint64_t nUsed) const;
     void PutPixels(const SCellSpan& rSpan, const std::uint32_t* pPixels) const;
     void PutLuma(const SCellSpan& rSpan, const unsigned char* pLuma) const;
     void PutChroma(const SCellSpan& rSpan, const unsigned char (*pChroma)[2]) const;

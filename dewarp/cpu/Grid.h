@@ -96,6 +96,15 @@ inline bool HasPlace(std::uint64_t nCovered, int nPlace)
     return (nCovered >> (nPlace / 4 * 2 * CELL_SIDE + nPlace % 4 * 2) & (3U | 3U << CELL_SIDE)) != 0;
 }
 
+/// A bit for each chroma place that HasPlace.
+inline std::uint64_t PlacesOf(std::uint64_t nCovered)
+{
+    std::uint64_t nPlaces = 0;
+    for (int n = 0; n < CELL_PIXELS / 4; ++n)
+        nPlaces |= std::uint64_t{HasPlace(nCovered, n)} << n;
+    return nPlaces;
+}
+
 /// Brings a cell's positions into lines where that can be.
 void SetLines(SExactCell& rCell, const SInside& rInside);
 /// All positions of a cell; where a pixel is not covered, anything.
