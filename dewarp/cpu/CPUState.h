@@ -11,6 +11,7 @@
 #include "dewarp/geometry/CustomGPUGeometry.h"
 #include "dewarp/mapping/PointMap.h"
 #include "dewarp/records/LogTag.h"
+#include "platform/FairMutex.h"
 #include "platform/Report.h"
 
 #include <memory>
@@ -41,7 +42,7 @@ struct CCustomCPUDewarper::SState
     /// Reports a fault that ends an operation, and returns false.
     bool Fail(const char* pFunction, const char* pMessage);
 
-    std::recursive_mutex oMutex;
+    CFairMutex oMutex;
     CReport oReport{DEWARP_LOG_TAG};
     CControl oControl{oReport};
     SPictureSettings sPicture;
@@ -79,4 +80,4 @@ struct CCustomCPUDewarper::SState
 };
 
 /// Holds the dewarper's lock for a scope.
-using CCPULock = std::lock_guard<std::recursive_mutex>;
+using CCPULock = std::lock_guard<CFairMutex>;

@@ -6,12 +6,11 @@
 #include "dewarp/records/FrameCheck.h"
 #include "dewarp/shaders/VertexText.h"
 #include "platform/Display.h"
+#include "platform/FairMutex.h"
 #include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
 #include <android/log.h>
-
-#include <mutex>
 
 namespace
 {
@@ -28,7 +27,7 @@ bool Fail(CReport& rReport, const char* pFunction, const char* pMessage)
 
 struct CCustomGPUDewarperOffscreen::SState
 {
-    std::recursive_mutex oMutex;
+    CFairMutex oMutex;
     int nTargetWidth = 0;
     int nTargetHeight = 0;
     EGLDisplay pDisplay = EGL_NO_DISPLAY;
