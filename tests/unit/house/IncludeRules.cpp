@@ -59,9 +59,10 @@ const std::vector<SRoomRule>& HouseRules()
     static const std::vector<std::string> EVERYTHING = {"dewarp/", "platform/"};
     static const std::vector<std::string> DECIDING = {"dewarp/records/", "dewarp/lenses/", "dewarp/geometry/",
                                                       "dewarp/views/"};
-    static const std::vector<std::string> CARRYING = With(
-        DECIDING, {"dewarp/control/", "dewarp/mapping/", "dewarp/overlays/", "dewarp/tables/", "dewarp/cpu/",
-                   "dewarp/Dewarper.h", "platform/Report.h", "platform/MemoryGuard.h", EXPORT});
+    static const std::vector<std::string> CARRYING =
+        With(DECIDING, {"dewarp/control/", "dewarp/mapping/", "dewarp/overlays/", "dewarp/tables/",
+                        "dewarp/cpu/", "dewarp/Dewarper.h", "platform/Report.h", "platform/MemoryGuard.h",
+                        "platform/FairMutex.h", EXPORT});
     static const std::vector<SRoomRule> RULES = {
         // Each may include rooms above it.
         {"dewarp/records/", {"dewarp/records/", EXPORT}, PLAIN, {}},
@@ -106,7 +107,7 @@ const std::vector<SRoomRule>& HouseRules()
         // The choice between the engines is part of the core.
         {"dewarp/CreateDewarper.cpp",
          {"dewarp/Dewarper.h", "dewarp/GLEngine.h", "dewarp/cpu/CustomCPUDewarper.h", "dewarp/records/",
-          "platform/MemoryGuard.h", "platform/Report.h"},
+          "platform/MemoryGuard.h", "platform/FairMutex.h", "platform/Report.h"},
          TELLING,
          {}},
         {"dewarp/GLEngine", {"dewarp/GLEngine.h", "platform/SiblingLibrary.h", EXPORT}, PLAIN, {}},
