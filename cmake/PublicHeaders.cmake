@@ -35,6 +35,7 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/records/SGRect.h
     dewarp/records/SImageProperties.h
     dewarp/records/SPTZLimits.h
+    dewarp/records/SPane.h
     dewarp/records/SPointD.h
     dewarp/records/SQPInfo.h
     dewarp/records/SViewShape.h

@@ -38,6 +38,7 @@ void CCustomGPUDewarper::DeleteViewObjects()
             pObject->Reset();
     }
     pRooms->sViews.oAnyView.Reset();
+    pRooms->oPaneMeshes.Reset();
     pFisheye = nullptr;
     pFisheyeCircular = nullptr;
     pVCAM = nullptr;
@@ -70,6 +71,7 @@ void CCustomGPUDewarper::ForgetGLNames()
              &r.sViews.oPanoramaWall, &r.sViews.oPanoramaDual, &r.sViews.oPanoramaTriple, &r.sViews.oAnyView,
              pStringObject, pAuxFisheye, pAuxFisheye2})
         pObject->Forget();
+    r.oPaneMeshes.Forget();
 }
 
 void CCustomGPUDewarper::FreeProgramAndShaders()
@@ -171,6 +173,11 @@ void CCustomGPUDewarper::RequestFrame()
 }
 
 bool CCustomGPUDewarper::IsTopDownTarget()
+{
+    return false;
+}
+
+bool CCustomGPUDewarper::IsYUVTarget()
 {
     return false;
 }

@@ -8,6 +8,7 @@
 #include "dewarp/records/SViewShape.h"
 #include "platform/Export.h"
 
+struct SPlacedView;
 struct STargetShape;
 
 /// Platform-neutral dewarper. A subclass supplies the context, the target and the locking:
@@ -87,6 +88,8 @@ public:
     virtual bool IsTopDownTarget();
     /// True when the program mirrors the picture as SetFlip asks.
     virtual bool DrawsFlips();
+    /// True when what the next view is drawn into holds Y, U and V instead of colours.
+    virtual bool IsYUVTarget();
 
     // What to show.
     void SetViewType(EViewType eView);
@@ -181,6 +184,21 @@ public:
     void OnMouseMove(int x, int y, bool bLockX, bool bLockY);
     void OnMouseUp();
     void OnMouseWheel(double fDelta);
+
+    // Several views in one picture.
+    /// Up to 16 rectangles of the picture, each with a view of its own; mount, lens, colours, masks and all
+    /// else stay the camera's. Later ones lie over earlier ones. An empty list gives the one view back, as it
+    /// was. Operations that steer (SetViewType, SetRoll, SetEyeDistance, pan, tilt, zoom, LookAt, mouse) go
+    /// to the selected pane: the first one, then the one that the pointer was on last. What is no pane is
+    /// refused with a log line and false; one that reaches beyond the picture is left out with a log line.
+    bool SetPanes(std::vector<SPane> vPanes);
+    /// As they are now: with the views and positions that steering has brought them to.
+    std::vector<SPane> GetPanes();
+    /// Pixels that panes which touch each other stand apart, and what is seen there and beside them:
+    /// 0xRRGGBBAA. At first none, and nothing (0).
+    bool SetPaneGap(int nPixels, unsigned int nColor);
+    bool SelectPane(int nPane);
+    int GetSelectedPane(); ///< -1 without panes
 
     // Overlays, masks, text.
     /// Lays an RGBA image over the input picture, before dewarping; null removes it. The last argument is
@@ -291,6 +309,9 @@ protected:
     bool DrawFrame(bool bExchangeBuffers);
     bool PrepareTarget(STargetShape& rTarget);
     void DecideLayers();
+    bool PrepareView(const STargetShape& rTarget);
+    bool PreparePanes(const STargetShape& rTarget);
+    void TakePictureSettings();
     bool Decide(const STargetShape& rTarget);
     bool CheckMainProgram();
     void ActivateView(bool bNewLens, ELensType eLensBefore);
@@ -302,6 +323,8 @@ protected:
     void BindFrameTarget(const STargetShape& rTarget);
     bool AreMasksShown();
     void DrawView(const STargetShape& rTarget);
+    bool DrawPanes(const STargetShape& rTarget);
+    bool DrawPane(const SPlacedView& rPane, const STargetShape& rTarget);
     void DrawCompositionPasses(int nWidth, int nHeight);
     void FinishFrame(const STargetShape& rTarget);
     /// Asks for all that a frame can build.

@@ -14,14 +14,14 @@
 void CCustomGPUDewarper::SetViewType(EViewType eView)
 {
     CLockScope oScope(*this);
-    eRequestedView = eView;
+    pRooms->oPanes.Steered().eRequestedView = eView;
     RequestFrame();
 }
 
 EViewType CCustomGPUDewarper::GetViewType()
 {
     CLockScope oScope(*this);
-    return eRequestedView;
+    return pRooms->oPanes.Asked().eRequestedView;
 }
 
 void CCustomGPUDewarper::SetMountType(EMountType eMount)
@@ -194,7 +194,7 @@ void CCustomGPUDewarper::GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChroma
 void CCustomGPUDewarper::SetEyeDistance(float fDistance)
 {
     CLockScope oScope(*this);
-    if (!pRooms->oControl.SetEyeDistance(fDistance))
+    if (!pRooms->oPanes.Steered().SetEyeDistance(fDistance))
         return;
     bViewSetupRequired = true;
     RequestFrame();
@@ -203,7 +203,7 @@ void CCustomGPUDewarper::SetEyeDistance(float fDistance)
 float CCustomGPUDewarper::GetEyeDistance()
 {
     CLockScope oScope(*this);
-    return pRooms->oControl.fEyeDistance;
+    return pRooms->oPanes.Asked().fEyeDistance;
 }
 
 bool CCustomGPUDewarper::SetSampling(ESampling eSampling)
@@ -283,7 +283,7 @@ unsigned long long CCustomGPUDewarper::GetLastDisplayedTextureTimestamp()
 bool CCustomGPUDewarper::IsDrawRequired()
 {
     CLockScope oScope(*this);
-    return bDrawRequired || pRooms->oControl.IsMoving();
+    return bDrawRequired || pRooms->oPanes.IsMoving();
 }
 
 std::string CCustomGPUDewarper::GetLastErrorText()

@@ -48,17 +48,9 @@ bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
     const SPictureSettings sSettings = RequestedSettings(sMainShader);
     if (DrawsFlips())
         r.oControl.FollowMirrors(MirrorsOf(sSettings.bFlipHorizontal, sSettings.bFlipVertical, nRotation));
-    const SAppliedRequests sApplied = r.oControl.ApplyRequests();
-    pRequestedViewObject = ObjectInForce();
-    DecideLayers();
-    const bool bSetUp = Decide(sTarget);
-    if (!CheckMainProgram())
+    const bool bPanes = r.oPanes.IsSet();
+    if (!(bPanes ? PreparePanes(sTarget) : PrepareView(sTarget)))
         return false;
-    ActivateView(sApplied.bNewLens, sApplied.eLensBefore);
-    if (!PaintMasks(sTarget))
-        return false;
-    if (bSetUp || bViewSetupRequired)
-        SetUpProjection();
     UploadTexture();
     if (!HasFrame() || !AreMasksShown())
         return false;
@@ -67,7 +59,10 @@ bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
         return false;
     r.oReadBack.ForgetFrame();
     glClear(GL_COLOR_BUFFER_BIT);
-    DrawView(sTarget);
+    if (!bPanes)
+        DrawView(sTarget);
+    else if (!DrawPanes(sTarget))
+        return false;
     DrawCompositionPasses(sTarget.nWidth, sTarget.nHeight);
     if (r.oWatch.LacksMemory())
         return false;
@@ -75,6 +70,24 @@ bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
         ExchangeOpenglFrontBackBuffers(pRenderingContext);
     UnbindTextures();
     FinishFrame(sTarget);
+    return true;
+}
+
+/// Everything that the one view needs but the frame itself.
+bool CCustomGPUDewarper::PrepareView(const STargetShape& rTarget)
+{
+    SRooms& r = *pRooms;
+    const SAppliedRequests sApplied = r.oControl.ApplyRequests();
+    pRequestedViewObject = ObjectInForce();
+    DecideLayers();
+    const bool bSetUp = Decide(rTarget);
+    if (!CheckMainProgram())
+        return false;
+    ActivateView(sApplied.bNewLens, sApplied.eLensBefore);
+    if (!PaintMasks(rTarget))
+        return false;
+    if (bSetUp || bViewSetupRequired)
+        SetUpProjection();
     return true;
 }
 
@@ -122,6 +135,14 @@ void CCustomGPUDewarper::DecideLayers()
     rLayers.bInputOverlay = sMainShader.bInputOverlay;
 }
 
+void CCustomGPUDewarper::TakePictureSettings()
+{
+    SRooms& r = *pRooms;
+    r.sDecision.sPicture = RequestedSettings(sMainShader);
+    r.oTextures.eSampling = r.sDecision.sPicture.eSampling;
+    r.oTextures.bMinification = r.sDecision.sPicture.bMinification;
+}
+
 /// Decides the view if it is not decided for this state and target yet. True when its matrices are to be set
 /// up.
 bool CCustomGPUDewarper::Decide(const STargetShape& rTarget)
@@ -129,9 +150,7 @@ bool CCustomGPUDewarper::Decide(const STargetShape& rTarget)
     SRooms& r = *pRooms;
     const bool bSetUp = bViewSetupRequired || rTarget.nWidth != pMatrices->nViewportWidth ||
                         rTarget.nHeight != pMatrices->nViewportHeight || *pParams != *pLastDrawnParams;
-    r.sDecision.sPicture = RequestedSettings(sMainShader);
-    r.oTextures.eSampling = r.sDecision.sPicture.eSampling;
-    r.oTextures.bMinification = r.sDecision.sPicture.bMinification;
+    TakePictureSettings();
     if (IsDecidedFor(r.sDecision, r.oControl, rTarget))
         return bSetUp;
     DecideView(r.oControl, rTarget, r.sDecision);
@@ -147,6 +166,7 @@ void CCustomGPUDewarper::ResetCustomGPUObjects()
             pObject->Reset();
     }
     pRooms->sViews.oAnyView.Reset();
+    pRooms->oPaneMeshes.Reset();
     if (pActiveViewObject == nullptr)
         return;
     pActiveViewObject->Activate(pGeometry, pParams);
@@ -273,7 +293,10 @@ void CCustomGPUDewarper::FinishFrame(const STargetShape& rTarget)
                                 static_cast<void*>(this), static_cast<int>(nError));
     }
     r.oReadBack.SetDrawn(rTarget.nWidth, rTarget.nHeight);
-    r.oPoints.SetDrawn(r.sDecision, DrawsFlips());
+    if (r.oPanes.IsSet())
+        r.oPoints.SetDrawn(r.oPanes.Views(), DrawsFlips());
+    else
+        r.oPoints.SetDrawn(r.sDecision, DrawsFlips());
     r.oReport.AllOver();
     bDrawRequired = false;
     nLastDisplayedTimestamp = nLastSetTimestamp;

@@ -77,7 +77,7 @@ bool CCustomGPUDewarper::LookAt(double fFrameX, double fFrameY)
 {
     CLockScope oScope(*this);
     SLookTarget sTarget;
-    if (!pRooms->oPoints.TargetAt({fFrameX, fFrameY}, sTarget) || !pRooms->oControl.LookAt(sTarget))
+    if (!pRooms->oPoints.TargetAt({fFrameX, fFrameY}, sTarget) || !pRooms->oPanes.Steered().LookAt(sTarget))
         return false;
     RequestFrame();
     return true;
@@ -88,7 +88,9 @@ bool CCustomGPUDewarper::LookAtView(double x, double y)
     CLockScope oScope(*this);
     double fFrameX = 0.0;
     double fFrameY = 0.0;
-    return ViewToFrame(x, y, fFrameX, fFrameY) && LookAt(fFrameX, fFrameY);
+    int nX = static_cast<int>(x);
+    int nY = static_cast<int>(y);
+    return pRooms->oPanes.PointAt(nX, nY) && ViewToFrame(x, y, fFrameX, fFrameY) && LookAt(fFrameX, fFrameY);
 }
 
 bool CCustomGPUDewarper::ViewToDirection(double x, double y, SDirection& rDirection)

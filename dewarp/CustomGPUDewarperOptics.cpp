@@ -73,14 +73,14 @@ bool CCustomGPUDewarper::GetCleanRim()
 void CCustomGPUDewarper::SetRoll(float fDegrees)
 {
     CLockScope oScope(*this);
-    if (pRooms->oControl.SetRoll(fDegrees))
+    if (pRooms->oPanes.Steered().SetRoll(fDegrees))
         RequestFrame();
 }
 
 float CCustomGPUDewarper::GetRoll()
 {
     CLockScope oScope(*this);
-    return pParams->fRoll;
+    return pRooms->oPanes.Asked().sParams.fRoll;
 }
 
 bool CCustomGPUDewarper::SetViewShape(const SViewShape& rShape)

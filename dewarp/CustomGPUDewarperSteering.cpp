@@ -13,31 +13,41 @@ bool CCustomGPUDewarper::IsViewDrawn() const
 void CCustomGPUDewarper::AbsolutePTZ(float fPan, float fTilt, float fZoom)
 {
     CLockScope oScope(*this);
-    if (pRooms->oControl.AbsolutePTZ(fPan, fTilt, fZoom))
+    if (pRooms->oPanes.Steered().AbsolutePTZ(fPan, fTilt, fZoom))
         RequestFrame();
 }
 
 void CCustomGPUDewarper::RelativePTZ(float fPan, float fTilt, float fZoom)
 {
     CLockScope oScope(*this);
-    if (pRooms->oControl.RelativePTZ(fPan, fTilt, fZoom, IsViewDrawn()))
+    if (pRooms->oPanes.Steered().RelativePTZ(fPan, fTilt, fZoom, pRooms->oPanes.IsDrawn(IsViewDrawn())))
         RequestFrame();
 }
 
 void CCustomGPUDewarper::AnaloguePTZ(float fPan, float fTilt, float fZoom)
 {
-    pRooms->oControl.AnaloguePTZ(fPan, fTilt, fZoom);
+    if (!pRooms->oPanes.IsSet()) {
+        pRooms->oControl.AnaloguePTZ(fPan, fTilt, fZoom);
+        return;
+    }
+    CLockScope oScope(*this);
+    pRooms->oPanes.Steered().AnaloguePTZ(fPan, fTilt, fZoom);
 }
 
 void CCustomGPUDewarper::GetPTZAnalog(float& fPan, float& fTilt, float& fZoom)
 {
-    pRooms->oControl.GetPTZAnalog(fPan, fTilt, fZoom);
+    if (!pRooms->oPanes.IsSet()) {
+        pRooms->oControl.GetPTZAnalog(fPan, fTilt, fZoom);
+        return;
+    }
+    CLockScope oScope(*this);
+    pRooms->oPanes.Asked().GetPTZAnalog(fPan, fTilt, fZoom);
 }
 
 void CCustomGPUDewarper::GetPTZ(float& fPan, float& fTilt, float& fZoom)
 {
     CLockScope oScope(*this);
-    pRooms->oControl.GetPTZ(fPan, fTilt, fZoom);
+    pRooms->oPanes.Asked().GetPTZ(fPan, fTilt, fZoom);
 }
 
 void CCustomGPUDewarper::CheckPTZ()
@@ -49,7 +59,8 @@ void CCustomGPUDewarper::CheckPTZ()
 void CCustomGPUDewarper::OnMouseDown(int x, int y)
 {
     CLockScope oScope(*this);
-    pRooms->oControl.OnMouseDown(x, y);
+    if (pRooms->oPanes.PointAt(x, y))
+        pRooms->oPanes.Steered().OnMouseDown(x, y);
 }
 
 void CCustomGPUDewarper::OnMouseMove(int x, int y, bool bLockX, bool bLockY)
@@ -57,20 +68,22 @@ void CCustomGPUDewarper::OnMouseMove(int x, int y, bool bLockX, bool bLockY)
     CLockScope oScope(*this);
     const SDrawnPicture sPicture = {pMatrices->nViewportWidth, pMatrices->nViewportHeight,
                                     sMainShader.anClipPlanes[0], sMainShader.anClipPlanes[2]};
-    if (pRooms->oControl.OnMouseMove(x, y, bLockX, bLockY, sPicture, IsViewDrawn()))
+    if (pRooms->oPanes.Follow(x, y) &&
+        pRooms->oPanes.Steered().OnMouseMove(x, y, bLockX, bLockY, pRooms->oPanes.Picture(sPicture),
+                                             pRooms->oPanes.IsDrawn(IsViewDrawn())))
         RequestFrame();
 }
 
 void CCustomGPUDewarper::OnMouseUp()
 {
     CLockScope oScope(*this);
-    pRooms->oControl.OnMouseUp();
+    pRooms->oPanes.Steered().OnMouseUp();
 }
 
 void CCustomGPUDewarper::OnMouseWheel(double fDelta)
 {
     CLockScope oScope(*this);
-    if (pRooms->oControl.OnMouseWheel(fDelta, IsViewDrawn()))
+    if (pRooms->oPanes.Steered().OnMouseWheel(fDelta, pRooms->oPanes.IsDrawn(IsViewDrawn())))
         RequestFrame();
 }
 

@@ -10,6 +10,7 @@
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"
+#include "dewarp/records/SPane.h"
 #include "dewarp/records/SPointD.h"
 #include "dewarp/records/SQPInfo.h"
 #include "dewarp/records/SViewShape.h"
@@ -183,6 +184,21 @@ public:
     /// linear samples: fine patterns and edges no longer sparkle. Off at first.
     virtual void SetMinification(bool bAverage) = 0;
     virtual bool GetMinification() = 0;
+
+    // Several views in one picture.
+    /// Up to 16 rectangles of the picture, each with a view of its own; mount, lens, colours, masks and all
+    /// else stay the camera's. Later ones lie over earlier ones. An empty list gives the one view back, as it
+    /// was. Operations that steer (SetViewType, SetRoll, SetEyeDistance, pan, tilt, zoom, LookAt, mouse) go
+    /// to the selected pane: the first one, then the one that the pointer was on last. What is no pane is
+    /// refused with a log line and false; one that reaches beyond the picture is left out with a log line.
+    virtual bool SetPanes(std::vector<SPane> vPanes) = 0;
+    /// As they are now: with the views and positions that steering has brought them to.
+    virtual std::vector<SPane> GetPanes() = 0;
+    /// Pixels that panes which touch each other stand apart, and what is seen there and beside them:
+    /// 0xRRGGBBAA. At first none, and nothing (0).
+    virtual bool SetPaneGap(int nPixels, unsigned int nColor) = 0;
+    virtual bool SelectPane(int nPane) = 0;
+    virtual int GetSelectedPane() = 0; ///< -1 without panes
 
     // What a host would have to guess.
     /// Where a view starts on a mount.

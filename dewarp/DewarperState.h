@@ -12,6 +12,7 @@
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"
+#include "dewarp/records/SPane.h"
 #include "dewarp/records/SPointD.h"
 #include "dewarp/records/SQPInfo.h"
 #include "platform/Export.h"

@@ -2,8 +2,7 @@
 /// Everything that one dewarper is put together from. Inside the library only.
 #pragma once
 
-#include "dewarp/control/Control.h"
-#include "dewarp/control/Decision.h"
+#include "dewarp/control/Panes.h"
 #include "dewarp/gl/DriverWatch.h"
 #include "dewarp/gl/FrameTextures.h"
 #include "dewarp/gl/GPUObjPanorama.h"
@@ -14,12 +13,13 @@
 #include "dewarp/gl/MaskPass.h"
 #include "dewarp/gl/OutputOverlayPass.h"
 #include "dewarp/gl/OverlayImages.h"
+#include "dewarp/gl/PaneMeshes.h"
 #include "dewarp/gl/Programs.h"
 #include "dewarp/gl/ReadBack.h"
 #include "dewarp/gl/StringPass.h"
 #include "dewarp/gl/TextureCopies.h"
 #include "dewarp/gl/Textures.h"
-#include "dewarp/mapping/PointMap.h"
+#include "dewarp/mapping/PictureMap.h"
 #include "dewarp/overlays/MaskList.h"
 #include "dewarp/overlays/StringList.h"
 #include "dewarp/records/LogTag.h"
@@ -62,8 +62,9 @@ struct SRooms
 
     CReport oReport{DEWARP_LOG_TAG};
     CControl oControl{oReport};
+    CPanes oPanes{oControl, oReport};
     SFrameDecision sDecision;
-    CPointMap oPoints; ///< of the picture that was drawn last
+    CPictureMap oPoints; ///< of the picture that was drawn last
     SMaskList sMasks;
     SStringList sStrings;
 
@@ -82,6 +83,7 @@ struct SRooms
     CStringPass oStringPass{sTools};
     CReadBack oReadBack{oWatch, oReport};
     SViewObjects sViews;
+    CPaneMeshes oPaneMeshes{oGeometry, oWatch};
 
     bool bProgramTriedAgain = false; ///< the view's program failed, and was tried once more
     SDewarpMatrices sMatrices;       ///< of the view

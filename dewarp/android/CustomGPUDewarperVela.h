@@ -61,6 +61,7 @@ public:
     void BindDefaultFrameBuffer() override;
     bool IsTopDownTarget() override;
     bool DrawsFlips() override;
+    bool IsYUVTarget() override;
 
     // State, open as that of the base class.
     int nTargetWidth = 0;

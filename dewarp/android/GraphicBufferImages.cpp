@@ -321,6 +321,11 @@ bool CCustomGPUDewarperVela::IsTopDownTarget()
     return !NeedsFrameTexture();
 }
 
+bool CCustomGPUDewarperVela::IsYUVTarget()
+{
+    return pRooms->oPrograms.IsYUVOutput();
+}
+
 bool CCustomGPUDewarperVela::DrawsFlips()
 {
     return false;

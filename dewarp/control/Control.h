@@ -83,6 +83,8 @@ public:
     bool ApplyViewRequest();
     /// Everything that was asked for, in order: mount, view, position, speeds, lens.
     SAppliedRequests ApplyRequests();
+    /// Those that concern the camera alone, mount and lens: its one view is not shown.
+    SAppliedRequests ApplyCameraRequests();
     /// A new frame's size and format: a position that belongs to another picture is given up.
     void SetFrame(int nWidth, int nHeight, int nStride, bool bOtherPicture);
     /// Forgets what is in force: the requests are applied anew with the next frame.

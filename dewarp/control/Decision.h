@@ -53,6 +53,15 @@ struct SFrameDecision
     SLayers sLayers;
 };
 
+/// One of several views in a picture. Owns: nothing.
+struct SPlacedView
+{
+    SGRect
+        sGround;   ///< pixels of the target that belong to it, from the top; later ones lie over earlier ones
+    SGRect sPlace; ///< those that it is drawn in
+    const SFrameDecision* pDecision = nullptr; ///< of a target as large as the place
+};
+
 /// True when a decision's view part was made from just this state and target.
 LUMOR_INTERNAL_API bool IsDecidedFor(const SFrameDecision& rDecision, const CControl& rControl,
                                      const STargetShape& rTarget);

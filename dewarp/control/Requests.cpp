@@ -48,6 +48,17 @@ SAppliedRequests CControl::ApplyRequests()
     return sApplied;
 }
 
+SAppliedRequests CControl::ApplyCameraRequests()
+{
+    if (!IsMountSet(sParams.eMountType) && !IsMountSet(eRequestedMount))
+        eRequestedMount = MOUNT_CEILING;
+    ApplyMountRequest();
+    SAppliedRequests sApplied;
+    sApplied.eLensBefore = sParams.eLensType;
+    ApplyLensRequest(sApplied);
+    return sApplied;
+}
+
 void CControl::ApplyDefaultPTZ()
 {
     const SPTZ sDefault = View().DefaultPTZ(sParams.eMountType);

@@ -2,11 +2,12 @@
 
 #include "dewarp/cpu/CPUState.h"
 
+#include "dewarp/cpu/PaneGround.h"
 #include "dewarp/cpu/WorkerPool.h"
-#include "dewarp/mapping/ViewRules.h"
 #include "dewarp/records/PackYUV.h"
 
 #include <algorithm>
+#include <span>
 
 static bool IsYUVTarget(const SFrameTarget& rTarget)
 {
@@ -31,63 +32,80 @@ bool CCustomCPUDewarper::SState::HasFrameAndTarget(const char* pFunction)
     return false;
 }
 
-/// Requests are put in force, the view is decided, and the grid stands for it.
+/// Requests are put in force, the views are decided, and their grids stand for them.
 void CCustomCPUDewarper::SState::PrepareView()
 {
     const SMirrors sMirrors = MirrorsOf(sPicture.bFlipHorizontal, sPicture.bFlipVertical, oControl.nRotation);
     oControl.FollowMirrors(sMirrors);
+    const STargetShape sTarget = {nTargetWidth, nTargetHeight, true};
+    if (oPanes.IsSet()) {
+        oPanes.Decide(sTarget, sPicture);
+        PreparePanes();
+        return;
+    }
     oControl.ApplyRequests();
     bViewDrawn = true;
-    const STargetShape sTarget = {nTargetWidth, nTargetHeight, true};
-    if (!IsDecidedFor(sDecision, oControl, sTarget)) {
-        bGridBuilt = false;
+    if (!IsDecidedFor(sDecision, oControl, sTarget))
         DecideView(oControl, sTarget, sDecision);
-    }
     sDecision.sPicture = sPicture;
-    PrepareMesh();
-    const SFrameShape sShape = FrameShapeOf(sDecision);
-    if (bGridBuilt && sGridShape == sShape)
-        return;
-    bGridBuilt = false;
-    ++nGridNumber;
-    oGrid.Build(sDecision, oMesh, sShape, CountThreads());
-    sGridShape = sShape;
-    bGridBuilt = true;
+    oView.Prepare(sDecision, oGeometry, nullptr, bExactGeometry, CountThreads());
 }
 
-void CCustomCPUDewarper::SState::PrepareMesh()
+void CCustomCPUDewarper::SState::PreparePanes()
 {
-    if (sMeshBuiltFor == sDecision.sMesh)
-        return;
-    // Until it is whole the mesh is nobody's: memory may run out on the way.
-    sMeshBuiltFor = SMeshKey();
-    bGridBuilt = false;
-    sDecision.pView->BuildMesh(oGeometry, sDecision.sMesh);
-    oMesh.Build(oGeometry, IsFan(sDecision.sMesh));
-    sMeshBuiltFor = sDecision.sMesh;
+    const std::span<const SPlacedView> oViews = oPanes.Views();
+    while (vPaneViews.size() < oViews.size())
+        vPaneViews.push_back(std::make_unique<CViewDraw>());
+    for (std::size_t n = 0; n < oViews.size(); ++n) {
+        const SFrameDecision& d = *oViews[n].pDecision;
+        const auto pOther =
+            std::find_if(vPaneViews.begin(), vPaneViews.end(),
+                         [&](const std::unique_ptr<CViewDraw>& p) { return p->HasMesh(d.sMesh); });
+        vPaneViews[n]->Prepare(d, oGeometry, pOther == vPaneViews.end() ? nullptr : pOther->get(),
+                               bExactGeometry, CountThreads());
+    }
 }
 
-bool CCustomCPUDewarper::SState::PrepareLayers(const SFrameTarget& rTarget, const char* pFunction)
+SYUV2RGBConversionParams CCustomCPUDewarper::SState::ColoursInForce() const
+{
+    SYUV2RGBConversionParams sInForce = sPicture.sYUV2RGB;
+    sInForce.eSpace = static_cast<EYUVSpace>(EffectiveYUVSpace(sInForce.eSpace, sImage.eYUVSpace));
+    sInForce.eRange = static_cast<EYUVRange>(EffectiveYUVRange(sInForce.eRange, sImage.eYUVRange));
+    return sInForce;
+}
+
+SLayerPlace CCustomCPUDewarper::SState::LayerPlaceOf(const SFrameTarget& rTarget) const
 {
     SLayerPlace sPlace;
     sPlace.sFormat.bYUV = IsYUVTarget(rTarget);
     sPlace.sFormat.bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
-    sPlace.sFormat.nYUVSpace = EffectiveYUVSpace(sPicture.sYUV2RGB.eSpace, sImage.eYUVSpace);
-    sPlace.sFormat.nYUVRange = EffectiveYUVRange(sPicture.sYUV2RGB.eRange, sImage.eYUVRange);
+    sPlace.sFormat.nYUVSpace = ColoursInForce().eSpace;
+    sPlace.sFormat.nYUVRange = ColoursInForce().eRange;
     sPlace.bLinear = sPicture.SamplingInForce(oControl.eInterpolation) != SAMPLING_NEAREST;
     sPlace.nFrameWidth = sImage.nWidth;
     sPlace.nFrameHeight = sImage.nHeight;
     sPlace.nTargetWidth = nTargetWidth;
     sPlace.nTargetHeight = nTargetHeight;
-    sPlace.sRim = sDecision.sBands.sRim;
-    sPlace.nGridNumber = nGridNumber;
-    if (oLayers.Prepare(sPlace, oGrid, CountThreads()))
-        return true;
-    oReport.Standing(CPU_FAULT_MASKS, "%s: privacy masks are not painted; no frame is shown", pFunction);
-    return false;
+    return sPlace;
 }
 
-bool CCustomCPUDewarper::SState::DrawView(const SFrameTarget& rTarget, const char* pFunction)
+bool CCustomCPUDewarper::SState::PrepareLayers(const SFrameTarget& rTarget, const char* pFunction)
+{
+    const SLayerPlace sPlace = LayerPlaceOf(rTarget);
+    if (!oLayers.Prepare(sPlace)) {
+        oReport.Standing(CPU_FAULT_MASKS, "%s: privacy masks are not painted; no frame is shown", pFunction);
+        return false;
+    }
+    if (!oPanes.IsSet()) {
+        oView.PrepareLayers(sPlace, oLayers, CountThreads());
+        return true;
+    }
+    for (std::size_t n = 0; n < oPanes.Views().size(); ++n)
+        vPaneViews[n]->PrepareLayers(sPlace, oLayers, CountThreads());
+    return true;
+}
+
+bool CCustomCPUDewarper::SState::DrawViews(const SFrameTarget& rTarget, const char* pFunction)
 {
     if (!PrepareLayers(rTarget, pFunction))
         return false;
@@ -98,29 +116,27 @@ bool CCustomCPUDewarper::SState::DrawView(const SFrameTarget& rTarget, const cha
     const CFrameCover oCover = oLayers.Cover();
     const SPlaneSampling sSampling = {eSampling, sPicture.bMinification};
     const CFrameCover* const pCover = oCover.IsEmpty() ? nullptr : &oCover;
-    const SFrameJob sJob = {&sColours, &BestKernels(), &oGrid, rTarget, 0, sSampling, pCover};
-    const CFrameDraw oDraw(sJob);
     const int nThreadCount = CountThreads();
     oScratch.MakeRoom(nTargetWidth, nThreadCount);
+    const auto Draw = [&](const CViewDraw& rView, const SFrameTarget& rPart) {
+        rView.Draw({&sColours, &BestKernels(), &rView.Grid(), rPart, 0, sSampling, pCover}, oScratch,
+                   nThreadCount);
+    };
     // From here on nothing can fail: the host's memory gets a whole frame or none.
-    for (const SGRect& rRect : oGrid.Remainder())
-        oDraw.Clear(rRect);
-    CWorkerPool& rPool = CWorkerPool::Shared();
-    for (int g = 0; g < oGrid.CountParts(); ++g) {
-        const SPartGrid& rGrid = oGrid.Parts()[g];
-        const CRunLayer& rLayer = oLayers.InputLayer(g);
-        const CRunLayer& rRim = oLayers.RimLayer(g);
-        rPool.Run(nThreadCount, rGrid.nRows, [&](int nRow) {
-            const int y = rGrid.nOriginY + nRow * CELL_SIDE;
-            if (rLayer.HasRows(y, y + CELL_SIDE) || rRim.HasRows(y, y + CELL_SIDE))
-                DrawCoveredRow(sJob, rGrid, nRow, rLayer, rRim, oScratch);
-            else
-                oDraw.DrawCellRow(rGrid, nRow);
-        });
+    if (!oPanes.IsSet()) {
+        Draw(oView, rTarget);
+    } else {
+        const CPaneGround oGround(rTarget, oPanes.GapColor(), YUVWeightsOf(ColoursInForce()));
+        oGround.Fill({0, 0, nTargetWidth, nTargetHeight});
+        for (std::size_t n = 0; n < oPanes.Views().size(); ++n) {
+            const SPlacedView& rView = oPanes.Views()[n];
+            oGround.Fill(rView.sGround);
+            Draw(*vPaneViews[n], PartOf(rTarget, rView.sPlace));
+        }
     }
     if (oLayers.HasTop()) {
         const int nBand = 32;
-        rPool.Run(nThreadCount, (nTargetHeight + nBand - 1) / nBand, [&](int n) {
+        CWorkerPool::Shared().Run(nThreadCount, (nTargetHeight + nBand - 1) / nBand, [&](int n) {
             oLayers.BlendTop(rTarget, n * nBand, std::min((n + 1) * nBand, nTargetHeight));
         });
     }
@@ -164,29 +180,31 @@ bool CCustomCPUDewarper::SState::Draw(const SFrameTarget* pTarget, const char* p
     if (!HasFrameAndTarget(pFunction))
         return false;
     PrepareView();
-    const bool bDetour = pTarget != nullptr && IsYUVTarget(*pTarget) && !KeepsYUV();
+    // Chroma that two panes share is that of the finished picture.
+    const bool bDetour = pTarget != nullptr && IsYUVTarget(*pTarget) &&
+                         (!KeepsYUV() || SharesChroma(oPanes.Views(), nTargetWidth, nTargetHeight));
     if (pTarget == nullptr || bDetour) {
         const SFrameTarget sOwn = OwnTarget();
         nDrawnWidth = 0;
-        if (!DrawView(sOwn, pFunction))
+        if (!DrawViews(sOwn, pFunction))
             return false;
         nDrawnWidth = nTargetWidth;
         nDrawnHeight = nTargetHeight;
         if (bDetour) {
-            SYUV2RGBConversionParams sInForce = sPicture.sYUV2RGB;
-            sInForce.eSpace = static_cast<EYUVSpace>(EffectiveYUVSpace(sInForce.eSpace, sImage.eYUVSpace));
-            sInForce.eRange = static_cast<EYUVRange>(EffectiveYUVRange(sInForce.eRange, sImage.eYUVRange));
             PackPicture(sOwn.apPlanes[0], sOwn.anStrides[0], nTargetWidth, nTargetHeight,
-                        YUVWeightsOf(sInForce), *pTarget);
+                        YUVWeightsOf(ColoursInForce()), *pTarget);
         }
     } else {
         // The picture is the host's alone.
         nDrawnWidth = 0;
-        if (!DrawView(*pTarget, pFunction))
+        if (!DrawViews(*pTarget, pFunction))
             return false;
     }
     oReport.AllOver();
-    oPoints.SetDrawn(sDecision, true);
+    if (oPanes.IsSet())
+        oPoints.SetDrawn(oPanes.Views(), true);
+    else
+        oPoints.SetDrawn(sDecision, true);
     oControl.bDrawRequired = false;
     nLastDisplayed = nLastSet;
     return true;

@@ -2,20 +2,20 @@
 /// Everything that one dewarper of the processor engine is put together from. Inside the room only.
 #pragma once
 
-#include "dewarp/control/Control.h"
-#include "dewarp/control/Decision.h"
+#include "dewarp/control/Panes.h"
 #include "dewarp/cpu/CustomCPUDewarper.h"
 #include "dewarp/cpu/FrameDraw.h"
 #include "dewarp/cpu/FrameLayers.h"
 #include "dewarp/cpu/ScratchRows.h"
-#include "dewarp/geometry/CustomGPUGeometry.h"
-#include "dewarp/mapping/PointMap.h"
+#include "dewarp/cpu/ViewDraw.h"
+#include "dewarp/mapping/PictureMap.h"
 #include "dewarp/records/LogTag.h"
 #include "platform/FairMutex.h"
 #include "platform/Report.h"
 
 #include <memory>
 #include <mutex>
+#include <vector>
 
 /// What keeps a frame from being drawn; each is said once as long as it stands.
 enum ECPUFault : int
@@ -30,9 +30,11 @@ struct CCustomCPUDewarper::SState
     // Steps of a frame, in their order.
     bool HasFrameAndTarget(const char* pFunction);
     void PrepareView();
-    void PrepareMesh();
+    void PreparePanes();
+    SLayerPlace LayerPlaceOf(const SFrameTarget& rTarget) const;
     bool PrepareLayers(const SFrameTarget& rTarget, const char* pFunction);
-    bool DrawView(const SFrameTarget& rTarget, const char* pFunction);
+    bool DrawViews(const SFrameTarget& rTarget, const char* pFunction);
+    SYUV2RGBConversionParams ColoursInForce() const;
     bool KeepsYUV() const;
     SFrameTarget OwnTarget();
     /// A whole frame: into the host's memory, or into the own buffer.
@@ -45,6 +47,7 @@ struct CCustomCPUDewarper::SState
     CFairMutex oMutex;
     CReport oReport{DEWARP_LOG_TAG};
     CControl oControl{oReport};
+    CPanes oPanes{oControl, oReport};
     SPictureSettings sPicture;
     CFrameLayers oLayers;
 
@@ -59,15 +62,12 @@ struct CCustomCPUDewarper::SState
     unsigned long long nLastDisplayed = 0;
     bool bViewDrawn = false; ///< a view is in force: its limits count at once
 
-    SFrameDecision sDecision;
+    SFrameDecision sDecision; ///< of the one view; panes have their own
     CCustomGPUGeometry oGeometry;
-    CMeshIndex oMesh;
-    SMeshKey sMeshBuiltFor;
-    CViewGrid oGrid;
-    bool bGridBuilt = false; ///< for the decision, mesh and shape
-    unsigned int nGridNumber = 0;
-    SFrameShape sGridShape;
-    CPointMap oPoints; ///< of the picture that was drawn last
+    CViewDraw oView;
+    std::vector<std::unique_ptr<CViewDraw>> vPaneViews; ///< as many as there ever were panes
+    bool bExactGeometry = false;
+    CPictureMap oPoints; ///< of the picture that was drawn last
 
     /// Rows of cells that something lies over are finished here before the host's memory sees them.
     CScratchRows oScratch;

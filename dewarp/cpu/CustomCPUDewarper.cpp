@@ -55,14 +55,14 @@ bool CCustomCPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
 void CCustomCPUDewarper::SetViewType(EViewType eView)
 {
     const CCPULock oLock(pState->oMutex);
-    pState->oControl.eRequestedView = eView;
+    pState->oPanes.Steered().eRequestedView = eView;
     pState->RequestFrame();
 }
 
 EViewType CCustomCPUDewarper::GetViewType()
 {
     const CCPULock oLock(pState->oMutex);
-    return pState->oControl.eRequestedView;
+    return pState->oPanes.Asked().eRequestedView;
 }
 
 void CCustomCPUDewarper::SetMountType(EMountType eMount)
@@ -216,14 +216,14 @@ void CCustomCPUDewarper::GetYUVLevels(int& nLumaMin, int& nLumaMax, int& nChroma
 void CCustomCPUDewarper::SetEyeDistance(float fDistance)
 {
     const CCPULock oLock(pState->oMutex);
-    if (pState->oControl.SetEyeDistance(fDistance))
+    if (pState->oPanes.Steered().SetEyeDistance(fDistance))
         pState->RequestFrame();
 }
 
 float CCustomCPUDewarper::GetEyeDistance()
 {
     const CCPULock oLock(pState->oMutex);
-    return pState->oControl.fEyeDistance;
+    return pState->oPanes.Asked().fEyeDistance;
 }
 
 bool CCustomCPUDewarper::GetDewarperVersion(int& nMajor, int& nMinor)
@@ -248,7 +248,7 @@ unsigned long long CCustomCPUDewarper::GetLastDisplayedTextureTimestamp()
 bool CCustomCPUDewarper::IsDrawRequired()
 {
     const CCPULock oLock(pState->oMutex);
-    return pState->oControl.bDrawRequired || pState->oControl.IsMoving();
+    return pState->oControl.bDrawRequired || pState->oPanes.IsMoving();
 }
 
 std::string CCustomCPUDewarper::GetLastErrorText()
@@ -278,17 +278,16 @@ void CCustomCPUDewarper::SetThreadCount(int nThreads)
 void CCustomCPUDewarper::SetExactGeometry(bool bExact)
 {
     const CCPULock oLock(pState->oMutex);
-    if (pState->oGrid.IsExactGeometry() == bExact)
+    if (pState->bExactGeometry == bExact)
         return;
-    pState->oGrid.SetExactGeometry(bExact);
-    pState->bGridBuilt = false;
+    pState->bExactGeometry = bExact;
     pState->oControl.bDrawRequired = true;
 }
 
 bool CCustomCPUDewarper::GetExactGeometry()
 {
     const CCPULock oLock(pState->oMutex);
-    return pState->oGrid.IsExactGeometry();
+    return pState->bExactGeometry;
 }
 
 int CCustomCPUDewarper::GetThreadCount()

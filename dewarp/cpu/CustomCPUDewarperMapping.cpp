@@ -54,7 +54,7 @@ bool CCustomCPUDewarper::LookAt(double fFrameX, double fFrameY)
 {
     const CCPULock oLock(pState->oMutex);
     SLookTarget sTarget;
-    if (!pState->oPoints.TargetAt({fFrameX, fFrameY}, sTarget) || !pState->oControl.LookAt(sTarget))
+    if (!pState->oPoints.TargetAt({fFrameX, fFrameY}, sTarget) || !pState->oPanes.Steered().LookAt(sTarget))
         return false;
     pState->RequestFrame();
     return true;
@@ -65,5 +65,8 @@ bool CCustomCPUDewarper::LookAtView(double x, double y)
     const CCPULock oLock(pState->oMutex);
     double fFrameX = 0.0;
     double fFrameY = 0.0;
-    return CDewarper::ViewToFrame(x, y, fFrameX, fFrameY) && LookAt(fFrameX, fFrameY);
+    int nX = static_cast<int>(x);
+    int nY = static_cast<int>(y);
+    return pState->oPanes.PointAt(nX, nY) && CDewarper::ViewToFrame(x, y, fFrameX, fFrameY) &&
+           LookAt(fFrameX, fFrameY);
 }

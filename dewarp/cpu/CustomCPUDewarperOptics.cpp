@@ -71,14 +71,14 @@ bool CCustomCPUDewarper::GetCleanRim()
 void CCustomCPUDewarper::SetRoll(float fDegrees)
 {
     const CCPULock oLock(pState->oMutex);
-    if (pState->oControl.SetRoll(fDegrees))
+    if (pState->oPanes.Steered().SetRoll(fDegrees))
         pState->RequestFrame();
 }
 
 float CCustomCPUDewarper::GetRoll()
 {
     const CCPULock oLock(pState->oMutex);
-    return pState->oControl.sParams.fRoll;
+    return pState->oPanes.Asked().sParams.fRoll;
 }
 
 bool CCustomCPUDewarper::SetViewShape(const SViewShape& rShape)

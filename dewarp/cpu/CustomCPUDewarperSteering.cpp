@@ -5,37 +5,48 @@
 void CCustomCPUDewarper::AbsolutePTZ(float fPan, float fTilt, float fZoom)
 {
     const CCPULock oLock(pState->oMutex);
-    if (pState->oControl.AbsolutePTZ(fPan, fTilt, fZoom))
+    if (pState->oPanes.Steered().AbsolutePTZ(fPan, fTilt, fZoom))
         pState->RequestFrame();
 }
 
 void CCustomCPUDewarper::RelativePTZ(float fPan, float fTilt, float fZoom)
 {
     const CCPULock oLock(pState->oMutex);
-    if (pState->oControl.RelativePTZ(fPan, fTilt, fZoom, pState->bViewDrawn))
+    if (pState->oPanes.Steered().RelativePTZ(fPan, fTilt, fZoom, pState->oPanes.IsDrawn(pState->bViewDrawn)))
         pState->RequestFrame();
 }
 
 void CCustomCPUDewarper::AnaloguePTZ(float fPan, float fTilt, float fZoom)
 {
-    pState->oControl.AnaloguePTZ(fPan, fTilt, fZoom);
+    if (!pState->oPanes.IsSet()) {
+        pState->oControl.AnaloguePTZ(fPan, fTilt, fZoom);
+        return;
+    }
+    const CCPULock oLock(pState->oMutex);
+    pState->oPanes.Steered().AnaloguePTZ(fPan, fTilt, fZoom);
 }
 
 void CCustomCPUDewarper::GetPTZAnalog(float& fPan, float& fTilt, float& fZoom)
 {
-    pState->oControl.GetPTZAnalog(fPan, fTilt, fZoom);
+    if (!pState->oPanes.IsSet()) {
+        pState->oControl.GetPTZAnalog(fPan, fTilt, fZoom);
+        return;
+    }
+    const CCPULock oLock(pState->oMutex);
+    pState->oPanes.Asked().GetPTZAnalog(fPan, fTilt, fZoom);
 }
 
 void CCustomCPUDewarper::GetPTZ(float& fPan, float& fTilt, float& fZoom)
 {
     const CCPULock oLock(pState->oMutex);
-    pState->oControl.GetPTZ(fPan, fTilt, fZoom);
+    pState->oPanes.Asked().GetPTZ(fPan, fTilt, fZoom);
 }
 
 void CCustomCPUDewarper::OnMouseDown(int x, int y)
 {
     const CCPULock oLock(pState->oMutex);
-    pState->oControl.OnMouseDown(x, y);
+    if (pState->oPanes.PointAt(x, y))
+        pState->oPanes.Steered().OnMouseDown(x, y);
 }
 
 void CCustomCPUDewarper::OnMouseMove(int x, int y, bool bLockX, bool bLockY)
@@ -44,19 +55,21 @@ void CCustomCPUDewarper::OnMouseMove(int x, int y, bool bLockX, bool bLockY)
     const SFrameDecision& d = pState->sDecision;
     const SDrawnPicture sPicture = {d.sTarget.nWidth, d.sTarget.nHeight, d.sBands.anPlanes[0],
                                     d.sBands.anPlanes[2]};
-    if (pState->oControl.OnMouseMove(x, y, bLockX, bLockY, sPicture, pState->bViewDrawn))
+    if (pState->oPanes.Follow(x, y) &&
+        pState->oPanes.Steered().OnMouseMove(x, y, bLockX, bLockY, pState->oPanes.Picture(sPicture),
+                                             pState->oPanes.IsDrawn(pState->bViewDrawn)))
         pState->RequestFrame();
 }
 
 void CCustomCPUDewarper::OnMouseUp()
 {
     const CCPULock oLock(pState->oMutex);
-    pState->oControl.OnMouseUp();
+    pState->oPanes.Steered().OnMouseUp();
 }
 
 void CCustomCPUDewarper::OnMouseWheel(double fDelta)
 {
     const CCPULock oLock(pState->oMutex);
-    if (pState->oControl.OnMouseWheel(fDelta, pState->bViewDrawn))
+    if (pState->oPanes.Steered().OnMouseWheel(fDelta, pState->oPanes.IsDrawn(pState->bViewDrawn)))
         pState->RequestFrame();
 }

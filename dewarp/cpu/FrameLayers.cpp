@@ -6,7 +6,7 @@
 
 int CFrameLayers::SetInputOverlay(const unsigned char* pData, int nWidth, int nHeight, CReport& rReport)
 {
-    m_bInputStale = true;
+    ++m_nInputNumber;
     const int nResult = m_oInputImage.Set(pData, nWidth, nHeight, {}, rReport);
     if (nResult != 0)
         sMasks.PlaceTaken();
@@ -20,10 +20,8 @@ int CFrameLayers::SetOutputOverlay(const unsigned char* pData, int nWidth, int n
     return m_oOutputImage.Set(pData, nWidth, nHeight, vRects, rReport);
 }
 
-bool CFrameLayers::Prepare(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads)
+bool CFrameLayers::Prepare(const SLayerPlace& rPlace)
 {
-    const bool bOtherPlace = !(m_sPlace == rPlace);
-    m_bInputStale = m_bInputStale || bOtherPlace;
     // The top lies in the target: frame and grid are nothing to it.
     const bool bOtherTarget = m_sPlace.nTargetWidth != rPlace.nTargetWidth ||
                               m_sPlace.nTargetHeight != rPlace.nTargetHeight ||
@@ -32,10 +30,6 @@ bool CFrameLayers::Prepare(const SLayerPlace& rPlace, const CViewGrid& rGrid, in
     m_bOutputStale = m_bOutputStale || bOtherTarget || m_sPlace.bLinear != rPlace.bLinear;
     if (!PaintMasks(rPlace))
         return false;
-    if (m_bInputStale)
-        BuildInput(rPlace, rGrid, nThreads);
-    if (bOtherPlace)
-        m_oRim.Build(rGrid, rPlace.sRim, rPlace.nFrameWidth, rPlace.nFrameHeight, rPlace.sFormat);
     if (m_bTextStale) {
         m_oText.Build(sStrings.vStrings, rPlace.nTargetWidth, rPlace.nTargetHeight, rPlace.sFormat);
         m_bTextStale = false;
@@ -60,7 +54,7 @@ bool CFrameLayers::PaintMasks(const SLayerPlace& rPlace)
             m_oInputImage = COverlayImage();
             m_oMasks = CMaskImage();
             sMasks.PlaceTaken();
-            m_bInputStale = true;
+            ++m_nInputNumber;
         }
         sMasks.bMaskPolygonsChanged = false;
         return true;
@@ -70,7 +64,7 @@ bool CFrameLayers::PaintMasks(const SLayerPlace& rPlace)
     if (bPainted)
         return true;
     sMasks.bMaskPolygonsChanged = true;
-    m_bInputStale = true;
+    ++m_nInputNumber;
     m_oInputImage = COverlayImage();
     if (!m_oMasks.Paint(sMasks.vMaskPolygons, rPlace.nFrameWidth, rPlace.nFrameHeight))
         return false;
@@ -78,17 +72,32 @@ bool CFrameLayers::PaintMasks(const SLayerPlace& rPlace)
     return true;
 }
 
-void CFrameLayers::BuildInput(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads)
+void CFrameLayers::BuildInput(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads,
+                              CInputLayer& rLayer) const
 {
-    m_oInput.Clear();
+    rLayer.Clear();
     const bool bMasks = !sMasks.vMaskPolygons.empty();
     if (bMasks && !m_oMasks.IsEmpty())
-        m_oInput.Build(rGrid, m_oMasks, rPlace.bLinear, rPlace.nFrameWidth, rPlace.nFrameHeight,
-                       rPlace.sFormat, nThreads);
+        rLayer.Build(rGrid, m_oMasks, rPlace.bLinear, rPlace.nFrameWidth, rPlace.nFrameHeight, rPlace.sFormat,
+                     nThreads);
     else if (!bMasks && !m_oInputImage.IsEmpty())
-        m_oInput.Build(rGrid, m_oInputImage, rPlace.bLinear, rPlace.nFrameWidth, rPlace.nFrameHeight,
-                       rPlace.sFormat, nThreads);
-    m_bInputStale = false;
+        rLayer.Build(rGrid, m_oInputImage, rPlace.bLinear, rPlace.nFrameWidth, rPlace.nFrameHeight,
+                     rPlace.sFormat, nThreads);
+}
+
+void CViewLayers::Prepare(const SLayerPlace& rPlace, const CFrameLayers& rLayers, const CViewGrid& rGrid,
+                          int nThreads)
+{
+    const bool bOtherPlace = !(m_sPlace == rPlace);
+    if (!bOtherPlace && m_nInputNumber == rLayers.InputNumber())
+        return;
+    // Until both are whole they stand for nothing: memory may run out on the way.
+    m_nInputNumber = 0;
+    rLayers.BuildInput(rPlace, rGrid, nThreads, m_oInput);
+    if (bOtherPlace)
+        m_oRim.Build(rGrid, rPlace.sRim, rPlace.nFrameWidth, rPlace.nFrameHeight, rPlace.sFormat);
+    m_sPlace = rPlace;
+    m_nInputNumber = rLayers.InputNumber();
 }
 
 /// Takes the transparency away from some pixels.
@@ -122,5 +131,5 @@ void CFrameLayers::BlendTop(const SFrameTarget& t, int nFirstRow, int nEndRow) c
 std::size_t CFrameLayers::CountBytes() const
 {
     return m_oInputImage.CountBytes() + m_oOutputImage.CountBytes() + m_oMasks.CountBytes() +
-           m_oInput.CountBytes() + m_oRim.CountBytes() + m_oText.CountBytes() + m_oOutput.CountBytes();
+           m_oText.CountBytes() + m_oOutput.CountBytes();
 }

@@ -40,19 +40,20 @@ public:
     int SetOutputOverlay(const unsigned char* pData, int nWidth, int nHeight,
                          const std::vector<SGRect>& vRects, CReport& rReport);
 
-    /// Who has the input overlay's place is settled, and every layer stands for that place. False: a mask
-    /// would stay open.
-    bool Prepare(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads);
-    /// Lays over the rows of one part what lies over the frame.
-    const CRunLayer& InputLayer(int nPart) const { return m_oInput.Layer(nPart); }
+    /// Who has the input overlay's place is settled, and what lies over the picture stands for that place.
+    /// False: a mask would stay open.
+    bool Prepare(const SLayerPlace& rPlace);
+    /// What lies over the frame as a grid shows it.
+    void BuildInput(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads,
+                    CInputLayer& rLayer) const;
+    /// Another number: something else lies over the frame.
+    unsigned int InputNumber() const { return m_nInputNumber; }
     /// Which texels of the frame something lies over.
     CFrameCover Cover() const
     {
         const bool bMasks = !sMasks.vMaskPolygons.empty();
         return {bMasks ? &m_oMasks : nullptr, bMasks ? nullptr : &m_oInputImage};
     }
-    /// Ends one part where the light of the lens does.
-    const CRunLayer& RimLayer(int nPart) const { return m_oRim.Layer(nPart); }
     /// Whether something lies over the picture as a whole.
     bool HasTop() const { return !m_oText.IsEmpty() || !m_oOutputImage.IsEmpty(); }
     /// Lays text and output overlay over rows of a finished picture; the first one is even.
@@ -64,17 +65,34 @@ public:
 
 private:
     bool PaintMasks(const SLayerPlace& rPlace);
-    void BuildInput(const SLayerPlace& rPlace, const CViewGrid& rGrid, int nThreads);
 
     COverlayImage m_oInputImage;
     COverlayImage m_oOutputImage;
     CMaskImage m_oMasks;
-    CInputLayer m_oInput;
-    CRimLayer m_oRim;
     CTextLayer m_oText;
     CRunLayer m_oOutput;
     SLayerPlace m_sPlace; ///< what the layers stand for
-    bool m_bInputStale = true;
+    unsigned int m_nInputNumber = 1;
     bool m_bOutputStale = true;
     bool m_bTextStale = true;
+};
+
+/// What lies over the frame, and where its light ends, as one view shows them.
+/// Owns: both layers. Thread and failures: as CFrameLayers.
+class CViewLayers
+{
+public:
+    void Prepare(const SLayerPlace& rPlace, const CFrameLayers& rLayers, const CViewGrid& rGrid,
+                 int nThreads);
+    /// Lays over the rows of one part what lies over the frame.
+    const CRunLayer& InputLayer(int nPart) const { return m_oInput.Layer(nPart); }
+    /// Ends one part where the light of the lens does.
+    const CRunLayer& RimLayer(int nPart) const { return m_oRim.Layer(nPart); }
+    std::size_t CountBytes() const { return m_oInput.CountBytes() + m_oRim.CountBytes(); }
+
+private:
+    CInputLayer m_oInput;
+    CRimLayer m_oRim;
+    SLayerPlace m_sPlace; ///< what they stand for
+    unsigned int m_nInputNumber = 0;
 };

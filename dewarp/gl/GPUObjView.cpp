@@ -48,13 +48,17 @@ void CCGPUObjView::DrawArrays(SDewarpParams* pParams, SDewarpMatrices* pMatrices
         glDrawArrays(m_nPrimitiveMode, 0, m_nVertexCount);
         return;
     }
-    for (int i = 0; i < nParts; ++i) {
-        const SViewPart& rPart = aParts[i];
-        glUniformMatrix4fv(pShader->nMVPMatrixLocation, 1, GL_FALSE, rPart.fMVP);
+    DrawEach({aParts, static_cast<std::size_t>(nParts)}, *pShader);
+    glViewport(0, 0, pMatrices->nViewportWidth, pMatrices->nViewportHeight);
+}
+
+void CCGPUObjView::DrawEach(std::span<const SViewPart> oParts, const SShaderProperties& rShader) const
+{
+    for (const SViewPart& rPart : oParts) {
+        glUniformMatrix4fv(rShader.nMVPMatrixLocation, 1, GL_FALSE, rPart.fMVP);
         glViewport(rPart.nX, rPart.nY, rPart.nWidth, rPart.nHeight);
         glDrawArrays(m_nPrimitiveMode, 0, m_nVertexCount);
     }
-    glViewport(0, 0, pMatrices->nViewportWidth, pMatrices->nViewportHeight);
 }
 
 float CCGPUObjView::GetGeometryAspect(SDewarpParams* pParams)

@@ -3,9 +3,10 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjBase.h"
+#include "dewarp/views/View.h"
 #include "platform/Export.h"
 
-class CView;
+#include <span>
 
 /// Answers for its view: every question goes to the view's value, with the mesh that is held.
 class LUMOR_API CCGPUObjView : public CCGPUObjBase
@@ -31,6 +32,9 @@ public:
     const CView& View() const { return *m_pView; }
     /// Into the buffers there are, or into new ones.
     void Rebuild(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams) override;
+
+    /// Draws parts that were decided, each with its matrix in its viewport.
+    void DrawEach(std::span<const SViewPart> oParts, const SShaderProperties& rShader) const;
 
 protected:
     explicit CCGPUObjView(const CView& rView) : m_pView(&rView) {}

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <span>
 
 namespace
@@ -29,26 +28,6 @@ SPointD PointOf(const SPointD& rPosition)
 bool IsFinite(const SPointD& r)
 {
     return std::isfinite(r.x) && std::isfinite(r.y);
-}
-
-bool IsSamePart(const SViewPart& rA, const SViewPart& rB)
-{
-    return std::equal(std::begin(rA.fMVP), std::end(rA.fMVP), std::begin(rB.fMVP)) && rA.nX == rB.nX &&
-           rA.nY == rB.nY && rA.nWidth == rB.nWidth && rA.nHeight == rB.nHeight;
-}
-
-bool AreSameBands(const SClipBands& rA, const SClipBands& rB)
-{
-    return std::equal(std::begin(rA.anPlanes), std::end(rA.anPlanes), std::begin(rB.anPlanes)) &&
-           rA.fDepth == rB.fDepth && rA.bTexCoordRows == rB.bTexCoordRows && rA.sRim == rB.sRim;
-}
-
-/// Whether two pictures show the same places.
-bool AreAlike(const SFrameDecision& rA, const SFrameDecision& rB)
-{
-    return rA.pView == rB.pView && rA.sMesh == rB.sMesh && rA.sTarget == rB.sTarget &&
-           FrameShapeOf(rA) == FrameShapeOf(rB) && AreSameBands(rA.sBands, rB.sBands) &&
-           rA.nParts == rB.nParts && std::equal(rA.aParts, rA.aParts + rA.nParts, rB.aParts, IsSamePart);
 }
 
 /// Lets parts and bands count rows from the top.
@@ -102,7 +81,7 @@ bool CPointMap::Prepare()
 {
     if (m_sDrawn.pView == nullptr)
         return false;
-    if (m_bBuilt && AreAlike(m_sBuilt, m_sDrawn))
+    if (m_bBuilt && ShowSamePlaces(m_sBuilt, m_sDrawn))
         return true;
     // Until it is whole the index is nobody's: memory may run out on the way.
     m_bBuilt = false;

@@ -4,6 +4,31 @@
 #include "dewarp/records/Mirrors.h"
 
 #include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+bool IsSamePart(const SViewPart& rA, const SViewPart& rB)
+{
+    return std::equal(std::begin(rA.fMVP), std::end(rA.fMVP), std::begin(rB.fMVP)) && rA.nX == rB.nX &&
+           rA.nY == rB.nY && rA.nWidth == rB.nWidth && rA.nHeight == rB.nHeight;
+}
+
+bool AreSameBands(const SClipBands& rA, const SClipBands& rB)
+{
+    return std::equal(std::begin(rA.anPlanes), std::end(rA.anPlanes), std::begin(rB.anPlanes)) &&
+           rA.fDepth == rB.fDepth && rA.bTexCoordRows == rB.bTexCoordRows && rA.sRim == rB.sRim;
+}
+
+} // namespace
+
+bool ShowSamePlaces(const SFrameDecision& rA, const SFrameDecision& rB)
+{
+    return rA.pView == rB.pView && rA.sMesh == rB.sMesh && rA.sTarget == rB.sTarget &&
+           FrameShapeOf(rA) == FrameShapeOf(rB) && AreSameBands(rA.sBands, rB.sBands) &&
+           rA.nParts == rB.nParts && std::equal(rA.aParts, rA.aParts + rA.nParts, rB.aParts, IsSamePart);
+}
 
 bool IsFan(const SMeshKey& rMesh)
 {

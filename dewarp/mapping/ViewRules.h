@@ -11,6 +11,9 @@
 /// True when a mesh's vertices are a fan round the first one; otherwise each three are a triangle.
 bool IsFan(const SMeshKey& rMesh);
 
+/// Whether two decisions show the same places of a frame at the same pixels.
+bool ShowSamePlaces(const SFrameDecision& rA, const SFrameDecision& rB);
+
 /// Size of the frame and its mirrors, as the decision shows it.
 SFrameShape FrameShapeOf(const SFrameDecision& rDecision);
 

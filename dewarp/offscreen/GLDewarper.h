@@ -97,6 +97,11 @@ public:
     ESampling GetSampling() override;
     void SetMinification(bool bAverage) override;
     bool GetMinification() override;
+    bool SetPanes(std::vector<SPane> vPanes) override;
+    std::vector<SPane> GetPanes() override;
+    bool SetPaneGap(int nPixels, unsigned int nColor) override;
+    bool SelectPane(int nPane) override;
+    int GetSelectedPane() override;
     using CDewarper::DrawTo;
     using CDewarper::FrameToView;
     using CDewarper::ViewToFrame;

@@ -3,6 +3,8 @@
 #include "dewarp/CustomGPUDewarper.h"
 #include "dewarp/offscreen/GLDewarper.h"
 
+#include <utility>
+
 bool CGLDewarper::SetLens(const SLens& rLens)
 {
     return Engine().SetLens(rLens);
@@ -111,4 +113,29 @@ void CGLDewarper::SetMinification(bool bAverage)
 bool CGLDewarper::GetMinification()
 {
     return Engine().GetMinification();
+}
+
+bool CGLDewarper::SetPanes(std::vector<SPane> vPanes)
+{
+    return Engine().SetPanes(std::move(vPanes));
+}
+
+std::vector<SPane> CGLDewarper::GetPanes()
+{
+    return Engine().GetPanes();
+}
+
+bool CGLDewarper::SetPaneGap(int nPixels, unsigned int nColor)
+{
+    return Engine().SetPaneGap(nPixels, nColor);
+}
+
+bool CGLDewarper::SelectPane(int nPane)
+{
+    return Engine().SelectPane(nPane);
+}
+
+int CGLDewarper::GetSelectedPane()
+{
+    return Engine().GetSelectedPane();
 }
