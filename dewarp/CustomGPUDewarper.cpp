@@ -177,11 +177,6 @@ bool CCustomGPUDewarper::IsTopDownTarget()
     return false;
 }
 
-bool CCustomGPUDewarper::IsYUVTarget()
-{
-    return false;
-}
-
 bool CCustomGPUDewarper::DrawsFlips()
 {
     return true;

@@ -88,8 +88,6 @@ public:
     virtual bool IsTopDownTarget();
     /// True when the program mirrors the picture as SetFlip asks.
     virtual bool DrawsFlips();
-    /// True when what the next view is drawn into holds Y, U and V instead of colours.
-    virtual bool IsYUVTarget();
 
     // What to show.
     void SetViewType(EViewType eView);
@@ -195,7 +193,7 @@ public:
     /// As they are now: with the views and positions that steering has brought them to.
     std::vector<SPane> GetPanes();
     /// Pixels that panes which touch each other stand apart, and what is seen there and beside them:
-    /// 0xRRGGBBAA. At first none, and nothing (0).
+    /// 0xRRGGBBAA, in a graphic buffer 0xYYUUVVAA as all colours there. At first none, and nothing (0).
     bool SetPaneGap(int nPixels, unsigned int nColor);
     bool SelectPane(int nPane);
     int GetSelectedPane(); ///< -1 without panes

@@ -88,9 +88,7 @@ bool CCustomGPUDewarper::LookAtView(double x, double y)
     CLockScope oScope(*this);
     double fFrameX = 0.0;
     double fFrameY = 0.0;
-    int nX = static_cast<int>(x);
-    int nY = static_cast<int>(y);
-    return pRooms->oPanes.PointAt(nX, nY) && ViewToFrame(x, y, fFrameX, fFrameY) && LookAt(fFrameX, fFrameY);
+    return pRooms->oPanes.SelectAt(x, y) && ViewToFrame(x, y, fFrameX, fFrameY) && LookAt(fFrameX, fFrameY);
 }
 
 bool CCustomGPUDewarper::ViewToDirection(double x, double y, SDirection& rDirection)

@@ -5,8 +5,6 @@
 #include "dewarp/LockScope.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/gl/PictureRequests.h"
-#include "dewarp/records/ColourMatrix.h"
-#include "dewarp/records/PackYUV.h"
 #include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
@@ -39,15 +37,11 @@ void ClearRect(const SGRect& r, const std::array<float, 4>& afColor)
     glClear(GL_COLOR_BUFFER_BIT);
 }
 
-/// 0xRRGGBBAA as a target has it.
-std::array<float, 4> ColorOf(unsigned int nColor, bool bYUV, const SYUV2RGBConversionParams& rInForce)
+std::array<float, 4> ColorOf(unsigned int nColor)
 {
-    unsigned char anYUV[3] = {};
-    if (bYUV)
-        PackColor(nColor, YUVWeightsOf(rInForce), anYUV);
     std::array<float, 4> afColor{};
     for (std::size_t i = 0; i < afColor.size(); ++i)
-        afColor[i] = static_cast<float>(bYUV && i < 3 ? anYUV[i] : nColor >> (24 - 8 * i) & 255) / 255.0f;
+        afColor[i] = static_cast<float>(nColor >> (24 - 8 * i) & 255) / 255.0f;
     return afColor;
 }
 
@@ -124,10 +118,7 @@ bool CCustomGPUDewarper::DrawPanes(const STargetShape& rTarget)
     BindTextures();
     std::array<float, 4> afNothing{};
     glGetFloatv(GL_COLOR_CLEAR_VALUE, afNothing.data());
-    SYUV2RGBConversionParams sInForce = sMainShader.sYUV2RGB;
-    sInForce.eSpace = static_cast<EYUVSpace>(nEffectiveYUVSpace);
-    sInForce.eRange = static_cast<EYUVRange>(nEffectiveYUVRange);
-    const std::array<float, 4> afGap = ColorOf(r.oPanes.GapColor(), IsYUVTarget(), sInForce);
+    const std::array<float, 4> afGap = ColorOf(r.oPanes.GapColor());
     glEnable(GL_SCISSOR_TEST);
     ClearRect({0, 0, rTarget.nWidth, rTarget.nHeight}, afGap);
     bool bWhole = true;
@@ -162,6 +153,6 @@ bool CCustomGPUDewarper::DrawPane(const SPlacedView& rPane, const STargetShape& 
     }
     CPrograms::MakeCurrent(sMainShader);
     pMesh->LoadVertexAndTextureCoordinates(&sMainShader);
-    pMesh->DrawEach({aParts, static_cast<std::size_t>(d.nParts)}, sMainShader);
+    pMesh->DrawEach(aParts, d.nParts, sMainShader);
     return true;
 }

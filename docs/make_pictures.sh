@@ -30,6 +30,9 @@ picture panorama-half 480x134 --view panorama-half $sCeiling
 picture panorama-quarter 320x180 --view panorama-quarter $sCeiling
 picture dual 320x200 --view dual $sCeiling
 picture triple 384x160 --view triple $sCeiling
+picture panes 480x270 --pane "0,0,960,140 view=panorama" --pane "0,140,480,400 pan=30 tilt=50 zoom=90" \
+    --pane "480,140,480,400 pan=200 tilt=40 zoom=80 projection=stereographic" --pane "760,20,180,180 view=fisheye" \
+    --pane-gap 4,#FFFFFF $sCeiling
 picture wall-panorama 400x160 --mount wall --view panorama $sWall
 picture wall-panorama-tilt 400x160 --mount wall --view panorama --mount-tilt 20 $sWall
 picture wall-vcam 320x180 --mount wall --view vcam --zoom 140 $sWall

@@ -59,6 +59,10 @@ protected:
     void GiveFrame(SFrame& sFrame) override;
     void DrawGiven() override;
     void PrepareOverlays(const SFrame& sFrame, SOverlays& sOverlays) override;
+    unsigned int ColorForDewarper(unsigned int nColor) const override
+    {
+        return ConvertColourToYUV(nColor, m_eSpace, m_eRange);
+    }
 
 private:
     CCustomGPUDewarperVela m_oDewarper;

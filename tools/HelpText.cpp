@@ -71,6 +71,12 @@ View
                         between, 0..1
   --mount-tilt DEGREES  -90..90: inclination of a wall camera (wall panoramas)
   --no-strict-tilt      lets the wall panorama widen its span by the mount tilt
+  --pane "X,Y,W,H [view=NAME] [pan=N] [tilt=N] [zoom=N] [roll=N] [projection=NAME]"
+                        a view of its own in that rectangle of OUTPUT; up to 16,
+                        later ones lie over earlier ones. What is left out is
+                        that of the options; --size is as large as they need
+  --pane-gap PIXELS[,#RRGGBBAA]  between panes that touch each other (default 0),
+                        and the colour there and beside them (default #000000FF)
   --flip AXES           mirror: h (left to right), v (top to bottom) or hv
   --rotation DEGREES    turn clockwise, fisheye and circular view: 0, 90, 180, 270
   --interpolation NAME  nearest or linear (default)

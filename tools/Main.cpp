@@ -7,6 +7,7 @@
 #include "ImageWriter.h"
 #include "Notes.h"
 #include "Options.h"
+#include "PaneOptions.h"
 #include "RawFrame.h"
 #include "Session.h"
 #include "Stats.h"
@@ -81,7 +82,8 @@ void Dewarp(SToolOptions sOptions)
     oStats.EndStage("decode");
     LoadLens(sOptions);
     const std::vector<std::string> vCircleNotes = SettleCircle(sFrame, sOptions);
-    PrintNotes(ListIgnoredOptions(sOptions, sFrame.nFormat));
+    PrintNotes(sOptions.vPanes.empty() ? ListIgnoredOptions(sOptions, sFrame.nFormat)
+                                       : ListIgnoredInPanes(sOptions, sFrame.nFormat));
     PrintNotes(ListUndrawableTexts(sOverlays.vTexts));
 
     const std::unique_ptr<CDewarpSession> pSession =

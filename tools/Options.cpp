@@ -3,6 +3,7 @@
 #include "CameraOptions.h"
 #include "Names.h"
 #include "OptionValues.h"
+#include "PaneOptions.h"
 #include "ToolError.h"
 
 #include <CLI/CLI.hpp>
@@ -22,8 +23,8 @@ struct SOptionTexts
     TText oInterpolation, oYUVSpace, oYUVRange, oGain, oFlip, oRotation;
     TText oInputOverlay, oOutputOverlay, oMaskFile, oStringsFile;
     TText oEngine, oThreads;
-    TText oCircle, oOrientation, oRoll, oSpan, oBand, oMap, oSampling;
-    TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns;
+    TText oCircle, oOrientation, oRoll, oSpan, oBand, oMap, oSampling, oPaneGap;
+    TTexts vMasks, vTexts, vTextPlaces, vTextHeights, vTextColors, vTextAligns, vPanes;
     bool bNoStrictTilt = false;
     bool bBuffers = false;
     bool bStats = false;
@@ -36,7 +37,7 @@ struct SOptionTexts
     bool bMinification = false;
 };
 
-void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
+void DeclareFlags(CLI::App& oApp, SOptionTexts& sTexts)
 {
     oApp.set_help_flag();
     oApp.add_flag("-h,--help", sTexts.bHelp);
@@ -49,7 +50,10 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
     oApp.add_flag("--no-clean-rim", sTexts.bGivenRim);
     oApp.add_flag("--floor-flip", sTexts.bFloorFlip);
     oApp.add_flag("--minification", sTexts.bMinification);
+}
 
+void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
+{
     oApp.add_option("INPUT", sTexts.oInput);
     oApp.add_option("OUTPUT", sTexts.oOutput);
     const std::pair<const char*, TText*> aSingle[] = {
@@ -82,6 +86,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
         {"--band", &sTexts.oBand},
         {"--map", &sTexts.oMap},
         {"--sampling", &sTexts.oSampling},
+        {"--pane-gap", &sTexts.oPaneGap},
     };
     for (const auto& [pName, pText] : aSingle)
         oApp.add_option(pName, *pText)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
@@ -92,6 +97,7 @@ void DeclareOptions(CLI::App& oApp, SOptionTexts& sTexts)
         {"--text-height", &sTexts.vTextHeights},
         {"--text-color", &sTexts.vTextColors},
         {"--text-align", &sTexts.vTextAligns},
+        {"--pane", &sTexts.vPanes},
     };
     for (const auto& [pName, pTexts] : aRepeated)
         oApp.add_option(pName, *pTexts)->allow_extra_args(false);
@@ -208,6 +214,15 @@ void ReadTexts(const SOptionTexts& sTexts, SToolOptions& sOptions)
     }
 }
 
+/// What panes leave out was read before.
+void ReadPaneOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
+{
+    for (const std::string& strPane : sTexts.vPanes)
+        sOptions.vPanes.push_back(ReadPane(strPane, sOptions));
+    if (sTexts.oPaneGap)
+        ReadPaneGap(*sTexts.oPaneGap, sOptions);
+}
+
 void ReadOverlayOptions(const SOptionTexts& sTexts, SToolOptions& sOptions)
 {
     const std::pair<const TText*, std::string*> aFiles[] = {
@@ -249,6 +264,7 @@ SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
 {
     CLI::App oApp("", "lumor-dewarp");
     SOptionTexts sTexts;
+    DeclareFlags(oApp, sTexts);
     DeclareOptions(oApp, sTexts);
     try {
         oApp.parse(nArguments, ppArguments);
@@ -265,6 +281,7 @@ SCommandLine ParseCommandLine(int nArguments, const char* const* ppArguments)
     ReadViewOptions(sTexts, sLine.sOptions);
     ReadCameraOptions(sTexts, sLine.sOptions);
     ReadPictureOptions(sTexts, sLine.sOptions);
+    ReadPaneOptions(sTexts, sLine.sOptions);
     ReadOverlayOptions(sTexts, sLine.sOptions);
     ReadEngineOptions(sTexts, sLine.sOptions);
     sLine.sOptions.bStats = sTexts.bStats;

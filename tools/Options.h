@@ -67,7 +67,10 @@ struct SToolOptions
     std::optional<SOrientation> oOrientation;
     std::optional<float> oRoll;
     bool bCleanRim = true;
-    SViewShape sShape; ///< spans and bands
+    SViewShape sShape;         ///< spans and bands
+    std::vector<SPane> vPanes; ///< several views in one picture; empty: one
+    int nPaneGap = 0;
+    unsigned int nPaneGapColor = 0x000000FF;
     ESampling eSampling = SAMPLING_BY_TYPE;
     bool bMinification = false;
     std::optional<float> oPan;

@@ -78,8 +78,10 @@ void ThrowNoDriver(const std::string& strReason, const char* pElse)
 
 std::unique_ptr<CDewarpSession> StartSession(const SToolOptions& sOptions, SSize sInput, const CToolLog& rLog)
 {
-    const SSize sSize =
-        sOptions.oSize.value_or(GetDefaultSize(sOptions.eView, sOptions.eMount, sInput, sOptions.sShape));
+    const SSize sDefault = sOptions.vPanes.empty()
+                               ? GetDefaultSize(sOptions.eView, sOptions.eMount, sInput, sOptions.sShape)
+                               : SizeOfPanes(sOptions.vPanes);
+    const SSize sSize = sOptions.oSize.value_or(sDefault);
     if (sOptions.bBuffers)
         return StartBufferSession(sOptions, sSize);
     std::unique_ptr<CDewarper> pDewarper = CreateDewarper(sOptions.eEngine, sSize.nWidth, sSize.nHeight);

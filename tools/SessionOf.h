@@ -3,10 +3,13 @@
 #pragma once
 
 #include "Notes.h"
+#include "PaneOptions.h"
 #include "Session.h"
 #include "ToolError.h"
 
 #include "dewarp/Dewarper.h"
+
+#include <algorithm>
 
 /// A session of one kind of dewarper. The options must outlive it.
 template <class TDewarper>
@@ -29,6 +32,8 @@ protected:
     virtual void DrawGiven();
     /// Brings colours into the form that the dewarper mixes.
     virtual void PrepareOverlays(const SFrame& /*sFrame*/, SOverlays& /*sOverlays*/) {}
+    /// The same for one, 0xRRGGBBAA.
+    virtual unsigned int ColorForDewarper(unsigned int nColor) const { return nColor; }
     /// " (what went wrong last)", or nothing when nothing has.
     std::string GetReason();
     [[noreturn]] void ThrowUndrawn();
@@ -94,7 +99,11 @@ void CSessionOf<TDewarper>::ApplyView()
     rDewarper.SetFlip(m_sOptions.bFlipHorizontal, m_sOptions.bFlipVertical);
     rDewarper.SetStrictTiltLimits(m_sOptions.bStrictTilt);
     rDewarper.SetMountTilt(m_sOptions.oMountTilt.value_or(0.0f));
-    if (m_sOptions.oRotation && IsFlatView(m_sOptions.eView))
+    const auto IsFlatPane = [](const SPane& rPane) { return IsFlatView(rPane.eView); };
+    const bool bFlat = m_sOptions.vPanes.empty()
+                           ? IsFlatView(m_sOptions.eView)
+                           : std::any_of(m_sOptions.vPanes.begin(), m_sOptions.vPanes.end(), IsFlatPane);
+    if (m_sOptions.oRotation && bFlat)
         rDewarper.SetRotation(*m_sOptions.oRotation);
     if (m_sOptions.oGains)
         rDewarper.SetGains(m_sOptions.oGains->fLuma, m_sOptions.oGains->fChroma);
@@ -109,6 +118,12 @@ void CSessionOf<TDewarper>::ApplyPTZ()
     float fPan = 0.0f;
     float fTilt = 0.0f;
     float fZoom = 0.0f;
+    if (!m_sOptions.vPanes.empty()) {
+        GetDewarper().SetPaneGap(m_sOptions.nPaneGap, ColorForDewarper(m_sOptions.nPaneGapColor));
+        if (!GetDewarper().SetPanes(m_sOptions.vPanes))
+            ThrowFailure("the panes were refused" + GetReason());
+        return;
+    }
     CDewarper::GetDefaultPTZ(m_sOptions.eView, m_sOptions.eMount, fPan, fTilt, fZoom);
     GetDewarper().AbsolutePTZ(m_sOptions.oPan.value_or(fPan), m_sOptions.oTilt.value_or(fTilt),
                               m_sOptions.oZoom.value_or(fZoom));
@@ -184,7 +199,9 @@ std::vector<std::string> CSessionOf<TDewarper>::GetNotes()
     float fTilt = 0.0f;
     float fZoom = 0.0f;
     GetDewarper().GetPTZ(fPan, fTilt, fZoom);
-    std::vector<std::string> vNotes = ListLimitedPTZ(m_sOptions, fPan, fTilt, fZoom);
+    std::vector<std::string> vNotes = m_sOptions.vPanes.empty()
+                                          ? ListLimitedPTZ(m_sOptions, fPan, fTilt, fZoom)
+                                          : ListLimitedPanes(m_sOptions, GetDewarper().GetPanes());
     if (!ShowsAnything())
         vNotes.emplace_back(
             "nothing of this view lies in the light of the lens; check --lens, --circle and where it looks");

@@ -61,7 +61,6 @@ public:
     void BindDefaultFrameBuffer() override;
     bool IsTopDownTarget() override;
     bool DrawsFlips() override;
-    bool IsYUVTarget() override;
 
     // State, open as that of the base class.
     int nTargetWidth = 0;

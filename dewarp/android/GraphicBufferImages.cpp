@@ -321,11 +321,6 @@ bool CCustomGPUDewarperVela::IsTopDownTarget()
     return !NeedsFrameTexture();
 }
 
-bool CCustomGPUDewarperVela::IsYUVTarget()
-{
-    return pRooms->oPrograms.IsYUVOutput();
-}
-
 bool CCustomGPUDewarperVela::DrawsFlips()
 {
     return false;

@@ -17,7 +17,7 @@ bool IsAngleOrNone(float f)
     return std::isnan(f) || std::isfinite(f);
 }
 
-bool Has(const SGRect& r, int x, int y)
+bool Has(const SGRect& r, double x, double y)
 {
     return x >= r.x && y >= r.y && x < r.x + r.width && y < r.y + r.height;
 }
@@ -153,31 +153,42 @@ CControl& CPanes::Asked()
     return IsSet() ? m_vPanes[static_cast<std::size_t>(m_nSelected)]->oControl : m_rCamera;
 }
 
-bool CPanes::PointAt(int& x, int& y)
+bool CPanes::SelectAt(double x, double y)
 {
     if (!IsSet())
         return true;
     for (std::size_t n = m_vPanes.size(); n-- > 0;) {
-        const SGRect& r = m_vPanes[n]->sPlace;
-        if (!Has(r, x, y))
+        if (!Has(m_vPanes[n]->sPlace, x, y))
             continue;
         m_nSelected = static_cast<int>(n);
-        x -= r.x;
-        y -= r.y;
         return true;
     }
     return false;
 }
 
+/// From pixels of the picture to those of the selected pane. No host has pixels that far out.
+void CPanes::ToSelected(int& x, int& y) const
+{
+    const int nFarthest = 1 << 30;
+    const SGRect& r = m_vPanes[static_cast<std::size_t>(m_nSelected)]->sPlace;
+    x = std::clamp(x, -nFarthest, nFarthest) - r.x;
+    y = std::clamp(y, -nFarthest, nFarthest) - r.y;
+}
+
+bool CPanes::PointAt(int& x, int& y)
+{
+    if (!SelectAt(x, y))
+        return false;
+    if (IsSet())
+        ToSelected(x, y);
+    return true;
+}
+
 bool CPanes::Follow(int& x, int& y)
 {
-    if (!IsSet())
-        return true;
-    const SPaneState& rPane = *m_vPanes[static_cast<std::size_t>(m_nSelected)];
-    if (!rPane.oControl.bMouseDown)
+    if (!IsSet() || !m_vPanes[static_cast<std::size_t>(m_nSelected)]->oControl.bMouseDown)
         return PointAt(x, y);
-    x -= rPane.sPlace.x;
-    y -= rPane.sPlace.y;
+    ToSelected(x, y);
     return true;
 }
 

@@ -58,6 +58,8 @@ public:
     /// A pointer goes down: selects the pane there, and counts its pixels from the pane's corner. False
     /// beside all panes.
     bool PointAt(int& x, int& y);
+    /// The same for a point. True without panes.
+    bool SelectAt(double x, double y);
     /// A pointer moves: the pane that is dragged keeps it.
     bool Follow(int& x, int& y);
     /// Whether the view that is steered is in force; bCamera and rCamera: of the one view.
@@ -74,6 +76,7 @@ public:
 
 private:
     bool IsUsable(const SPane& rPane, std::size_t nPane);
+    void ToSelected(int& x, int& y) const;
     SPTZ PositionOf(const SPane& rPane, EMountType eMount) const;
     SGRect PlaceOf(const SPane& rPane, const STargetShape& rTarget) const;
     void PutInForce(SPaneState& rPane);

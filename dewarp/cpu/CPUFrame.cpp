@@ -126,7 +126,8 @@ bool CCustomCPUDewarper::SState::DrawViews(const SFrameTarget& rTarget, const ch
     if (!oPanes.IsSet()) {
         Draw(oView, rTarget);
     } else {
-        const CPaneGround oGround(rTarget, oPanes.GapColor(), YUVWeightsOf(ColoursInForce()));
+        const CPaneGround oGround(rTarget, oPanes.GapColor(), ColoursInForce().eSpace,
+                                  ColoursInForce().eRange);
         oGround.Fill({0, 0, nTargetWidth, nTargetHeight});
         for (std::size_t n = 0; n < oPanes.Views().size(); ++n) {
             const SPlacedView& rView = oPanes.Views()[n];

@@ -65,8 +65,6 @@ bool CCustomCPUDewarper::LookAtView(double x, double y)
     const CCPULock oLock(pState->oMutex);
     double fFrameX = 0.0;
     double fFrameY = 0.0;
-    int nX = static_cast<int>(x);
-    int nY = static_cast<int>(y);
-    return pState->oPanes.PointAt(nX, nY) && CDewarper::ViewToFrame(x, y, fFrameX, fFrameY) &&
+    return pState->oPanes.SelectAt(x, y) && CDewarper::ViewToFrame(x, y, fFrameX, fFrameY) &&
            LookAt(fFrameX, fFrameY);
 }

@@ -1,5 +1,7 @@
 #include "dewarp/cpu/PaneGround.h"
 
+#include "dewarp/records/YUVColour.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -45,14 +47,16 @@ bool SharesChroma(std::span<const SPlacedView> oViews, int nWidth, int nHeight)
                        [&](const SPlacedView& r) { return Shares(r.sPlace) || Shares(r.sGround); });
 }
 
-CPaneGround::CPaneGround(const SFrameTarget& rTarget, unsigned int nColor, const SYUVWeights& rWeights)
+CPaneGround::CPaneGround(const SFrameTarget& rTarget, unsigned int nColor, EYUVSpace eSpace, EYUVRange eRange)
     : m_rTarget(rTarget)
 {
     const bool bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
     const int anShifts[4] = {bRedFirst ? 24 : 8, 16, bRedFirst ? 8 : 24, 0};
     for (int i = 0; i < 4; ++i)
         m_anPixel[i] = static_cast<unsigned char>(nColor >> anShifts[i] & 255);
-    PackColor(nColor, rWeights, m_anYUV);
+    const unsigned int nYUV = ConvertColourToYUV(nColor, eSpace, eRange);
+    for (int i = 0; i < 3; ++i)
+        m_anYUV[i] = static_cast<unsigned char>(nYUV >> (24 - 8 * i) & 255);
 }
 
 void CPaneGround::Fill(const SGRect& r) const

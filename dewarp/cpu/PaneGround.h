@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dewarp/control/Decision.h"
-#include "dewarp/records/PackYUV.h"
+#include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SFrameTarget.h"
 #include "dewarp/records/SGRect.h"
 
@@ -19,8 +19,8 @@ bool SharesChroma(std::span<const SPlacedView> oViews, int nWidth, int nHeight);
 class CPaneGround
 {
 public:
-    /// nColor: 0xRRGGBBAA; YUV has no alpha.
-    CPaneGround(const SFrameTarget& rTarget, unsigned int nColor, const SYUVWeights& rWeights);
+    /// nColor: 0xRRGGBBAA; YUV, of a space and range in force, has no alpha.
+    CPaneGround(const SFrameTarget& rTarget, unsigned int nColor, EYUVSpace eSpace, EYUVRange eRange);
     /// Of YUV: all chroma that a rectangle touches.
     void Fill(const SGRect& rRect) const;
 

@@ -48,13 +48,14 @@ void CCGPUObjView::DrawArrays(SDewarpParams* pParams, SDewarpMatrices* pMatrices
         glDrawArrays(m_nPrimitiveMode, 0, m_nVertexCount);
         return;
     }
-    DrawEach({aParts, static_cast<std::size_t>(nParts)}, *pShader);
+    DrawEach(aParts, nParts, *pShader);
     glViewport(0, 0, pMatrices->nViewportWidth, pMatrices->nViewportHeight);
 }
 
-void CCGPUObjView::DrawEach(std::span<const SViewPart> oParts, const SShaderProperties& rShader) const
+void CCGPUObjView::DrawEach(const SViewPart* pParts, int nParts, const SShaderProperties& rShader) const
 {
-    for (const SViewPart& rPart : oParts) {
+    for (int i = 0; i < nParts; ++i) {
+        const SViewPart& rPart = pParts[i];
         glUniformMatrix4fv(rShader.nMVPMatrixLocation, 1, GL_FALSE, rPart.fMVP);
         glViewport(rPart.nX, rPart.nY, rPart.nWidth, rPart.nHeight);
         glDrawArrays(m_nPrimitiveMode, 0, m_nVertexCount);

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "dewarp/gl/GPUObjBase.h"
-#include "dewarp/views/View.h"
 #include "platform/Export.h"
 
-#include <span>
+class CView;
+struct SViewPart;
 
 /// Answers for its view: every question goes to the view's value, with the mesh that is held.
 class LUMOR_API CCGPUObjView : public CCGPUObjBase
@@ -34,7 +34,7 @@ public:
     void Rebuild(CCustomGPUGeometry* pGeometry, SDewarpParams* pParams) override;
 
     /// Draws parts that were decided, each with its matrix in its viewport.
-    void DrawEach(std::span<const SViewPart> oParts, const SShaderProperties& rShader) const;
+    void DrawEach(const SViewPart* pParts, int nParts, const SShaderProperties& rShader) const;
 
 protected:
     explicit CCGPUObjView(const CView& rView) : m_pView(&rView) {}

@@ -133,17 +133,3 @@ void PackPicture(const unsigned char* pPixels, int nStride, int nWidth, int nHei
                     sRows);
     }
 }
-
-void PackColor(unsigned int nColor, const SYUVWeights& rWeights, unsigned char (&anYUV)[3])
-{
-    const unsigned char anBGRA[4] = {
-        static_cast<unsigned char>(nColor >> 8 & 255), static_cast<unsigned char>(nColor >> 16 & 255),
-        static_cast<unsigned char>(nColor >> 24 & 255), static_cast<unsigned char>(nColor & 255)};
-    SFrameTarget sOne;
-    sOne.eFormat = IMAGE_FORMAT_YUV420P;
-    for (int i = 0; i < 3; ++i) {
-        sOne.apPlanes[i] = anYUV + i;
-        sOne.anStrides[i] = 1;
-    }
-    PackPicture(anBGRA, 4, 1, 1, rWeights, sOne);
-}

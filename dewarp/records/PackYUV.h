@@ -36,10 +36,6 @@ LUMOR_INTERNAL_API SYUVWeights YUVWeightsOf(const SYUV2RGBConversionParams& rInF
 LUMOR_INTERNAL_API void PackYUVRows(const SYUVWeights& rWeights, const unsigned char* pUpper,
                                     const unsigned char* pLower, int nWidth, const SYUVRows& rRows);
 
-/// Y, U and V of a colour, 0xRRGGBBAA. Thread: any. Fails: never.
-LUMOR_INTERNAL_API void PackColor(unsigned int nColor, const SYUVWeights& rWeights,
-                                  unsigned char (&anYUV)[3]);
-
 /// Writes a picture of BGRA pixels, top row first, into a target without faults. Bytes between row end and
 /// stride stay as they are. Thread: any. Fails: never.
 LUMOR_INTERNAL_API void PackPicture(const unsigned char* pPixels, int nStride, int nWidth, int nHeight,

@@ -36,6 +36,7 @@ private:
     void Restart();
     void FreeObjects();
     void Choices();
+    void Panes();
     void Colours();
     void Orientation();
     void Switches();

@@ -8,7 +8,10 @@ void CPlayer::Choices()
     static const int VIEWS[] = {3, 1, 9, 2, 4, 5, 6, 7, 8, 0};
     static const int MOUNTS[] = {90, 0, -90, 1000};
     static const int LENSES[] = {-2, -1, 0, 215, 239, 418, 419};
-    switch (m_rBytes.Byte() % 4) {
+    switch (m_rBytes.Byte() % 5) {
+    case 4:
+        Panes();
+        break;
     case 0:
         With([&](auto& d) { return d.SetMountType(m_rBytes.OneOf<EMountType>(MOUNTS)); });
         break;
@@ -19,6 +22,26 @@ void CPlayer::Choices()
         With([&](auto& d) { return d.SetViewType(m_rBytes.OneOf<EViewType>(VIEWS)); });
         break;
     }
+}
+
+void CPlayer::Panes()
+{
+    static const int VIEWS[] = {1, 3, 4, 6, 8, 9, 201, 77};
+    std::vector<SPane> vPanes(m_rBytes.Byte() % 18);
+    for (SPane& rPane : vPanes) {
+        const bool bAny = m_rBytes.Byte() % 8 == 0;
+        for (int* const p : {&rPane.sRect.x, &rPane.sRect.y, &rPane.sRect.width, &rPane.sRect.height})
+            *p = bAny ? m_rBytes.Int() : m_rBytes.Between(0, 40);
+        rPane.eView = m_rBytes.OneOf<EViewType>(VIEWS);
+        rPane.fPan = m_rBytes.Float();
+        rPane.fZoom = m_rBytes.Float();
+        rPane.fRoll = m_rBytes.Float();
+        rPane.fEyeDistance = m_rBytes.Float();
+    }
+    With([&](auto& d) { return d.SetPanes(vPanes); });
+    With([&](auto& d) { return d.SelectPane(m_rBytes.Between(-1, 16)); });
+    const int nGap = m_rBytes.Between(-1, 20);
+    With([&](auto& d) { return d.SetPaneGap(nGap, 0x123456FF); });
 }
 
 void CPlayer::Colours()

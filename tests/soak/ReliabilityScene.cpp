@@ -56,12 +56,27 @@ int AnyInt(std::mt19937& oRandom, int nLow, int nHigh)
     return std::uniform_int_distribution<int>(nLow, nHigh)(oRandom);
 }
 
+/// Every other time none: the one view comes back.
+std::vector<SPane> AnyPanes(std::mt19937& oRandom)
+{
+    std::vector<SPane> vPanes(oRandom() % 2 == 0 ? 0 : oRandom() % 5);
+    for (SPane& rPane : vPanes) {
+        rPane.sRect = {AnyInt(oRandom, 0, 30), AnyInt(oRandom, 0, 30), AnyInt(oRandom, 1, 40),
+                       AnyInt(oRandom, 1, 40)};
+        rPane.eView = static_cast<EViewType>(AnyInt(oRandom, 1, 9));
+        if (oRandom() % 2 == 0)
+            rPane.fPan = AnyAngle(oRandom);
+        rPane.fTilt = AnyAngle(oRandom);
+    }
+    return vPanes;
+}
+
 template <class D>
 void RandomSetting(D& oDewarper, std::mt19937& oRandom)
 {
     static const int LENSES[] = {-2, -1, 0, 215, 239, 418, 419, 7};
     static const int MOUNTS[] = {0, 90, -90, 1000, 45};
-    switch (oRandom() % 10) {
+    switch (oRandom() % 12) {
     case 0:
         oDewarper.SetViewType(static_cast<EViewType>(AnyInt(oRandom, 0, 10)));
         break;
@@ -90,6 +105,14 @@ void RandomSetting(D& oDewarper, std::mt19937& oRandom)
         break;
     case 8:
         oDewarper.SetFlip(oRandom() % 2 == 0, oRandom() % 2 == 0);
+        break;
+    case 9:
+        oDewarper.SetPanes(AnyPanes(oRandom));
+        break;
+    case 10:
+        oDewarper.SetPaneGap(AnyInt(oRandom, -1, 9), static_cast<unsigned int>(oRandom()));
+        oDewarper.SelectPane(AnyInt(oRandom, -1, 4));
+        oDewarper.GetPanes();
         break;
     default:
         oDewarper.SetEyeDistance(AnyAngle(oRandom));

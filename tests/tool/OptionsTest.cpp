@@ -77,6 +77,8 @@ const std::pair<const char*, const char*> OPTIONS[] = {
     {"--map", "m"},
     {"--sampling", "lanczos"},
     {"--minification", nullptr},
+    {"--pane", "0,0,32,16 view=fisheye pan=5 roll=-3"},
+    {"--pane-gap", "4,#11223344"},
 };
 
 } // namespace
@@ -126,6 +128,15 @@ TEST(Options, EveryOptionIsTakenAndExplained)
     EXPECT_EQ(sOptions.strStringsFile, "s");
     EXPECT_EQ(sOptions.vMasks.size(), 1u);
     EXPECT_EQ(sOptions.vTexts.size(), 1u);
+    ASSERT_EQ(sOptions.vPanes.size(), 1u);
+    EXPECT_EQ(sOptions.vPanes[0].sRect.width, 32);
+    EXPECT_EQ(sOptions.vPanes[0].eView, VIEW_FISHEYE);
+    EXPECT_FLOAT_EQ(sOptions.vPanes[0].fPan, 5.0f);
+    EXPECT_FLOAT_EQ(sOptions.vPanes[0].fTilt, -1.5f) << "as --tilt says";
+    EXPECT_FLOAT_EQ(sOptions.vPanes[0].fRoll, -3.0f);
+    EXPECT_FLOAT_EQ(sOptions.vPanes[0].fEyeDistance, 1.0f);
+    EXPECT_EQ(sOptions.nPaneGap, 4);
+    EXPECT_EQ(sOptions.nPaneGapColor, 0x11223344u);
     EXPECT_EQ(sOptions.eEngine, ENGINE_GL);
     EXPECT_EQ(*sOptions.oThreads, 3);
     EXPECT_TRUE(sOptions.bBuffers && sOptions.bStats && sOptions.bVerbose);
@@ -274,4 +285,19 @@ TEST(Options, CommandLinesThatCannotBeFollowedAreRefused)
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--mask-file", ""}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text-at", "1,1"}));
     EXPECT_TRUE(IsRefused({"in.png", "out.png", "--text", "a", "--text-height", "9", "--text-height", "9"}));
+}
+
+TEST(Options, PanesThatCannotBeDrawnAreRefused)
+{
+    for (const char* pPane : {"", "0,0,32", "0,0,32,0", "-1,0,32,32", "0.5,0,32,32", "0,0,20000,32",
+                              "16000,0,1000,32", "0,0,32,32 pan", "0,0,32,32 pan=x", "0,0,32,32 pan=400",
+                              "0,0,32,32 view=none", "0,0,32,32 colour=red", "0,0,32,32 roll=nan"})
+        EXPECT_TRUE(IsRefused({"--pane", pPane, "in.png", "out.png"})) << pPane;
+    EXPECT_TRUE(IsRefused({"--size", "64x64", "--pane", "40,0,32,32", "in.png", "out.png"}));
+    EXPECT_TRUE(IsRefused({"--pane-gap", "-1", "in.png", "out.png"}));
+    EXPECT_TRUE(IsRefused({"--pane-gap", "2,red", "in.png", "out.png"}));
+    std::vector<const char*> vMany = {"in.png", "out.png"};
+    for (int n = 0; n < 17; ++n)
+        vMany.insert(vMany.end(), {"--pane", "0,0,8,8"});
+    EXPECT_TRUE(IsRefused(vMany));
 }

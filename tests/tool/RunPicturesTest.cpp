@@ -266,3 +266,39 @@ TEST_F(RunPictures, TheContactSheetHoldsItsPictures)
     EXPECT_EQ(Get(16 + 310 + 100, 16 + 300), (std::array<int, 3>{255, 255, 255}));
     EXPECT_EQ(Get(20, 200), (std::array<int, 3>{32, 32, 32}));
 }
+
+TEST_F(RunPictures, PanesStandSideBySide)
+{
+    const std::vector<std::string> vEach[] = {{"--view", "fisheye"}, {"--tilt", "40", "--zoom", "70"}};
+    for (const char* pEngine : {"cpu", "gl"}) {
+        std::vector<TBytes> vAlone;
+        for (std::vector<std::string> vOptions : vEach) {
+            vOptions.insert(vOptions.end(), {"--engine", pEngine, "--size", "64x64"});
+            vAlone.push_back(Dewarp(vOptions));
+        }
+        const TBytes vBoth = Dewarp({"--engine", pEngine, "--pane", "0,0,64,64 view=fisheye", "--pane",
+                                     "66,0,64,64 tilt=40 zoom=70", "--pane-gap", "0,#0000FF"});
+        ASSERT_EQ(vBoth.size(), 130u * 64u * 4u);
+        for (int y = 0; y < 64; ++y)
+            for (int x = 0; x < 130; ++x) {
+                const SColor sPixel = GetPixel(vBoth, 130, x, y);
+                const bool bGap = x == 64 || x == 65;
+                const SColor sAlone = bGap ? SColor{0, 0, 255} : GetPixel(vAlone[x > 65], 64, x % 66, y);
+                ASSERT_NEAR(sPixel.nRed, sAlone.nRed, 2) << x << ", " << y;
+                ASSERT_NEAR(sPixel.nGreen, sAlone.nGreen, 2) << x << ", " << y;
+                ASSERT_NEAR(sPixel.nBlue, sAlone.nBlue, 2) << x << ", " << y;
+            }
+    }
+}
+
+TEST_F(RunPictures, WhatAPaneCannotDoIsNoted)
+{
+    const std::string strOutput = m_oFolder.Path("panes.png");
+    const SToolRun sRun = RunTool({"--pane", "0,0,64,64 tilt=150", "--pane", "64,0,64,64 view=panorama",
+                                   "--mount-tilt", "20", m_strGradient, strOutput});
+    EXPECT_EQ(sRun.nStatus, 0);
+    EXPECT_NE(sRun.strErrors.find("pane 1: --tilt 150 is beyond the view's limits; 90 was taken"),
+              std::string::npos)
+        << sRun.strErrors;
+    EXPECT_NE(sRun.strErrors.find("--mount-tilt has no effect"), std::string::npos) << sRun.strErrors;
+}
