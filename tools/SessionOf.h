@@ -10,6 +10,8 @@
 #include "dewarp/Dewarper.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 /// A session of one kind of dewarper. The options must outlive it.
 template <class TDewarper>
@@ -186,10 +188,16 @@ bool CSessionOf<TDewarper>::ShowsAnything()
     const bool bDescribed = m_sOptions.oLens || m_sOptions.oCircle || m_sOptions.oOrientation;
     if (!bDescribed || !GetSize(nWidth, nHeight))
         return true;
-    std::vector<SPointD> vPoints;
-    for (int n = 0; n < 256; ++n)
-        vPoints.push_back({(n % 16 + 0.5) / 16.0 * nWidth, (n / 16 + 0.5) / 16.0 * nHeight});
-    return GetDewarper().ViewToFrame(vPoints.data(), vPoints.data(), nullptr, 256) > 0;
+    const int nSide = 16;
+    for (int nRow = 0; nRow < nSide; ++nRow) {
+        std::array<SPointD, nSide> aPoints;
+        for (int nCol = 0; nCol < nSide; ++nCol)
+            aPoints[static_cast<std::size_t>(nCol)] = {(nCol + 0.5) / nSide * nWidth,
+                                                       (nRow + 0.5) / nSide * nHeight};
+        if (GetDewarper().ViewToFrame(aPoints.data(), aPoints.data(), nullptr, nSide) > 0)
+            return true;
+    }
+    return false;
 }
 
 template <class TDewarper>
