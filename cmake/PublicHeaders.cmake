@@ -31,6 +31,7 @@ set(LUMOR_PUBLIC_HEADERS
     dewarp/records/SDewarpMatrices.h
     dewarp/records/SDewarpParams.h
     dewarp/records/SDirection.h
+    dewarp/records/SFramePlanes.h
     dewarp/records/SFrameTarget.h
     dewarp/records/SGRect.h
     dewarp/records/SImageProperties.h

@@ -183,6 +183,11 @@ public:
     void OnMouseUp();
     void OnMouseWheel(double fDelta);
 
+    /// A frame whose planes have strides of their own, as decoders and cameras hand it out: its planes are
+    /// used as they are, until the next frame has been drawn. In all else as SetTexture without quantisers. A
+    /// frame that cannot be drawn is refused with a log line and false. Any thread.
+    bool SetFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp);
+
     // Several views in one picture.
     /// Up to 16 rectangles of the picture, each with a view of its own; mount, lens, colours, masks and all
     /// else stay the camera's. Later ones lie over earlier ones. An empty list gives the one view back, as it

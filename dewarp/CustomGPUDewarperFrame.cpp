@@ -77,6 +77,7 @@ bool CCustomGPUDewarper::DrawFrame(bool bExchangeBuffers)
 bool CCustomGPUDewarper::PrepareView(const STargetShape& rTarget)
 {
     SRooms& r = *pRooms;
+    r.oPoints.MakeRoom(1);
     const SAppliedRequests sApplied = r.oControl.ApplyRequests();
     pRequestedViewObject = ObjectInForce();
     DecideLayers();

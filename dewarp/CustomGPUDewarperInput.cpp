@@ -5,6 +5,7 @@
 #include "dewarp/LockScope.h"
 #include "dewarp/Rooms.h"
 #include "dewarp/records/ColourMatrix.h"
+#include "dewarp/records/FrameCheck.h"
 #include "platform/MemoryGuard.h"
 
 #include <GLES3/gl31.h>
@@ -27,6 +28,9 @@ bool CCustomGPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
     pInputPlanes[0] = pImage->pPlane0;
     pInputPlanes[1] = pImage->pPlane1;
     pInputPlanes[2] = pImage->pPlane2;
+    const SFramePlanes sPlanes = PlanesOf(*pImage);
+    pRooms->oInput.anChromaStrides[0] = sPlanes.anStrides[1];
+    pRooms->oInput.anChromaStrides[1] = sPlanes.anStrides[2];
     sMainShader.bGainRequested = bGain;
     const bool bOtherPicture = pImage->nWidth != pParams->nImageWidth ||
                                pImage->nHeight != pParams->nImageHeight || pImage->nFormat != nImageFormat;
@@ -48,6 +52,24 @@ bool CCustomGPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
     nImageYUVRange = pImage->eYUVRange;
     bTextureUpload = true;
     DrawRequired();
+    return true;
+}
+
+bool CCustomGPUDewarper::SetFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp)
+{
+    CLockScope oScope(*this);
+    SRooms& r = *pRooms;
+    const std::string strFault = GuardMemory("SetFrame", r.oReport, std::string("out of memory"),
+                                             [&] { return FindFrameFault(rFrame); });
+    if (!strFault.empty()) {
+        r.oReport.Error("%s: %s", "SetFrame", strFault.c_str());
+        return false;
+    }
+    SImageProperties sImage = ImageOf(rFrame);
+    if (!SetTexture(&sImage, rFrame.bGain, nullptr, nTimestamp))
+        return false;
+    r.oInput.anChromaStrides[0] = rFrame.anStrides[1];
+    r.oInput.anChromaStrides[1] = rFrame.anStrides[2];
     return true;
 }
 

@@ -97,6 +97,7 @@ bool CCustomGPUDewarper::PreparePanes(const STargetShape& rTarget)
     r.oPanes.Decide(rTarget, r.sDecision.sPicture);
     DecideLayers();
     const std::span<const SPlacedView> oViews = r.oPanes.Views();
+    r.oPoints.MakeRoom(oViews.size());
     std::array<SMeshWish, CPanes::MOST> aWishes;
     for (std::size_t n = 0; n < oViews.size(); ++n) {
         const SFrameDecision& d = *oViews[n].pDecision;

@@ -6,6 +6,7 @@
 #include "dewarp/overlays/SGPUString.h"
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SDirection.h"
+#include "dewarp/records/SFramePlanes.h"
 #include "dewarp/records/SFrameTarget.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
@@ -199,6 +200,11 @@ public:
     virtual bool SetPaneGap(int nPixels, unsigned int nColor) = 0;
     virtual bool SelectPane(int nPane) = 0;
     virtual int GetSelectedPane() = 0; ///< -1 without panes
+
+    /// A frame whose planes have strides of their own, as decoders and cameras hand it out: its planes are
+    /// used as they are, until the next frame has been drawn. In all else as SetTexture without quantisers. A
+    /// frame that cannot be drawn is refused with a log line and false.
+    virtual bool SetFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp) = 0;
 
     // What a host would have to guess.
     /// Where a view starts on a mount.

@@ -9,6 +9,7 @@
 #include "dewarp/records/Enumerations.h"
 #include "dewarp/records/SDewarpMatrices.h"
 #include "dewarp/records/SDewarpParams.h"
+#include "dewarp/records/SFramePlanes.h"
 #include "dewarp/records/SGRect.h"
 #include "dewarp/records/SImageProperties.h"
 #include "dewarp/records/SPTZLimits.h"

@@ -28,7 +28,7 @@ bool CCustomCPUDewarper::SState::HasFrameAndTarget(const char* pFunction)
     if (nTargetWidth > 0)
         return true;
     oReport.Standing(CPU_FAULT_NO_TARGET, "%s: the target (%d x %d) or the frame (%d x %d) has no size",
-                     pFunction, nTargetWidth, nTargetHeight, sImage.nWidth, sImage.nHeight);
+                     pFunction, nTargetWidth, nTargetHeight, sFrame.nWidth, sFrame.nHeight);
     return false;
 }
 
@@ -43,6 +43,7 @@ void CCustomCPUDewarper::SState::PrepareView()
         PreparePanes();
         return;
     }
+    oPoints.MakeRoom(1);
     oControl.ApplyRequests();
     bViewDrawn = true;
     if (!IsDecidedFor(sDecision, oControl, sTarget))
@@ -54,6 +55,7 @@ void CCustomCPUDewarper::SState::PrepareView()
 void CCustomCPUDewarper::SState::PreparePanes()
 {
     const std::span<const SPlacedView> oViews = oPanes.Views();
+    oPoints.MakeRoom(oViews.size());
     while (vPaneViews.size() < oViews.size())
         vPaneViews.push_back(std::make_unique<CViewDraw>());
     for (std::size_t n = 0; n < oViews.size(); ++n) {
@@ -69,8 +71,8 @@ void CCustomCPUDewarper::SState::PreparePanes()
 SYUV2RGBConversionParams CCustomCPUDewarper::SState::ColoursInForce() const
 {
     SYUV2RGBConversionParams sInForce = sPicture.sYUV2RGB;
-    sInForce.eSpace = static_cast<EYUVSpace>(EffectiveYUVSpace(sInForce.eSpace, sImage.eYUVSpace));
-    sInForce.eRange = static_cast<EYUVRange>(EffectiveYUVRange(sInForce.eRange, sImage.eYUVRange));
+    sInForce.eSpace = static_cast<EYUVSpace>(EffectiveYUVSpace(sInForce.eSpace, sFrame.eYUVSpace));
+    sInForce.eRange = static_cast<EYUVRange>(EffectiveYUVRange(sInForce.eRange, sFrame.eYUVRange));
     return sInForce;
 }
 
@@ -82,8 +84,8 @@ SLayerPlace CCustomCPUDewarper::SState::LayerPlaceOf(const SFrameTarget& rTarget
     sPlace.sFormat.nYUVSpace = ColoursInForce().eSpace;
     sPlace.sFormat.nYUVRange = ColoursInForce().eRange;
     sPlace.bLinear = sPicture.SamplingInForce(oControl.eInterpolation) != SAMPLING_NEAREST;
-    sPlace.nFrameWidth = sImage.nWidth;
-    sPlace.nFrameHeight = sImage.nHeight;
+    sPlace.nFrameWidth = sFrame.nWidth;
+    sPlace.nFrameHeight = sFrame.nHeight;
     sPlace.nTargetWidth = nTargetWidth;
     sPlace.nTargetHeight = nTargetHeight;
     return sPlace;
@@ -111,7 +113,7 @@ bool CCustomCPUDewarper::SState::DrawViews(const SFrameTarget& rTarget, const ch
         return false;
     const ESampling eSampling = sPicture.SamplingInForce(oControl.eInterpolation);
     SFrameColours sColours =
-        PrepareColours(sImage, sPicture, eSampling != SAMPLING_NEAREST, sQP.pQP != nullptr ? &sQP : nullptr);
+        PrepareColours(sFrame, sPicture, eSampling != SAMPLING_NEAREST, sQP.pQP != nullptr ? &sQP : nullptr);
     sColours.sJob.bRedFirst = rTarget.eFormat == IMAGE_FORMAT_RGBA32;
     const CFrameCover oCover = oLayers.Cover();
     const SPlaneSampling sSampling = {eSampling, sPicture.bMinification};
@@ -147,13 +149,13 @@ bool CCustomCPUDewarper::SState::DrawViews(const SFrameTarget& rTarget, const ch
 /// Whether the view can be drawn as YUV without a detour over pixels.
 bool CCustomCPUDewarper::SState::KeepsYUV() const
 {
-    switch (sImage.nFormat) {
+    switch (sFrame.eFormat) {
     case IMAGE_FORMAT_NV12:
     case IMAGE_FORMAT_NV21:
     case IMAGE_FORMAT_YUV420P:
         return true;
     case IMAGE_FORMAT_GRAY8:
-        return EffectiveYUVRange(sPicture.sYUV2RGB.eRange, sImage.eYUVRange) == YUV_RANGE_FULL;
+        return EffectiveYUVRange(sPicture.sYUV2RGB.eRange, sFrame.eYUVRange) == YUV_RANGE_FULL;
     default:
         return false;
     }

@@ -41,6 +41,8 @@ struct CCustomCPUDewarper::SState
     bool Draw(const SFrameTarget* pTarget, const char* pFunction);
     void RequestFrame() { oControl.bDrawRequired = true; }
     int CountThreads() const;
+    /// The frame to draw from now on; it has no fault.
+    void TakeFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp);
     /// Reports a fault that ends an operation, and returns false.
     bool Fail(const char* pFunction, const char* pMessage);
 
@@ -55,7 +57,7 @@ struct CCustomCPUDewarper::SState
     int nTargetHeight = 0;
     int nThreads = 0; ///< as asked for
 
-    SImageProperties sImage;
+    SFramePlanes sFrame;
     SQPInfo sQP;
     bool bHasFrame = false; ///< the planes belong to a frame
     unsigned long long nLastSet = 0;

@@ -13,25 +13,24 @@ std::int16_t Fixed(float fFactor)
         std::clamp(std::lround(static_cast<double>(fFactor) * 32768.0), -32768L, 32767L));
 }
 
-SSamplePlane Plane(const unsigned char* pPixels, int nStride, int nWidth, int nHeight, int nPixelBytes)
+void SetPlanes(const SFramePlanes& rFrame, SCellJob& rJob)
 {
-    return {pPixels, nStride, nWidth, nHeight, nPixelBytes};
-}
-
-void SetPlanes(const SImageProperties& rImage, SCellJob& rJob)
-{
-    const int w = rImage.nWidth;
-    const int h = rImage.nHeight;
+    const int w = rFrame.nWidth;
+    const int h = rFrame.nHeight;
+    const auto Plane = [&](int nPlane, int nDivisor, int nPixelBytes) {
+        return SSamplePlane{rFrame.apPlanes[nPlane], rFrame.anStrides[nPlane], w / nDivisor, h / nDivisor,
+                            nPixelBytes};
+    };
     const auto Packed = [&](int nBytes, int nRed, int nBlue, int nAlpha) {
         rJob.eSource = SOURCE_PACKED;
-        rJob.aPlanes[0] = Plane(rImage.pPlane0, rImage.nStride, w, h, nBytes);
+        rJob.aPlanes[0] = Plane(0, 1, nBytes);
         rJob.anChannels[0] = nRed;
         rJob.anChannels[1] = 1;
         rJob.anChannels[2] = nBlue;
         rJob.anChannels[3] = nAlpha;
     };
-    rJob.aPlanes[0] = Plane(rImage.pPlane0, rImage.nStride, w, h, 1);
-    switch (rImage.nFormat) {
+    rJob.aPlanes[0] = Plane(0, 1, 1);
+    switch (static_cast<int>(rFrame.eFormat)) {
     case IMAGE_FORMAT_RGB24:
         Packed(3, 0, 2, -1);
         break;
@@ -47,13 +46,13 @@ void SetPlanes(const SImageProperties& rImage, SCellJob& rJob)
     case IMAGE_FORMAT_NV12:
     case IMAGE_FORMAT_NV21:
         rJob.eSource = SOURCE_NV;
-        rJob.bVFirst = rImage.nFormat == IMAGE_FORMAT_NV21;
-        rJob.aPlanes[1] = Plane(rImage.pPlane1, rImage.nStride, w / 2, h / 2, 2);
+        rJob.bVFirst = rFrame.eFormat == IMAGE_FORMAT_NV21;
+        rJob.aPlanes[1] = Plane(1, 2, 2);
         break;
     case IMAGE_FORMAT_YUV420P:
         rJob.eSource = SOURCE_PLANAR;
-        rJob.aPlanes[1] = Plane(rImage.pPlane1, rImage.nStride / 2, w / 2, h / 2, 1);
-        rJob.aPlanes[2] = Plane(rImage.pPlane2, rImage.nStride / 2, w / 2, h / 2, 1);
+        rJob.aPlanes[1] = Plane(1, 2, 1);
+        rJob.aPlanes[2] = Plane(2, 2, 1);
         break;
     default:
         rJob.eSource = SOURCE_GRAY;
@@ -144,19 +143,19 @@ std::uint32_t ToPixel(const SYUV& s, const SColourMatrix& m)
 
 } // namespace
 
-SFrameColours PrepareColours(const SImageProperties& rImage, const SPictureSettings& rSettings, bool bLinear,
+SFrameColours PrepareColours(const SFramePlanes& rFrame, const SPictureSettings& rSettings, bool bLinear,
                              const SQPInfo* pQP)
 {
     SFrameColours c;
     SCellJob& rJob = c.sJob;
     SFineColours& rFine = c.sFine;
     rJob.bLinear = bLinear;
-    rJob.nFrameWidth = rImage.nWidth;
-    rJob.nFrameHeight = rImage.nHeight;
-    SetPlanes(rImage, rJob);
+    rJob.nFrameWidth = rFrame.nWidth;
+    rJob.nFrameHeight = rFrame.nHeight;
+    SetPlanes(rFrame, rJob);
     const SYUV2RGBConversionParams& rLevels = rSettings.sYUV2RGB;
-    c.nYUVSpace = EffectiveYUVSpace(rLevels.eSpace, rImage.eYUVSpace);
-    c.nYUVRange = EffectiveYUVRange(rLevels.eRange, rImage.eYUVRange);
+    c.nYUVSpace = EffectiveYUVSpace(rLevels.eSpace, rFrame.eYUVSpace);
+    c.nYUVRange = EffectiveYUVRange(rLevels.eRange, rFrame.eYUVRange);
     const bool bYUV = rJob.eSource == SOURCE_NV || rJob.eSource == SOURCE_PLANAR;
     rFine.bGain = rSettings.bGain && rJob.eSource != SOURCE_GRAY;
     rJob.bPremultiply = rJob.eSource == SOURCE_PACKED && rJob.anChannels[3] >= 0 && !rSettings.bGain;

@@ -5,7 +5,7 @@
 #include "dewarp/control/SPictureSettings.h"
 #include "dewarp/cpu/CellKernel.h"
 #include "dewarp/records/ColourMatrix.h"
-#include "dewarp/records/SImageProperties.h"
+#include "dewarp/records/SFramePlanes.h"
 #include "dewarp/records/SQPInfo.h"
 
 /// Colours that take more than the integer arithmetic of the cells: gains, quantisers shown as colour, levels
@@ -35,7 +35,7 @@ struct SFrameColours
 };
 
 /// Planes, channels and factors of a frame. The frame must be without fault (FindFrameFault).
-SFrameColours PrepareColours(const SImageProperties& rImage, const SPictureSettings& rSettings, bool bLinear,
+SFrameColours PrepareColours(const SFramePlanes& rFrame, const SPictureSettings& rSettings, bool bLinear,
                              const SQPInfo* pQP);
 
 /// One pixel with all that SFineColours asks for: R, G, B, A from the lowest byte up.

@@ -39,17 +39,35 @@ bool CCustomCPUDewarper::SetTexture(SImageProperties* pImage, bool bGain, SQPInf
             return true;
         }))
         return false;
-    s.nLastSet = nTimestamp;
-    s.sPicture.bGain = bGain;
-    const SDewarpParams& rParams = s.oControl.sParams;
-    const bool bOtherPicture = pImage->nWidth != rParams.nImageWidth ||
-                               pImage->nHeight != rParams.nImageHeight || pImage->nFormat != s.sImage.nFormat;
-    s.oControl.SetFrame(pImage->nWidth, pImage->nHeight, pImage->nStride, bOtherPicture);
-    s.sImage = *pImage;
-    s.sImage.bOwnsBuffers = false;
-    s.bHasFrame = true;
-    s.RequestFrame();
+    SFramePlanes sFrame = PlanesOf(*pImage);
+    sFrame.bGain = bGain;
+    s.TakeFrame(sFrame, nTimestamp);
     return true;
+}
+
+bool CCustomCPUDewarper::SetFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp)
+{
+    const CCPULock oLock(pState->oMutex);
+    SState& s = *pState;
+    const std::string strFault = GuardMemory("SetFrame", s.oReport, std::string("out of memory"),
+                                             [&] { return FindFrameFault(rFrame); });
+    if (!strFault.empty())
+        return s.Fail("SetFrame", strFault.c_str());
+    s.TakeFrame(rFrame, nTimestamp);
+    return true;
+}
+
+void CCustomCPUDewarper::SState::TakeFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp)
+{
+    nLastSet = nTimestamp;
+    sPicture.bGain = rFrame.bGain;
+    const SDewarpParams& rParams = oControl.sParams;
+    const bool bOtherPicture = rFrame.nWidth != rParams.nImageWidth ||
+                               rFrame.nHeight != rParams.nImageHeight || rFrame.eFormat != sFrame.eFormat;
+    oControl.SetFrame(rFrame.nWidth, rFrame.nHeight, rFrame.anStrides[0], bOtherPicture);
+    sFrame = rFrame;
+    bHasFrame = true;
+    RequestFrame();
 }
 
 void CCustomCPUDewarper::SetViewType(EViewType eView)

@@ -108,6 +108,7 @@ public:
     bool SetPaneGap(int nPixels, unsigned int nColor) override;
     bool SelectPane(int nPane) override;
     int GetSelectedPane() override;
+    bool SetFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp) override;
     using CDewarper::DrawTo;
     using CDewarper::FrameToView;
     using CDewarper::ViewToFrame;

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace
 {
@@ -18,13 +20,22 @@ void FillGaps(const SGridPoint* pPoints, std::uint64_t nCovered, SGridPoint* pFi
         pFilled[n] = (nCovered >> n & 1) != 0 ? pPoints[n] : sAny;
 }
 
+/// Kernels count bytes in 32 bits, and look up U and V at once.
+bool SuitKernels(const SCellJob& r)
+{
+    const bool bAlike = r.eSource != SOURCE_PLANAR || r.aPlanes[1].nStride == r.aPlanes[2].nStride;
+    const std::int64_t nBytes =
+        std::max(r.aPlanes[0].nStride, r.aPlanes[1].nStride) * std::int64_t{r.nFrameHeight};
+    return bAlike && nBytes <= std::numeric_limits<std::int32_t>::max() && r.nFrameWidth % 2 == 0 &&
+           r.nFrameHeight % 2 == 0 && r.nFrameWidth >= 32 && r.nFrameHeight >= 32;
+}
+
 } // namespace
 
 CFrameDraw::CFrameDraw(const SFrameJob& rJob)
     : m_rJob(rJob), m_rCells(rJob.pColours->sJob),
       m_bYUV(rJob.sTarget.eFormat == IMAGE_FORMAT_NV12 || rJob.sTarget.eFormat == IMAGE_FORMAT_YUV420P),
-      m_bKernels(rJob.sSampling.IsPlain() && !rJob.pColours->sFine.bUsed && m_rCells.nFrameWidth % 2 == 0 &&
-                 m_rCells.nFrameHeight % 2 == 0 && m_rCells.nFrameWidth >= 32 && m_rCells.nFrameHeight >= 32),
+      m_bKernels(rJob.sSampling.IsPlain() && !rJob.pColours->sFine.bUsed && SuitKernels(m_rCells)),
       m_nBlack(rJob.pColours->nYUVRange == YUV_RANGE_LIMITED ? 16 : 0)
 {}
 

@@ -48,15 +48,15 @@ int CInputTextures::ListPlanes(SPlaneUpload* pPlanes)
     case IMAGE_FORMAT_NV12:
     case IMAGE_FORMAT_NV21:
         pPlanes[0] = sLuma;
-        pPlanes[1] = {&nTextureUV, GLUnit(UNIT_UV), GL_LUMINANCE_ALPHA, GL_LUMINANCE_ALPHA, w / 2, h / 2,
-                      2,           nStride,         ppPixels[1]};
+        pPlanes[1] = {&nTextureUV, GLUnit(UNIT_UV),    GL_LUMINANCE_ALPHA, GL_LUMINANCE_ALPHA, w / 2, h / 2,
+                      2,           anChromaStrides[0], ppPixels[1]};
         return 2;
     case IMAGE_FORMAT_YUV420P:
         pPlanes[0] = sLuma;
-        pPlanes[1] = {&nTextureU, GLUnit(UNIT_U), GL_LUMINANCE, GL_LUMINANCE, w / 2, h / 2,
-                      1,          nStride / 2,    ppPixels[1]};
-        pPlanes[2] = {&nTextureV, GLUnit(UNIT_V), GL_LUMINANCE, GL_LUMINANCE, w / 2, h / 2,
-                      1,          nStride / 2,    ppPixels[2]};
+        pPlanes[1] = {&nTextureU, GLUnit(UNIT_U),     GL_LUMINANCE, GL_LUMINANCE, w / 2, h / 2,
+                      1,          anChromaStrides[0], ppPixels[1]};
+        pPlanes[2] = {&nTextureV, GLUnit(UNIT_V),     GL_LUMINANCE, GL_LUMINANCE, w / 2, h / 2,
+                      1,          anChromaStrides[1], ppPixels[2]};
         return 3;
     default:
         return 0;

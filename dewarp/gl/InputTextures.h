@@ -57,10 +57,11 @@ public:
     unsigned int nTextureMBType = 0;
     unsigned int nTextureRGB = 0;
     unsigned char* pInputPlanes[3] = {nullptr, nullptr, nullptr}; ///< the host's, of the last SetTexture
-    bool bTexturesNeedInit = false;                               ///< the input size or format changed
-    bool bTextureUpload = false;                                  ///< a frame waits to be uploaded
-    bool bFrameInTextures = false;                                ///< the textures hold a whole frame
-    int nImageFormat = 0;                                         ///< EImageFormat
+    int anChromaStrides[2] = {0, 0}; ///< bytes a row of the second and third plane
+    bool bTexturesNeedInit = false;  ///< the input size or format changed
+    bool bTextureUpload = false;     ///< a frame waits to be uploaded
+    bool bFrameInTextures = false;   ///< the textures hold a whole frame
+    int nImageFormat = 0;            ///< EImageFormat
     SQPInfo sQPInfo;
 
 private:

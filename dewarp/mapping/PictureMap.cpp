@@ -20,16 +20,15 @@ void FindNothing(SDirection* pResults, bool* pValid)
 
 } // namespace
 
-CPictureMap::SMap& CPictureMap::Hold(std::size_t n)
+void CPictureMap::MakeRoom(std::size_t nViews)
 {
-    while (m_vMaps.size() <= n)
+    while (m_vMaps.size() < nViews)
         m_vMaps.push_back(std::make_unique<SMap>());
-    return *m_vMaps[n];
 }
 
 void CPictureMap::SetDrawn(const SFrameDecision& rDecision, bool bFlips)
 {
-    Hold(0).oPoints.SetDrawn(rDecision, bFlips);
+    m_vMaps[0]->oPoints.SetDrawn(rDecision, bFlips);
     m_nMaps = 1;
     m_bPanes = false;
 }
@@ -39,7 +38,7 @@ void CPictureMap::SetDrawn(std::span<const SPlacedView> oViews, bool bFlips)
     m_nMaps = 0;
     m_bPanes = true;
     for (const SPlacedView& rView : oViews) {
-        SMap& rMap = Hold(m_nMaps);
+        SMap& rMap = *m_vMaps[m_nMaps];
         rMap.oPoints.SetDrawn(*rView.pDecision, bFlips);
         rMap.sPlace = rView.sPlace;
         ++m_nMaps;
@@ -77,20 +76,20 @@ int CPictureMap::MapPoints(const TFrom* pFrom, TTo* pTo, bool* pValid, int nCoun
     return nFound;
 }
 
-int CPictureMap::ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+int CPictureMap::ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) const
 {
-    if (!m_bPanes)
-        return Hold(0).oPoints.ViewToFrame(pPoints, pResults, pValid, nCount);
+    if (IsOneView())
+        return m_vMaps[0]->oPoints.ViewToFrame(pPoints, pResults, pValid, nCount);
     return MapPoints(pPoints, pResults, pValid, nCount, [&](SMap& rMap, const SPointD& p, SPointD& rTo) {
         const SPointD sInside = {p.x - rMap.sPlace.x, p.y - rMap.sPlace.y};
         return At(p) == &rMap && rMap.oPoints.ViewToFrame(&sInside, &rTo, nullptr, 1) == 1;
     });
 }
 
-int CPictureMap::FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount)
+int CPictureMap::FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) const
 {
-    if (!m_bPanes)
-        return Hold(0).oPoints.FrameToView(pPoints, pResults, pValid, nCount);
+    if (IsOneView())
+        return m_vMaps[0]->oPoints.FrameToView(pPoints, pResults, pValid, nCount);
     return MapPoints(pPoints, pResults, pValid, nCount, [&](SMap& rMap, const SPointD& p, SPointD& rTo) {
         if (rMap.oPoints.FrameToView(&p, &rTo, nullptr, 1) != 1)
             return false;
@@ -108,20 +107,21 @@ int CPictureMap::FrameToDirection(const SPointD* pPoints, SDirection* pResults, 
     });
 }
 
-int CPictureMap::ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount)
+int CPictureMap::ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) const
 {
-    if (!m_bPanes)
-        return Hold(0).oPoints.ViewToDirection(pPoints, pResults, pValid, nCount);
+    if (IsOneView())
+        return m_vMaps[0]->oPoints.ViewToDirection(pPoints, pResults, pValid, nCount);
     return MapPoints(pPoints, pResults, pValid, nCount, [&](SMap& rMap, const SPointD& p, SDirection& rTo) {
         const SPointD sInside = {p.x - rMap.sPlace.x, p.y - rMap.sPlace.y};
         return At(p) == &rMap && rMap.oPoints.ViewToDirection(&sInside, &rTo, nullptr, 1) == 1;
     });
 }
 
-int CPictureMap::DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount)
+int CPictureMap::DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid,
+                                 int nCount) const
 {
-    if (!m_bPanes)
-        return Hold(0).oPoints.DirectionToView(pDirections, pResults, pValid, nCount);
+    if (IsOneView())
+        return m_vMaps[0]->oPoints.DirectionToView(pDirections, pResults, pValid, nCount);
     return MapPoints(pDirections, pResults, pValid, nCount,
                      [&](SMap& rMap, const SDirection& r, SPointD& rTo) {
                          if (rMap.oPoints.DirectionToView(&r, &rTo, nullptr, 1) != 1)

@@ -17,15 +17,17 @@
 class LUMOR_INTERNAL_API CPictureMap
 {
 public:
-    /// A picture of one view, or of panes; bFlips as CPointMap has it. Throw for lack of memory.
+    /// Room for a picture of so many views: what follows needs none more. Throws for lack of memory.
+    void MakeRoom(std::size_t nViews);
+    /// A picture of one view, or of panes; bFlips as CPointMap has it. There must be room.
     void SetDrawn(const SFrameDecision& rDecision, bool bFlips);
     void SetDrawn(std::span<const SPlacedView> oViews, bool bFlips);
 
-    int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
-    int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount);
+    int ViewToFrame(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) const;
+    int FrameToView(const SPointD* pPoints, SPointD* pResults, bool* pValid, int nCount) const;
     int FrameToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) const;
-    int ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount);
-    int DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount);
+    int ViewToDirection(const SPointD* pPoints, SDirection* pResults, bool* pValid, int nCount) const;
+    int DirectionToView(const SDirection* pDirections, SPointD* pResults, bool* pValid, int nCount) const;
     bool TargetAt(const SPointD& rPoint, SLookTarget& rTarget) const;
 
 private:
@@ -36,7 +38,7 @@ private:
         SGRect sPlace;
     };
 
-    SMap& Hold(std::size_t n);
+    bool IsOneView() const { return !m_bPanes && m_nMaps > 0; }
     SMap* At(const SPointD& rPoint) const;
     /// Asks each view for each point until one answers; fMap(map, from, to) tells whether it did.
     template <class TFrom, class TTo, class F>

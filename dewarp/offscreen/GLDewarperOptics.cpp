@@ -1,4 +1,4 @@
-// What the host says about its camera and the sampling, and where things are in the picture.
+// What the host says about its camera, the sampling and panes, and where things are in the picture.
 
 #include "dewarp/CustomGPUDewarper.h"
 #include "dewarp/offscreen/GLDewarper.h"
@@ -138,4 +138,9 @@ bool CGLDewarper::SelectPane(int nPane)
 int CGLDewarper::GetSelectedPane()
 {
     return Engine().GetSelectedPane();
+}
+
+bool CGLDewarper::SetFrame(const SFramePlanes& rFrame, unsigned long long nTimestamp)
+{
+    return Engine().SetFrame(rFrame, nTimestamp);
 }

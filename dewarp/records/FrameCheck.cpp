@@ -58,6 +58,55 @@ std::string FindFrameFault(const SImageProperties* pImage, const SQPInfo* pQP)
     return std::string();
 }
 
+SImageProperties ImageOf(const SFramePlanes& rFrame)
+{
+    SImageProperties sImage;
+    // Nothing writes to a host's planes; the record has no other way to say so.
+    sImage.pPlane0 = const_cast<unsigned char*>(rFrame.apPlanes[0]);
+    sImage.pPlane1 = const_cast<unsigned char*>(rFrame.apPlanes[1]);
+    sImage.pPlane2 = const_cast<unsigned char*>(rFrame.apPlanes[2]);
+    sImage.nWidth = rFrame.nWidth;
+    sImage.nHeight = rFrame.nHeight;
+    sImage.nStride = rFrame.anStrides[0];
+    sImage.nFormat = rFrame.eFormat;
+    sImage.eYUVSpace = rFrame.eYUVSpace;
+    sImage.eYUVRange = rFrame.eYUVRange;
+    return sImage;
+}
+
+SFramePlanes PlanesOf(const SImageProperties& rImage)
+{
+    SFramePlanes sFrame;
+    const unsigned char* const aPlanes[] = {rImage.pPlane0, rImage.pPlane1, rImage.pPlane2};
+    const int nChroma = rImage.nFormat == IMAGE_FORMAT_YUV420P ? rImage.nStride / 2 : rImage.nStride;
+    for (int i = 0; i < 3; ++i) {
+        sFrame.apPlanes[i] = aPlanes[i];
+        sFrame.anStrides[i] = i == 0 ? rImage.nStride : nChroma;
+    }
+    sFrame.nWidth = rImage.nWidth;
+    sFrame.nHeight = rImage.nHeight;
+    sFrame.eFormat = static_cast<EImageFormat>(rImage.nFormat);
+    sFrame.eYUVSpace = rImage.eYUVSpace;
+    sFrame.eYUVRange = rImage.eYUVRange;
+    return sFrame;
+}
+
+std::string FindFrameFault(const SFramePlanes& rFrame)
+{
+    const SImageProperties sImage = ImageOf(rFrame);
+    const std::string strFault = FindFrameFault(&sImage, nullptr);
+    if (!strFault.empty())
+        return strFault;
+    const SFormat& rFormat = *FindFormat(rFrame.eFormat);
+    const int nChromaRow = rFrame.nWidth / 2 * (rFormat.nPlanes == 2 ? 2 : 1);
+    for (int i = 1; i < rFormat.nPlanes; ++i) {
+        if (rFrame.anStrides[i] < nChromaRow || rFrame.anStrides[i] > MAX_STRIDE)
+            return "stride of " + std::to_string(rFrame.anStrides[i]) + " bytes does not fit rows of " +
+                   std::to_string(nChromaRow) + " bytes in plane " + std::to_string(i);
+    }
+    return std::string();
+}
+
 std::string FindTargetFault(const SFrameTarget& rTarget, int nWidth, int nHeight)
 {
     const int nChroma = nWidth / 2 + nWidth % 2;

@@ -24,6 +24,7 @@ struct SFaultCase
     EMountType eMount;
     int nFormat;
     EImageFormat eTarget;
+    bool bPanes = false; ///< the view, and the fisheye beside it
 };
 
 const SFaultCase CASES[] = {
@@ -32,6 +33,7 @@ const SFaultCase CASES[] = {
     {"triple to YUV420P", VIEW_PANORAMA_TRIPLE, MOUNT_FLOOR, IMAGE_FORMAT_NV21, IMAGE_FORMAT_YUV420P},
     {"wall, packed to NV12", VIEW_PANORAMA_FULL, MOUNT_WALL, IMAGE_FORMAT_RGB24, IMAGE_FORMAT_NV12},
     {"flat to RGBA", VIEW_FISHEYE, MOUNT_CEILING, IMAGE_FORMAT_GRAY8, IMAGE_FORMAT_RGBA32},
+    {"panes to NV12", VIEW_VCAM, MOUNT_CEILING, IMAGE_FORMAT_NV12, IMAGE_FORMAT_NV12, true},
 };
 
 /// The first ones, then every seventh: each takes a dewarper of its own. LUMOR_SOAK_SECONDS in the
@@ -67,6 +69,15 @@ protected:
         rDewarper->SetMountType(GetParam().eMount);
         rDewarper->SetLensType(LENS_DSL419);
         rDewarper->SetInterpolationType(INTERPOLATION_LINEAR);
+        if (GetParam().bPanes) {
+            SPane sFirst;
+            SPane sSecond;
+            sFirst.sRect = {0, 0, WIDTH / 4 * 2, HEIGHT};
+            sSecond.sRect = {WIDTH / 4 * 2, 0, WIDTH - WIDTH / 4 * 2, HEIGHT};
+            sFirst.eView = GetParam().eView;
+            sSecond.eView = VIEW_FISHEYE;
+            ASSERT_TRUE(rDewarper->SetPanes({sFirst, sSecond}));
+        }
         VBytes vImage(20 * 10 * 4, 0x40);
         ASSERT_EQ(rDewarper->SetOutputOverlay(vImage.data(), 20, 10, 0, {}), 1);
         rDewarper->SetMaskPolygons({{{{-9, -9}, {140, -9}, {140, 140}, {-9, 140}}, 0x000000FF}});

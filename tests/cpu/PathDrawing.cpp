@@ -1,6 +1,7 @@
 #include "tests/cpu/PathDrawing.h"
 
 #include "dewarp/cpu/WorkerPool.h"
+#include "dewarp/records/FrameCheck.h"
 #include "dewarp/records/Mirrors.h"
 #include "dewarp/views/ViewList.h"
 
@@ -159,7 +160,7 @@ CPathDrawing::CPathDrawing(const SPathCase& rCase, CGuardedFrame& rFrame, int nT
     m_oGrid.Build(m_sDecision, m_oMesh,
                   {rCase.sParams.nImageWidth, rCase.sParams.nImageHeight, sMirrors.bX, sMirrors.bY},
                   nThreads);
-    m_sColours = PrepareColours(*rFrame.Image(), rCase.sPicture, rCase.bLinear, nullptr);
+    m_sColours = PrepareColours(PlanesOf(*rFrame.Image()), rCase.sPicture, rCase.bLinear, nullptr);
     m_sColours.sJob.bRedFirst = rCase.eTarget == IMAGE_FORMAT_RGBA32;
 }
 
