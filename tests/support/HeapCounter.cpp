@@ -4,15 +4,6 @@
 #include <cstdlib>
 #include <new>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define DEWARP_SANITIZED_HEAP
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define DEWARP_SANITIZED_HEAP
-#endif
-
 // Plain integers, initialised with constants: they are touched from within operator new.
 static thread_local int g_nDriverDepth = 0;
 static thread_local bool g_bCounting = false;
@@ -63,7 +54,7 @@ CHeapCounter::~CHeapCounter()
     g_bCounting = false;
 }
 
-#ifdef DEWARP_SANITIZED_HEAP
+#ifdef DEWARP_SANITIZED
 
 // The sanitizer owns operator new and tells of every allocation itself.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*fMalloc)(const volatile void*, std::size_t),

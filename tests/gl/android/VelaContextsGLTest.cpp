@@ -31,7 +31,7 @@ STestImage DrawnAlone(const SJob& rJob)
     return oOutput.Texels();
 }
 
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef DEWARP_SANITIZED
 const bool CHECKED_MEMORY = true;
 #else
 const bool CHECKED_MEMORY = false;

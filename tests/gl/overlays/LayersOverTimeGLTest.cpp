@@ -92,7 +92,7 @@ static long long HeapBytes()
 }
 
 // A day has 86,400 seconds; with a sanitizer twenty minutes must do.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef DEWARP_SANITIZED
 static const int SECONDS = 1200;
 static const bool OWN_HEAP = false;
 #else

@@ -98,7 +98,7 @@ static std::vector<TPoints> Polygons(TRandom& oRandom, int nCount, int nWidth, i
     return vResult;
 }
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef DEWARP_SANITIZED
 static const int POLYGONS = 80;
 #else
 static const int POLYGONS = 400;
