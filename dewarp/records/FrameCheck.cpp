@@ -94,7 +94,7 @@ SFramePlanes PlanesOf(const SImageProperties& rImage)
 std::string FindFrameFault(const SFramePlanes& rFrame)
 {
     const SImageProperties sImage = ImageOf(rFrame);
-    const std::string strFault = FindFrameFault(&sImage, nullptr);
+    std::string strFault = FindFrameFault(&sImage, nullptr);
     if (!strFault.empty())
         return strFault;
     const SFormat& rFormat = *FindFormat(rFrame.eFormat);
