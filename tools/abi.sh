@@ -12,8 +12,9 @@ if ! sBefore=$(gitsafe rev-parse --verify --quiet HEAD~1^{commit} 2>/dev/null); 
     echo "no earlier commit in this clone: nothing to compare with"
     exit 0
 fi
-if gitsafe diff --quiet "$sBefore" -- dewarp platform cmake/GPUFont.cmake &&
-    [ -z "$(gitsafe ls-files --others --exclude-standard -- dewarp platform)" ]; then
+# Types and exported functions are what headers say.
+if gitsafe diff --quiet "$sBefore" -- 'dewarp/*.h' 'platform/*.h' cmake/PublicHeaders.cmake &&
+    [ -z "$(gitsafe ls-files --others --exclude-standard -- 'dewarp/*.h' 'platform/*.h')" ]; then
     echo "unchanged since $(gitsafe log -1 --format='%h %s' "$sBefore")"
     exit 0
 fi
