@@ -133,7 +133,9 @@ bool CCustomCPUDewarper::SState::DrawViews(const SFrameTarget& rTarget, const ch
         oGround.Fill({0, 0, nTargetWidth, nTargetHeight});
         for (std::size_t n = 0; n < oPanes.Views().size(); ++n) {
             const SPlacedView& rView = oPanes.Views()[n];
-            oGround.Fill(rView.sGround);
+            // What fills its ground leaves nothing of it to see.
+            if (rView.sGround.width != rView.sPlace.width || rView.sGround.height != rView.sPlace.height)
+                oGround.Fill(rView.sGround);
             Draw(*vPaneViews[n], PartOf(rTarget, rView.sPlace));
         }
     }

@@ -63,10 +63,13 @@ void CPaneGround::Fill(const SGRect& r) const
 {
     const SFrameTarget& t = m_rTarget;
     if (!IsYUV(t)) {
-        for (int y = r.y; y < r.y + r.height; ++y) {
-            for (int x = r.x; x < r.x + r.width; ++x)
-                std::memcpy(At(t, 0, x, y, 4), m_anPixel, sizeof m_anPixel);
-        }
+        if (r.height < 1)
+            return;
+        for (int x = r.x; x < r.x + r.width; ++x)
+            std::memcpy(At(t, 0, x, r.y, 4), m_anPixel, sizeof m_anPixel);
+        const std::size_t nRowBytes = static_cast<std::size_t>(r.width) * 4;
+        for (int y = r.y + 1; y < r.y + r.height; ++y)
+            std::memcpy(At(t, 0, r.x, y, 4), At(t, 0, r.x, r.y, 4), nRowBytes);
         return;
     }
     for (int y = r.y; y < r.y + r.height; ++y)
