@@ -115,6 +115,7 @@ std::vector<std::string> ListIgnoredOptions(const SToolOptions& sOptions, int nI
          "flat views show the frame");
     if (sOptions.eView == VIEW_VCAM_QUAD && sOptions.eMount == MOUNT_WALL)
         vNotes.push_back("--view quad shows one camera only: the mount is a wall");
+    Note(sOptions.nPaneGap > 0 && sOptions.vPanes.empty(), "--pane-gap", "there is no --pane");
     Note(sOptions.oGains && nInputFormat == IMAGE_FORMAT_GRAY8, "--gain", "the input is gray");
     const std::string strNotYUV = "the input is not YUV";
     const bool bYUV = IsYUVFormat(nInputFormat) || sOptions.bBuffers;

@@ -94,6 +94,12 @@ void ReadPaneGap(const std::string& strText, SToolOptions& rOptions)
     rOptions.nPaneGap = ReadInt("--pane-gap", strText.substr(0, nComma), 0, MOST_PIXELS, "pixels");
     if (nComma != std::string::npos)
         rOptions.nPaneGapColor = ReadColor("--pane-gap", strText.substr(nComma + 1));
+    for (const SPane& rPane : rOptions.vPanes) {
+        if (rOptions.nPaneGap >= std::min(rPane.sRect.width, rPane.sRect.height))
+            ThrowUsage("--pane-gap: " + std::to_string(rOptions.nPaneGap) +
+                       " pixels leave nothing of a pane of " + std::to_string(rPane.sRect.width) + "x" +
+                       std::to_string(rPane.sRect.height));
+    }
 }
 
 SSize SizeOfPanes(const std::vector<SPane>& vPanes)
@@ -111,6 +117,7 @@ SToolOptions OptionsOfPane(const SToolOptions& rOptions, const SPane& rPane)
 {
     SToolOptions sOptions = rOptions;
     sOptions.vPanes.clear();
+    sOptions.nPaneGap = 0;
     sOptions.eView = rPane.eView;
     sOptions.oPan = Given(rPane.fPan);
     sOptions.oTilt = Given(rPane.fTilt);

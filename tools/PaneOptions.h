@@ -10,7 +10,7 @@
 /// --pane "X,Y,W,H [view=NAME] [pan=DEGREES] ...": what is left out is that of the options. Throws
 /// CToolError.
 SPane ReadPane(const std::string& strText, const SToolOptions& rOptions);
-/// --pane-gap PIXELS[,#RRGGBBAA]. Throws CToolError.
+/// --pane-gap PIXELS[,#RRGGBBAA], for the panes that were read. Throws CToolError.
 void ReadPaneGap(const std::string& strText, SToolOptions& rOptions);
 
 /// The smallest picture that has room for all panes.

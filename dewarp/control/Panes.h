@@ -45,7 +45,6 @@ public:
     std::vector<SPane> List() const;
     bool IsSet() const { return m_bSet.load(std::memory_order_relaxed); }
     bool SetGap(int nPixels, unsigned int nColor);
-    int Gap() const { return m_nGap; }
     unsigned int GapColor() const { return m_nGapColor; } ///< 0xRRGGBBAA
 
     // Steering.

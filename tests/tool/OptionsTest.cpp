@@ -296,6 +296,7 @@ TEST(Options, PanesThatCannotBeDrawnAreRefused)
     EXPECT_TRUE(IsRefused({"--size", "64x64", "--pane", "40,0,32,32", "in.png", "out.png"}));
     EXPECT_TRUE(IsRefused({"--pane-gap", "-1", "in.png", "out.png"}));
     EXPECT_TRUE(IsRefused({"--pane-gap", "2,red", "in.png", "out.png"}));
+    EXPECT_TRUE(IsRefused({"--pane-gap", "32", "--pane", "8,8,64,32", "in.png", "out.png"}));
     std::vector<const char*> vMany = {"in.png", "out.png"};
     for (int n = 0; n < 17; ++n)
         vMany.insert(vMany.end(), {"--pane", "0,0,8,8"});
